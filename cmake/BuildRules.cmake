@@ -1,0 +1,37 @@
+# How all of our own code is compiled.
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
+endif()
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Every program finds the libraries beside it in the build tree.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+# vexa_own_code(TARGET): the rules for a target of ours; nothing of them reaches its users.
+function(vexa_own_code target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+endfunction()
+
+# vexa_shared_library(TARGET ALIAS OUTPUT_NAME): the common shape of our shared libraries.
+function(vexa_shared_library target alias)
+  vexa_own_code(${target})
+  add_library(${alias} ALIAS ${target})
+  target_include_directories(
+    ${target} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>"
+                     "$<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>"
+                     "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  set_target_properties(
+    ${target}
+    PROPERTIES VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
+               SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()

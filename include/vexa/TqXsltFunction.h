@@ -1,0 +1,83 @@
+/**
+ * @file
+ * The base class of XPath extension functions.
+ */
+#pragma once
+
+#include <nrb/I18NString.h>
+#include <vexa/VEXAExport.h>
+
+#include <xalanc/XPath/Function.hpp>
+
+/**
+ * An XPath function that stylesheets can call in the library's extension namespace
+ * (VEXA_XSL_EXTENSION_NAMESPACE).
+ *
+ * A function of your own overrides three operations, and is handed to
+ * VEXAXslTransformer::installExternalFunction:
+ *
+ *     class FunctionShout : public TqXsltFunction {
+ *     public:
+ *         xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode*,
+ *                                    const XObjectArgVectorType& args,
+ *                                    const xalanc::Locator*) const override {
+ *             I18NString text = XalanDOMStringToI18NString(args[0]->str(context));
+ *             text += "!";
+ *             return context.getXObjectFactory().createString(I18NStringToXalanDOMString(text));
+ *         }
+ *         TqXsltFunction* clone() const override { return new FunctionShout(*this); }
+ *         xalanc::XalanDOMString getError() const override {
+ *             return xalanc::XalanDOMString("Shout() takes one argument");
+ *         }
+ *     };
+ *
+ * Ownership: the transformer and the engine work on clones, several of each function.
+ *
+ * Threads: a clone is called on the thread that runs the transform.
+ *
+ * Exceptions: what `execute` throws ends the transform. An exception that is not one of the engines'
+ * leaves the file and stream transforms as it is.
+ */
+class VEXA_EXPORT TqXsltFunction : public xalanc::Function {
+public:
+    TqXsltFunction();
+    TqXsltFunction(const TqXsltFunction& other);
+    ~TqXsltFunction() override;
+
+    using Function::execute;
+
+    /**
+     * Evaluates a call of the function.
+     *
+     * @param executionContext the evaluation under way; its XObject factory makes the result, and
+     *                         its `problem` operation reports a wrong call
+     * @param context          the context node; may be null
+     * @param args             the arguments, in order
+     * @param locator          where the call stands; may be null
+     * @return the result
+     */
+    xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
+                               xalanc::XalanNode* context, const XObjectArgVectorType& args,
+                               const xalanc::Locator* locator) const override = 0;
+
+    /** Gives a copy of this function, made with plain `new`, that belongs to the caller. */
+    virtual TqXsltFunction* clone() const = 0;
+
+    /** The text that tells how the function is to be called. Needs a started library. */
+    virtual xalanc::XalanDOMString getError() const = 0;
+
+    /**
+     * Gives the engine a copy of this function in the engine's own memory.
+     * @throws what clone() throws, std::bad_alloc or the memory manager's own exception
+     */
+    Function* clone(xercesc::MemoryManager& memoryManager) const final;
+
+    /** The text as an engine string. Needs a started library. It ends at the first NUL. */
+    static xalanc::XalanDOMString I18NStringToXalanDOMString(const I18NString& text);
+
+    /** An engine string as a text. It ends at the first NUL. */
+    static I18NString XalanDOMStringToI18NString(const xalanc::XalanDOMString& text);
+
+protected:
+    const xalanc::XalanDOMString& getError(xalanc::XalanDOMString& buffer) const final;
+};

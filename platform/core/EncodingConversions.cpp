@@ -1,0 +1,144 @@
+#include "EncodingConversions.h"
+
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
+#include <unicode/ustring.h>
+
+namespace nrb {
+namespace {
+
+constexpr UChar32 REPLACEMENT_CHARACTER = 0xFFFD;
+
+int32_t icuLength(std::size_t length) {
+    if (length > static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
+        throw std::length_error("I18NString: the text is too long");
+    }
+    return static_cast<int32_t>(length);
+}
+
+void check(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) {
+        throw std::bad_alloc();
+    }
+    if (U_FAILURE(status)) {
+        throw std::runtime_error(std::string("I18NString: ") + u_errorName(status));
+    }
+}
+
+icu::LocalUConverterPointer openConverter(const char* encoding) {
+    UErrorCode status = U_ZERO_ERROR;
+    // ICU would take an empty name for the default encoding.
+    icu::LocalUConverterPointer converter(*encoding ? ucnv_open(encoding, &status) : nullptr);
+    if (status == U_MEMORY_ALLOCATION_ERROR) {
+        throw std::bad_alloc();
+    }
+    if (converter.isNull()) {
+        throw std::invalid_argument("I18NString: unknown encoding \"" + std::string(encoding) +
+                                    "\"");
+    }
+    return converter;
+}
+
+/**
+ * Runs an ICU conversion twice: first to measure, then to convert. `convert` takes target, capacity
+ * and status, and returns the length that the whole result needs.
+ */
+template <typename Text, typename Conversion> Text measureAndConvert(Conversion convert) {
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t length = convert(static_cast<typename Text::value_type*>(nullptr), 0, &status);
+    if (status != U_BUFFER_OVERFLOW_ERROR) {
+        check(status);
+    }
+    Text result(static_cast<std::size_t>(length), 0);
+    status = U_ZERO_ERROR;
+    convert(result.data(), length, &status);
+    check(status);
+    return result;
+}
+
+/** UTF-8 is what nearly every text is in, and ICU converts it without a converter object. */
+bool isUtf8(const char* encoding) {
+    return ucnv_compareNames(encoding, "UTF-8") == 0;
+}
+
+std::u16string utf8ToUtf16(const char* text, int32_t length) {
+    // No text has more UTF-16 units than UTF-8 bytes, so one pass will do.
+    std::u16string result(static_cast<std::size_t>(length), 0);
+    int32_t resultLength = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8WithSub(result.data(), length, &resultLength, text, length,
+                         REPLACEMENT_CHARACTER, nullptr, &status);
+    check(status);
+    result.resize(static_cast<std::size_t>(resultLength));
+    return result;
+}
+
+std::string utf16ToUtf8(const std::u16string& text, int32_t length) {
+    return measureAndConvert<std::string>([&](char* target, int32_t capacity, UErrorCode* status) {
+        int32_t needed = 0;
+        u_strToUTF8WithSub(target, capacity, &needed, text.data(), length, REPLACEMENT_CHARACTER,
+                           nullptr, status);
+        return needed;
+    });
+}
+
+/**
+ * ICU's own substitute in most encodings is the control character SUB, which nobody can read. A
+ * substitute that the encoding lacks is refused by ICU.
+ */
+void setReadableSubstitute(UConverter* converter) {
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setSubstString(converter, u"\uFFFD", 1, &status);
+    if (U_FAILURE(status)) {
+        status = U_ZERO_ERROR;
+        ucnv_setSubstString(converter, u"?", 1, &status);
+    }
+}
+
+/** ICU's own callback turns some malformed bytes (in Shift_JIS, say) into SUB, not into U+FFFD. */
+void U_CALLCONV writeReplacementCharacter(const void* /*context*/, UConverterToUnicodeArgs* args,
+                                          const char* /*bytes*/, int32_t /*length*/,
+                                          UConverterCallbackReason reason, UErrorCode* status) {
+    if (reason <= UCNV_IRREGULAR) {
+        *status = U_ZERO_ERROR;
+        ucnv_cbToUWriteUChars(args, u"\uFFFD", 1, 0, status);
+    }
+}
+
+} // namespace
+
+std::u16string narrowToUtf16(const char* text, std::size_t length, const char* encoding) {
+    const int32_t bytes = icuLength(length);
+    const char* const name = encoding ? encoding : ucnv_getDefaultName();
+    if (isUtf8(name)) {
+        return utf8ToUtf16(text, bytes);
+    }
+    const icu::LocalUConverterPointer converter = openConverter(name);
+    UErrorCode callbackStatus = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.getAlias(), writeReplacementCharacter, nullptr, nullptr, nullptr,
+                        &callbackStatus);
+    check(callbackStatus);
+    return measureAndConvert<std::u16string>(
+        [&](UChar* target, int32_t capacity, UErrorCode* status) {
+            return ucnv_toUChars(converter.getAlias(), target, capacity, text, bytes, status);
+        });
+}
+
+std::string utf16ToNarrow(const std::u16string& text, const char* encoding) {
+    const int32_t units = icuLength(text.size());
+    const char* const name = encoding ? encoding : ucnv_getDefaultName();
+    if (isUtf8(name)) {
+        return utf16ToUtf8(text, units);
+    }
+    const icu::LocalUConverterPointer converter = openConverter(name);
+    setReadableSubstitute(converter.getAlias());
+    return measureAndConvert<std::string>([&](char* target, int32_t capacity, UErrorCode* status) {
+        return ucnv_fromUChars(converter.getAlias(), target, capacity, text.data(), units, status);
+    });
+}
+
+} // namespace nrb
