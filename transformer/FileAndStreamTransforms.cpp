@@ -46,8 +46,8 @@ int VEXAXslTransformer::doTransform(std::istream& source, const I18NString& styl
                                     std::ostream& output) {
     // m_strLastError stays as it was: hosts read it after a run of several transforms.
     const XalanParsedSource* parsedSource = nullptr;
-    if (const int result = m_pTransformer->parseSource(XSLTInputSource(&source), parsedSource,
-                                                       m_bUseXercesDOM)) {
+    if (const int result =
+            m_pTransformer->parseSource(XSLTInputSource(&source), parsedSource, m_bUseXercesDOM)) {
         return result;
     }
     XSLTResultTarget target(&output);

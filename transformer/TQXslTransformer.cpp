@@ -21,7 +21,8 @@ void startXerces() {
                                           nullptr);
 }
 
-/** Xerces counts its starts: one whose Xalan did not come up is taken back, so that a retry adds up. */
+/** Xerces counts its starts: one whose Xalan did not come up is taken back, so that a retry adds
+ * up. */
 void startXalanOrStopXerces() {
     try {
         xalanc::XalanTransformer::initialize();

@@ -29,8 +29,7 @@ using I18NConverter = std::u16string (*)(const void* input, int length, void* co
  * @param encoding the encoding named in the call of c_str; null for the platform's default
  * @return the narrow text
  */
-using I18NNarrowConverter = std::string (*)(const char16_t* text, int length,
-                                            const char* encoding);
+using I18NNarrowConverter = std::string (*)(const char16_t* text, int length, const char* encoding);
 
 /**
  * A Unicode text: UTF-16 inside, narrow text in any encoding on request.

@@ -51,8 +51,7 @@ public:
      * @param origin   which macro or function raised it; may be null
      * @throws NRBAssertError always
      */
-    [[noreturn]] void hurl(const NRBFileLocation& location, const char* detail,
-                           const char* origin);
+    [[noreturn]] void hurl(const NRBFileLocation& location, const char* detail, const char* origin);
 
     long getCode() const noexcept { return m_lCode; }
     /** The text given at construction, the same as what(). Never null. */

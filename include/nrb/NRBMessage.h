@@ -22,9 +22,9 @@ public:
      * Writes the message's text into `out`.
      *
      * The languages are tried in this order: `language`, its parents (de_AT, then de), then
-     * `fallbackLanguage` and its parents. A language is an ICU locale identifier or a BCP 47 tag, in
-     * upper or lower case: "de_AT", "de-AT" and "DE" all find German. The process's own locale plays
-     * no part. If none has a text, `out` becomes empty.
+     * `fallbackLanguage` and its parents. A language is an ICU locale identifier or a BCP 47 tag,
+     * in upper or lower case: "de_AT", "de-AT" and "DE" all find German. The process's own locale
+     * plays no part. If none has a text, `out` becomes empty.
      *
      * @param language         narrow text; null or empty: go straight to the fallback
      * @param fallbackLanguage narrow text; null or empty: no fallback

@@ -22,8 +22,8 @@ extern "C" {
  *
  * After more stops than starts a start only counts too, until the count is back at zero.
  *
- * Threads: any thread, at any time; a second thread waits until the engines are fully up. A host may
- * have started Xerces-C itself, with a memory manager of its own if it likes. It must not call
+ * Threads: any thread, at any time; a second thread waits until the engines are fully up. A host
+ * may have started Xerces-C itself, with a memory manager of its own if it likes. It must not call
  * XalanTransformer::initialize itself: the XSLT processor aborts the process at its second stop.
  *
  * @return 0
@@ -43,9 +43,9 @@ VEXA_EXPORT int TQXslTransformer_Initialize(const char* ignored);
 VEXA_EXPORT int TQXslTransformer_Terminate(const char* ignored);
 
 /**
- * The version record: nine what-strings, each beginning with "@(#)", that tools such as what(1) find
- * in the library's file. In this order: a rule, product, product and version, library and build,
- * library, three legal notices, a rule.
+ * The version record: nine what-strings, each beginning with "@(#)", that tools such as what(1)
+ * find in the library's file. In this order: a rule, product, product and version, library and
+ * build, library, three legal notices, a rule.
  */
 VEXA_EXPORT extern const char* const nrbVersionInfo[9];
 

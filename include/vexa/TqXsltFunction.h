@@ -7,7 +7,11 @@
 #include <nrb/I18NString.h>
 #include <vexa/VEXAExport.h>
 
+// What a function needs to read its arguments and to make its result.
 #include <xalanc/XPath/Function.hpp>
+#include <xalanc/XPath/XObject.hpp>
+#include <xalanc/XPath/XObjectFactory.hpp>
+#include <xalanc/XPath/XPathExecutionContext.hpp>
 
 /**
  * An XPath function that stylesheets can call in the library's extension namespace
@@ -35,8 +39,8 @@
  *
  * Threads: a clone is called on the thread that runs the transform.
  *
- * Exceptions: what `execute` throws ends the transform. An exception that is not one of the engines'
- * leaves the file and stream transforms as it is.
+ * Exceptions: what `execute` throws ends the transform. An exception that is not one of the
+ * engines' leaves the file and stream transforms as it is.
  */
 class VEXA_EXPORT TqXsltFunction : public xalanc::Function {
 public:

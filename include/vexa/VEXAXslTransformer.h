@@ -68,8 +68,8 @@ public:
      * Sets a top-level parameter for the stylesheets of all later transforms.
      *
      * @param name  the parameter's name
-     * @param value its value, which the stylesheet sees as a string; it must not hold an apostrophe,
-     *              as it is passed on between apostrophes and nothing is escaped: with one inside,
+     * @param value its value, which the stylesheet sees as a string; it must not hold an
+     * apostrophe, as it is passed on between apostrophes and nothing is escaped: with one inside,
      *              the engine refuses or misreads it at the next transform
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
@@ -88,8 +88,8 @@ public:
      * @param stylesheetFile file name or URI of the stylesheet, under the same rules
      * @param outputFile     file name of the result, taken literally. After a failure it may hold a
      *                       part of the result
-     * @return 0 on success. Otherwise what the engine reports: -2 a document or stylesheet is missing
-     *         or not well-formed, -1 the stylesheet is wrong or ended the transform, or the result
+     * @return 0 on success. Otherwise what the engine reports: -2 a document or stylesheet is
+     * missing or not well-formed, -1 the stylesheet is wrong or ended the transform, or the result
      *         could not be written. -2 as well for an empty source name
      */
     int doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
@@ -98,10 +98,11 @@ public:
     /**
      * Transforms a stream into a stream.
      *
-     * Unlike the file transform, it leaves an earlier error text of an in-memory transform in place.
+     * Unlike the file transform, it leaves an earlier error text of an in-memory transform in
+     * place.
      *
-     * @param source         the document, read to its end. It has no base: relative references in it
-     *                       are resolved against the working directory
+     * @param source         the document, read to its end. It has no base: relative references in
+     * it are resolved against the working directory
      * @param stylesheetFile file name or URI of the stylesheet
      * @param output         receives the result followed by one NUL character. A failed transform
      *                       leaves the part written so far, and the NUL; a document that is not
@@ -111,8 +112,8 @@ public:
     int doTransform(std::istream& source, const I18NString& stylesheetFile, std::ostream& output);
 
     /**
-     * Whether documents are parsed into the XML parser's own tree (a Xerces DOM) instead of the XSLT
-     * processor's, which is several times smaller. Set it while no transformer is at work.
+     * Whether documents are parsed into the XML parser's own tree (a Xerces DOM) instead of the
+     * XSLT processor's, which is several times smaller. Set it while no transformer is at work.
      */
     static bool m_bUseXercesDOM;
 

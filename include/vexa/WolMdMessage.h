@@ -12,8 +12,8 @@
 /**
  * One message of the catalogue, named by its numeric identifier. NRBMessage::format gives its text.
  *
- * A value without resources of its own: making one looks nothing up, and an unknown identifier is no
- * error, its message just has no text in any language. Any number of threads may use messages at
+ * A value without resources of its own: making one looks nothing up, and an unknown identifier is
+ * no error, its message just has no text in any language. Any number of threads may use messages at
  * once.
  */
 class VEXA_EXPORT WolMdMessage : public NRBMessage {

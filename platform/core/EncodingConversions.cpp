@@ -47,7 +47,8 @@ icu::LocalUConverterPointer openConverter(const char* encoding) {
  * Runs an ICU conversion twice: first to measure, then to convert. `convert` takes target, capacity
  * and status, and returns the length that the whole result needs.
  */
-template <typename Text, typename Conversion> Text measureAndConvert(Conversion convert) {
+template <typename Text, typename Conversion>
+Text measureAndConvert(Conversion convert) {
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length = convert(static_cast<typename Text::value_type*>(nullptr), 0, &status);
     if (status != U_BUFFER_OVERFLOW_ERROR) {
@@ -70,8 +71,8 @@ std::u16string utf8ToUtf16(const char* text, int32_t length) {
     std::u16string result(static_cast<std::size_t>(length), 0);
     int32_t resultLength = 0;
     UErrorCode status = U_ZERO_ERROR;
-    u_strFromUTF8WithSub(result.data(), length, &resultLength, text, length,
-                         REPLACEMENT_CHARACTER, nullptr, &status);
+    u_strFromUTF8WithSub(result.data(), length, &resultLength, text, length, REPLACEMENT_CHARACTER,
+                         nullptr, &status);
     check(status);
     result.resize(static_cast<std::size_t>(resultLength));
     return result;

@@ -37,9 +37,8 @@ bool sameEncoding(const char* left, const char* right) {
 struct I18NString::NarrowForm {
     NarrowForm(const std::u16string& utf16, const char* encodingName, I18NNarrowConverter conv)
         : hasEncoding(encodingName != nullptr), encoding(encodingName ? encodingName : ""),
-          converter(conv),
-          text(conv ? conv(utf16.c_str(), toInt(utf16.size()), encodingName)
-                    : nrb::utf16ToNarrow(utf16, encodingName)) {}
+          converter(conv), text(conv ? conv(utf16.c_str(), toInt(utf16.size()), encodingName)
+                                     : nrb::utf16ToNarrow(utf16, encodingName)) {}
 
     bool isFor(const char* encodingName, I18NNarrowConverter conv) const {
         return converter == conv &&
@@ -121,9 +120,8 @@ const char* I18NString::c_str(const char* encoding, int* length,
         // Two threads may each make the same form; both are kept, as both pointers are handed out.
         auto made = std::make_unique<NarrowForm>(m_strText, encoding, converter);
         made->next = newest;
-        while (!m_pNarrowForms.compare_exchange_weak(made->next, made.get(),
-                                                     std::memory_order_release,
-                                                     std::memory_order_relaxed)) {
+        while (!m_pNarrowForms.compare_exchange_weak(
+            made->next, made.get(), std::memory_order_release, std::memory_order_relaxed)) {
         }
         form = made.release();
     }

@@ -20,8 +20,7 @@ NRBAssertError::NRBAssertError(long code, const char* text)
 
 NRBAssertError::~NRBAssertError() = default;
 
-void NRBAssertError::hurl(const NRBFileLocation& location, const char* detail,
-                          const char* origin) {
+void NRBAssertError::hurl(const NRBFileLocation& location, const char* detail, const char* origin) {
     m_location = location;
     m_strDetail = orNone(detail);
     m_strOrigin = orNone(origin);

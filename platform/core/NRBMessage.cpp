@@ -10,8 +10,7 @@ namespace {
 std::string canonicalLocale(const char* language) {
     char canonical[ULOC_FULLNAME_CAPACITY];
     UErrorCode status = U_ZERO_ERROR;
-    const int32_t length =
-        uloc_getBaseName(language, canonical, ULOC_FULLNAME_CAPACITY, &status);
+    const int32_t length = uloc_getBaseName(language, canonical, ULOC_FULLNAME_CAPACITY, &status);
     return U_SUCCESS(status) && length < ULOC_FULLNAME_CAPACITY ? canonical : "";
 }
 
@@ -26,8 +25,7 @@ std::string parentLocale(const std::string& locale) {
 
 NRBMessage::~NRBMessage() = default;
 
-void NRBMessage::format(const char* language, const char* fallbackLanguage,
-                        I18NString& out) const {
+void NRBMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
     if (!formatInLanguageOrParent(language, out) &&
         !formatInLanguageOrParent(fallbackLanguage, out)) {
         out = I18NString();

@@ -11,9 +11,9 @@ std::string NRBUtSystemInfo::getTimeStamp(int /*kind*/) {
     localtime_r(&now.tv_sec, &local);
 
     char stamp[64];
-    const int length = std::snprintf(stamp, sizeof stamp, "%04d%02d%02d%02d%02d%02d%03d",
-                                     local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                                     local.tm_hour, local.tm_min, local.tm_sec,
-                                     static_cast<int>(now.tv_nsec / 1'000'000));
+    const int length =
+        std::snprintf(stamp, sizeof stamp, "%04d%02d%02d%02d%02d%02d%03d", local.tm_year + 1900,
+                      local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+                      static_cast<int>(now.tv_nsec / 1'000'000));
     return std::string(stamp, static_cast<std::size_t>(length));
 }

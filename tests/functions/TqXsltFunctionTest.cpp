@@ -1,0 +1,130 @@
+#include <vexa/TqXsltFunction.h>
+
+#include "support/CountingMemoryManager.h"
+#include "support/EngineTest.h"
+#include "support/TestFiles.h"
+#include "support/TestFunctions.h"
+
+#include <vexa/VEXAXslTransformer.h>
+
+#include <memory>
+#include <sstream>
+#include <typeinfo>
+
+#include <xalanc/XSLT/XSLTEngineImpl.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+using xalanc::XalanDOMString;
+
+namespace {
+
+XalanDOMString toEngine(const I18NString& text) {
+    return TqXsltFunction::I18NStringToXalanDOMString(text);
+}
+
+I18NString fromEngine(const XalanDOMString& text) {
+    return TqXsltFunction::XalanDOMStringToI18NString(text);
+}
+
+/** Makes the engine's side of a function visible. */
+class ExposedFunction : public BracketFunction {
+public:
+    using TqXsltFunction::getError;
+    XalanDOMString getError() const override { return XalanDOMString("takes one argument"); }
+};
+
+} // namespace
+
+using TqXsltFunctionTest = EngineTest;
+
+TEST_F(TqXsltFunctionTest, EmptyTextsConvertToEmptyTexts) {
+    EXPECT_TRUE(toEngine(I18NString()).empty());
+    EXPECT_TRUE(fromEngine(XalanDOMString()).empty());
+    EXPECT_TRUE(fromEngine(toEngine(I18NString())).empty());
+}
+
+TEST_F(TqXsltFunctionTest, TextsOfAnyScriptSurviveTheConversionAndBack) {
+    for (const char* text : {"plain", "\xCE\xB1\xCE\xB2\xCE\xB3", "\xE4\xBD\xA0\xE5\xA5\xBD",
+                             "\xF0\x9F\x98\x80", "\xC3\xA9"}) {
+        EXPECT_EQ(fromEngine(toEngine(text)), I18NString(text));
+    }
+    const XalanDOMString greek = toEngine("\xCE\xB1\xCE\xB2");
+    ASSERT_EQ(greek.length(), 2U);
+    EXPECT_EQ(greek[0], u'\u03B1');
+    EXPECT_EQ(greek[1], u'\u03B2');
+}
+
+TEST_F(TqXsltFunctionTest, ALoneSurrogateSurvivesToo) {
+    const I18NString lone(u"a\xD800z", -1, nullptr, nullptr);
+    EXPECT_EQ(fromEngine(toEngine(lone)), lone);
+}
+
+TEST_F(TqXsltFunctionTest, ACloneIsOfTheSameClassAndHasTheSameErrorText) {
+    const BracketFunction function;
+    const TqXsltFunction& base = function;
+    const std::unique_ptr<TqXsltFunction> clone(base.clone());
+    EXPECT_EQ(typeid(*clone), typeid(BracketFunction));
+    EXPECT_EQ(clone->getError(), base.getError());
+}
+
+TEST_F(TqXsltFunctionTest, ItsErrorTextReachesTheEngine) {
+    const ExposedFunction function;
+    XalanDOMString buffer;
+    EXPECT_EQ(function.getError(buffer), XalanDOMString("takes one argument"));
+}
+
+TEST_F(TqXsltFunctionTest, TheEnginesCloneComesFromTheEnginesMemoryAndFreesItsFunction) {
+    const int alive = ConstantFunction::s_alive;
+    CountingMemoryManager memory;
+    {
+        const ConstantFunction function("text");
+        const TqXsltFunction& base = function;
+        xalanc::Function* const clone = base.clone(memory);
+        EXPECT_EQ(memory.blocks(), 1U);
+        xalanc::Function* const second = clone->clone(memory);
+        EXPECT_EQ(memory.blocks(), 2U);
+        for (xalanc::Function* each : {clone, second}) {
+            each->~Function();
+            memory.deallocate(each);
+        }
+    }
+    EXPECT_EQ(memory.blocks(), 0U);
+    EXPECT_EQ(memory.foreignBlocks(), 0U);
+    EXPECT_EQ(ConstantFunction::s_alive, alive);
+}
+
+TEST_F(TqXsltFunctionTest, ACloneThatFindsNoMemoryLeavesNothingBehind) {
+    const int alive = ConstantFunction::s_alive;
+    CountingMemoryManager memory;
+    memory.refuseAfter(0);
+    {
+        const ConstantFunction function("text");
+        const TqXsltFunction& base = function;
+        EXPECT_THROW(base.clone(memory), xercesc::OutOfMemoryException);
+    }
+    EXPECT_EQ(ConstantFunction::s_alive, alive);
+}
+
+/** Without the engine's fixture: the host starts Xerces, and the library comes second. */
+TEST(TqXsltFunctionInAHost, IsFreedByTheAllocatorThatMadeItUnderAHostsMemoryManager) {
+    CountingMemoryManager memory;
+    xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &memory);
+    TQXslTransformer_Initialize(nullptr);
+    {
+        const TemporaryFolder folder;
+        const std::string sheet = folder.write(
+            "a.xsl", stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:B(a)'/></b>"));
+        VEXAXslTransformer transformer;
+        transformer.installExternalFunction("B", BracketFunction());
+        for (int i = 0; i < 3; ++i) {
+            std::istringstream source("<a>x</a>");
+            std::ostringstream output;
+            EXPECT_EQ(transformer.doTransform(source, sheet.c_str(), output), 0);
+            EXPECT_EQ(output.str(), std::string("<b>[x]</b>") + '\0');
+        }
+    }
+    TQXslTransformer_Terminate(nullptr);
+    xercesc::XMLPlatformUtils::Terminate();
+    EXPECT_EQ(memory.blocks(), 0U);
+    EXPECT_EQ(memory.foreignBlocks(), 0U);
+}

@@ -1,0 +1,13 @@
+/**
+ * @file
+ * The engine used directly, as its own documentation shows it: what the facade is compared with.
+ */
+#pragma once
+
+#include <map>
+#include <string>
+
+/** Transforms a file and gives the result's bytes; fails the test if the engine reports a failure.
+ */
+std::string bareEngineTransform(const std::string& source, const std::string& stylesheet,
+                                const std::map<std::string, std::string>& params = {});

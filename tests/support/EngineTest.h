@@ -1,0 +1,15 @@
+/**
+ * @file
+ * The library, started around every test.
+ */
+#pragma once
+
+#include <vexa/TQXslTransformer.h>
+
+#include <gtest/gtest.h>
+
+class EngineTest : public ::testing::Test {
+protected:
+    EngineTest() { TQXslTransformer_Initialize(nullptr); }
+    ~EngineTest() override { TQXslTransformer_Terminate(nullptr); }
+};

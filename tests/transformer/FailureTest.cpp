@@ -1,0 +1,138 @@
+/**
+ * @file
+ * What each kind of failure gives on both roads: the result, and how the engine's text begins.
+ */
+#include "support/TestFunctions.h"
+#include "support/TransformTest.h"
+
+#include <ostream>
+
+namespace {
+
+struct FailureCase {
+    const char* name;
+    int result;
+    /** How the text begins. */
+    const char* text;
+    /** Something that the text holds further on. */
+    const char* detail;
+    /** The source; null: a good one. */
+    const char* source;
+    /** The stylesheet; null: there is no file of that name. */
+    const char* stylesheet;
+};
+
+std::ostream& operator<<(std::ostream& stream, const FailureCase& failure) {
+    return stream << failure.name;
+}
+
+#define ROOT(content)                                                                              \
+    "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' "              \
+    "xmlns:vexa='" VEXA_XSL_EXTENSION_NAMESPACE "' xmlns:other='urn:other'>"                       \
+    "<xsl:param name='p'/><xsl:template match='/'>" content "</xsl:template></xsl:stylesheet>"
+
+const FailureCase CASES[] = {
+    {"MissingStylesheet", -2, "SAXParseException: unable to determine file base pathname",
+     "at line 0, column 0.", nullptr, nullptr},
+    {"MalformedStylesheet", -2, "SAXParseException: ", "sheet.xsl', at line 2, ", nullptr,
+     "<x>\n</y>"},
+    {"EmptyStylesheet", -2, "SAXParseException: invalid document structure", "line 1", nullptr, ""},
+    {"MalformedSource", -2, "SAXParseException: ", "at line 3, ", "<a>\n\n</b>", ROOT("<b/>")},
+    {"EmptySource", -2, "SAXParseException: invalid document structure", "line 1", "",
+     ROOT("<b/>")},
+    {"UnknownXslElement", -1, "XSLT error: The element xsl:foo is an unknown XSLT element.",
+     "sheet.xsl", nullptr, ROOT("<xsl:foo/>")},
+    {"WrongXPath", -1, "XPath error: ", "a[", nullptr, ROOT("<xsl:value-of select='a['/>")},
+    {"WrongArity", -1, "XPath error: The", "count", nullptr,
+     ROOT("<xsl:value-of select='count(1,2,3)'/>")},
+    {"UnknownCoreFunction", -1, "XPath error: ", "nonsense", nullptr,
+     ROOT("<xsl:value-of select='nonsense()'/>")},
+    {"UnknownExtensionFunction", -1, "XalanXPathException: The function number 'urn:other:f'",
+     "sheet.xsl", nullptr, ROOT("<xsl:value-of select='other:f()'/>")},
+    {"MessageThatTerminates", -1, "ElemMessageTerminateExpression: enough", "sheet.xsl", nullptr,
+     ROOT("<xsl:message terminate='yes'>enough</xsl:message>")},
+};
+
+class FailureTest : public TransformTest, public ::testing::WithParamInterface<FailureCase> {};
+
+void expectFailure(const FailureCase& expected, int result, const std::string& error) {
+    EXPECT_EQ(result, expected.result);
+    EXPECT_EQ(error.rfind(expected.text, 0), 0U) << error;
+    EXPECT_NE(error.find(expected.detail), std::string::npos) << error;
+}
+
+} // namespace
+
+TEST_P(FailureTest, IsReportedOnBothRoadsAndLeavesTheTransformerUsable) {
+    const FailureCase& failure = GetParam();
+    const std::string text = failure.source ? failure.source : "<a/>";
+    const std::string sheet = failure.stylesheet ? m_folder.write("sheet.xsl", failure.stylesheet)
+                                                 : m_folder.path("sheet.xsl");
+
+    const auto files = onFileRoad(source(text), sheet);
+    expectFailure(failure, files.result, files.error);
+    const auto streams = onStreamRoad(text, sheet);
+    expectFailure(failure, streams.result, streams.error);
+
+    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+    EXPECT_EQ(onStreamRoad("<a/>", sheetWithRootTemplate("<b/>")).output, withNul("<b/>"));
+}
+
+INSTANTIATE_TEST_SUITE_P(, FailureTest, ::testing::ValuesIn(CASES),
+                         [](const auto& test) { return test.param.name; });
+
+class FileNameFailureTest : public TransformTest {
+protected:
+    void expectFailureOfFiles(const std::string& sourceName, const std::string& sheet,
+                              const std::string& output, int result, const std::string& text) {
+        EXPECT_EQ(m_transformer.doTransform(sourceName.c_str(), sheet.c_str(), output.c_str()),
+                  result);
+        EXPECT_NE(std::string(m_transformer.getLastError()).find(text), std::string::npos)
+            << m_transformer.getLastError();
+    }
+
+    std::string m_sheet = sheetWithRootTemplate("<b/>");
+    std::string m_output = m_folder.path("out");
+};
+
+TEST_F(FileNameFailureTest, AMissingSourceIsReported) {
+    expectFailureOfFiles(m_folder.path("none.xml"), m_sheet, m_output, -2, "SAXParseException");
+}
+
+TEST_F(FileNameFailureTest, ADirectoryIsNoSourceAndNoStylesheet) {
+    expectFailureOfFiles(m_folder.path(""), m_sheet, m_output, -2, "unable to");
+    expectFailureOfFiles(source(), m_folder.path(""), m_output, -2, "unable to");
+}
+
+TEST_F(FileNameFailureTest, AnEmptyStylesheetNameIsReported) {
+    expectFailureOfFiles(source(), "", m_output, -2, "missing protocol prefix");
+}
+
+TEST_F(FileNameFailureTest, AnOutputThatCannotBeOpenedIsReported) {
+    expectFailureOfFiles(source(), m_sheet, m_folder.path("none/out"), -1, "none/out");
+    expectFailureOfFiles(source(), m_sheet, m_folder.path(""), -1, "Error opening file");
+    expectFailureOfFiles(source(), m_sheet, "", -1, "");
+}
+
+TEST_F(FileNameFailureTest, APercentSignInANameIsReadAsAnEscape) {
+    const std::string odd = m_folder.write("100%.xml", "<a/>");
+    expectFailureOfFiles(odd, m_sheet, m_output, -2, "invalid escape sequence");
+}
+
+class ParameterFailureTest : public TransformTest {};
+
+TEST_F(ParameterFailureTest, AnApostropheInAValueMakesTheNextTransformsFail) {
+    const std::string sheet = m_folder.write(
+        "p.xsl", stylesheet("<xsl:output omit-xml-declaration='yes'/><xsl:param name='p'/>"
+                            "<xsl:template match='/'><b/></xsl:template>"));
+    m_transformer.setStylesheetParam("p", "it's");
+    for (int i = 0; i < 2; ++i) {
+        const auto outcome = onFileRoad(source(), sheet);
+        EXPECT_EQ(outcome.result, -1);
+        EXPECT_EQ(
+            outcome.error.rfind("XPathParserException: A string literal is not terminated", 0), 0U)
+            << outcome.error;
+    }
+    m_transformer.setStylesheetParam("p", "its");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+}

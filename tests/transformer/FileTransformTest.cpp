@@ -1,0 +1,149 @@
+#include "support/TestFunctions.h"
+#include "support/TransformTest.h"
+#include "support/VEXAXslTransformerInspector.h"
+
+#include <sys/resource.h>
+
+using Inspector = VEXAXslTransformerInspector;
+using FileTransformTest = TransformTest;
+
+TEST_F(FileTransformTest, WritesTheResultToTheFile) {
+    const auto outcome =
+        onFileRoad(source(), sheetWithRootTemplate("<b><xsl:value-of select='a'/></b>"));
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.output, "<b>x</b>");
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST_F(FileTransformTest, RefusesAnEmptySourceNameWithATextOfItsOwn) {
+    const auto outcome = onFileRoad("", sheetWithRootTemplate("<b/>"));
+    EXPECT_NE(outcome.result, 0);
+    EXPECT_EQ(outcome.error, "The name of the source file is empty.");
+    EXPECT_EQ(m_folder.list(), "sheet.xsl");
+
+    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+}
+
+TEST_F(FileTransformTest, ClearsAnEarlierErrorTextOfItsOwn) {
+    Inspector::ownError(m_transformer) = "left by an earlier operation";
+    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).error, "");
+
+    Inspector::ownError(m_transformer) = "left by an earlier operation";
+    const auto failed = onFileRoad(m_folder.path("missing.xml"), sheetWithRootTemplate("<b/>"));
+    EXPECT_EQ(failed.error.rfind("SAXParseException: ", 0), 0U) << failed.error;
+}
+
+TEST_F(FileTransformTest, PassesParametersNowAndAtEveryLaterTransform) {
+    const std::string sheet = m_folder.write(
+        "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/><xsl:param name='q'/>"
+                            "<xsl:template match='/'><xsl:value-of select='concat($p, $q)'/>"
+                            "</xsl:template>"));
+    m_transformer.setStylesheetParam("q", "2+2");
+    m_transformer.setStylesheetParam("p", "count(//a)=");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "count(//a)=2+2");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "count(//a)=2+2");
+    m_transformer.setStylesheetParam("p", "");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "2+2");
+}
+
+TEST_F(FileTransformTest, ServesTheCallersFunctions) {
+    const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='vexa:B(a)'/></b>");
+    m_transformer.installExternalFunction("B", BracketFunction());
+    EXPECT_EQ(onFileRoad(source("<a>\xCE\xB1</a>"), sheet).output, "<b>[\xCE\xB1]</b>");
+
+    m_transformer.installExternalFunction("B", ConstantFunction("replaced"));
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b>replaced</b>");
+}
+
+TEST_F(FileTransformTest, ServesNodesetOfTheEnginesNamespace) {
+    const std::string sheet =
+        sheetWithRootTemplate("<xsl:variable name='tree'><i>1</i><i>2</i></xsl:variable>"
+                              "<b><xsl:value-of select='sum(xalan:nodeset($tree)/i)'/></b>");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b>3</b>");
+}
+
+/** The engine offers nodeset to everyone; without that, the facade's own installation serves. */
+TEST_F(FileTransformTest, InstallsNodesetItself) {
+    const xalanc::XalanDOMString ns("http://xml.apache.org/xalan"), name("nodeset");
+    xalanc::XalanTransformer::uninstallExternalFunctionGlobal(ns, name);
+    const std::string sheet =
+        sheetWithRootTemplate("<b><xsl:value-of select='count(xalan:nodeset(\"a string\"))'/></b>");
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b>1</b>");
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("<b>1</b>"));
+
+    xalanc::XalanTransformer bare;
+    std::ostringstream output;
+    EXPECT_NE(bare.transform(source().c_str(), sheet.c_str(), output), 0);
+}
+
+TEST_F(FileTransformTest, TakesUrisAsWell) {
+    const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='a'/></b>");
+    EXPECT_EQ(onFileRoad("file://" + source(), "file://" + sheet).output, "<b>x</b>");
+}
+
+TEST_F(FileTransformTest, TakesNamesWithBlanksAndOtherScripts) {
+    const std::string odd = m_folder.write("\xCE\xB1 \xE4\xBD\xA0 b.xml", "<a>x</a>");
+    const std::string sheet = m_folder.write("\xCE\xB2 c.xsl", stylesheetWithRootTemplate("<b/>"));
+    const std::string output = m_folder.path("\xCE\xB3 100%.out");
+    EXPECT_EQ(m_transformer.doTransform(odd.c_str(), sheet.c_str(), output.c_str()), 0);
+    EXPECT_EQ(readFile(output), "<b/>");
+}
+
+TEST_F(FileTransformTest, ResolvesImportsAgainstTheStylesheetsPlace) {
+    std::filesystem::create_directory(m_folder.path("sheets"));
+    m_folder.write("sheets/base.xsl", stylesheet("<xsl:template match='a'><c/></xsl:template>"));
+    m_folder.write("sheets/data.xml", "<d>far</d>");
+    const std::string sheet = m_folder.write(
+        "sheets/main.xsl",
+        stylesheet("<xsl:import href='base.xsl'/><xsl:output omit-xml-declaration='yes'/>"
+                   "<xsl:template match='/'><b><xsl:apply-templates/>"
+                   "<xsl:value-of select='document(\"data.xml\")/d'/></b></xsl:template>"));
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b><c/>far</b>");
+}
+
+TEST_F(FileTransformTest, CompilesTheStylesheetAfreshAtEachCall) {
+    sheetWithRootTemplate("<first/>");
+    EXPECT_EQ(onFileRoad(source(), m_folder.path("sheet.xsl")).output, "<first/>");
+    sheetWithRootTemplate("<second/>");
+    EXPECT_EQ(onFileRoad(source(), m_folder.path("sheet.xsl")).output, "<second/>");
+}
+
+TEST_F(FileTransformTest, WritesNothingWhereTheSourceIsNotWellFormed) {
+    const auto outcome = onFileRoad(source("<a>"), sheetWithRootTemplate("<b/>"));
+    EXPECT_NE(outcome.result, 0);
+    EXPECT_EQ(m_folder.list(), "sheet.xsl source.xml");
+}
+
+TEST_F(FileTransformTest, KeepsParametersAndFunctionsOverAFailure) {
+    m_transformer.setStylesheetParam("p", "kept");
+    m_transformer.installExternalFunction("B", BracketFunction());
+    EXPECT_NE(onFileRoad(source("<a>"), sheetWithRootTemplate("<b/>")).result, 0);
+    EXPECT_NE(onFileRoad(source(), sheetWithRootTemplate("<xsl:nonsense/>")).result, 0);
+    const std::string sheet = m_folder.write(
+        "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/><xsl:template "
+                            "match='/'><xsl:value-of select='vexa:B($p)'/></xsl:template>"));
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "[kept]");
+}
+
+TEST_F(FileTransformTest, LetsAForeignExceptionPassAndWorksOn) {
+    m_transformer.installExternalFunction("T", ThrowingFunction());
+    EXPECT_THROW(onFileRoad(source(), sheetWithRootTemplate("<xsl:value-of select='vexa:T()'/>")),
+                 std::runtime_error);
+    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+}
+
+TEST_F(FileTransformTest, GivesTheSameResultOverAXercesDom) {
+    const std::string sheet = sheetWithRootTemplate("<b><xsl:copy-of select='a'/></b>");
+    VEXAXslTransformer::m_bUseXercesDOM = true;
+    const auto withXercesDom = onFileRoad(source("<a i='1'>x<c/></a>"), sheet);
+    VEXAXslTransformer::m_bUseXercesDOM = false;
+    EXPECT_EQ(withXercesDom.output, "<b><a i=\"1\">x<c/></a></b>");
+    EXPECT_EQ(withXercesDom.output, onFileRoad(source("<a i='1'>x<c/></a>"), sheet).output);
+}
+
+TEST_F(FileTransformTest, ReportsAFullDisk) {
+    const int result = m_transformer.doTransform(
+        source().c_str(), sheetWithRootTemplate("<b/>").c_str(), "/dev/full");
+    EXPECT_EQ(result, -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("/dev/full"), std::string::npos);
+}

@@ -1,0 +1,97 @@
+#include "support/TestFunctions.h"
+#include "support/TransformTest.h"
+#include "support/VEXAXslTransformerInspector.h"
+
+#include <fstream>
+
+using Inspector = VEXAXslTransformerInspector;
+using StreamTransformTest = TransformTest;
+
+TEST_F(StreamTransformTest, PutsExactlyOneNulBehindTheResult) {
+    const auto outcome =
+        onStreamRoad("<a>x</a>", sheetWithRootTemplate("<b><xsl:value-of select='a'/></b>"));
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.output, withNul("<b>x</b>"));
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST_F(StreamTransformTest, LeavesEverythingAsItWasWhereTheSourceIsNotWellFormed) {
+    Inspector::ownError(m_transformer) = "left by an earlier operation";
+    const auto outcome = onStreamRoad("<a>", sheetWithRootTemplate("<b/>"));
+    EXPECT_NE(outcome.result, 0);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "left by an earlier operation");
+
+    Inspector::ownError(m_transformer) = "";
+    EXPECT_EQ(onStreamRoad("<a>", sheetWithRootTemplate("<b/>")).error.rfind("SAXParse", 0), 0U);
+}
+
+TEST_F(StreamTransformTest, LeavesAnEarlierErrorTextInPlaceAfterASuccess) {
+    Inspector::ownError(m_transformer) = "left by an earlier operation";
+    const auto outcome = onStreamRoad("<a/>", sheetWithRootTemplate("<b/>"));
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.error, "left by an earlier operation");
+}
+
+TEST_F(StreamTransformTest, WritesTheNulAfterAFailedTransformToo) {
+    const auto outcome = onStreamRoad("<a/>", sheetWithRootTemplate("<xsl:nonsense/>"));
+    EXPECT_NE(outcome.result, 0);
+    EXPECT_EQ(outcome.output, withNul(""));
+}
+
+TEST_F(StreamTransformTest, LeavesThePartWrittenBeforeAFailure) {
+    const auto outcome = onStreamRoad(
+        "<a/>", sheetWithRootTemplate("<b>part</b><xsl:message terminate='yes'>no</xsl:message>"));
+    EXPECT_EQ(outcome.result, -1);
+    ASSERT_FALSE(outcome.output.empty());
+    EXPECT_EQ(outcome.output.back(), '\0');
+}
+
+TEST_F(StreamTransformTest, PassesParametersNowAndAtEveryLaterTransform) {
+    const std::string sheet = m_folder.write(
+        "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/><xsl:template "
+                            "match='/'><xsl:value-of select='$p'/></xsl:template>"));
+    m_transformer.setStylesheetParam("p", "a/b");
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("a/b"));
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("a/b"));
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "a/b");
+}
+
+TEST_F(StreamTransformTest, ServesTheCallersFunctionsAndNodeset) {
+    m_transformer.installExternalFunction("B", BracketFunction());
+    const std::string sheet = sheetWithRootTemplate(
+        "<xsl:variable name='tree'><i>1</i><i>2</i></xsl:variable>"
+        "<b><xsl:value-of select='vexa:B(count(xalan:nodeset($tree)/i))'/></b>");
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("<b>[2]</b>"));
+}
+
+TEST_F(StreamTransformTest, AlwaysParsesItsSourceAnEmptyOneToo) {
+    const auto outcome = onStreamRoad("", sheetWithRootTemplate("<b/>"));
+    EXPECT_EQ(outcome.result, -2);
+    EXPECT_EQ(outcome.output, "");
+}
+
+TEST_F(StreamTransformTest, WritesNoNulWhenAForeignExceptionPasses) {
+    m_transformer.installExternalFunction("T", ThrowingFunction());
+    const std::string sheet = sheetWithRootTemplate("<xsl:value-of select='vexa:T()'/>");
+    std::istringstream input("<a/>");
+    std::ostringstream output;
+    EXPECT_THROW(m_transformer.doTransform(input, sheet.c_str(), output), std::runtime_error);
+    EXPECT_EQ(output.str(), "");
+    EXPECT_EQ(onStreamRoad("<a/>", sheetWithRootTemplate("<b/>")).output, withNul("<b/>"));
+}
+
+TEST_F(StreamTransformTest, ReportsAStreamThatDoesNotTakeTheResult) {
+    std::istringstream input("<a/>");
+    std::ofstream full("/dev/full");
+    const std::string sheet = sheetWithRootTemplate("<b>" + std::string(100'000, 'x') + "</b>");
+    EXPECT_EQ(m_transformer.doTransform(input, sheet.c_str(), full), -1);
+    EXPECT_STRNE(m_transformer.getLastError(), "");
+}
+
+TEST_F(StreamTransformTest, ReadsSourcesInOtherEncodings) {
+    const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='a'/></b>");
+    EXPECT_EQ(
+        onStreamRoad("<?xml version='1.0' encoding='ISO-8859-7'?><a>\xE1\xE2</a>", sheet).output,
+        withNul("<b>\xCE\xB1\xCE\xB2</b>"));
+}

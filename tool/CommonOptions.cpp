@@ -1,0 +1,48 @@
+#include "CommonOptions.h"
+
+#include "Failure.h"
+
+#include <CLI/CLI.hpp>
+
+void addParameterOption(CLI::App& command, CommonOptions& options) {
+    command
+        .add_option("-p,--param", options.parameters,
+                    "Set the stylesheet parameter NAME to the string VALUE (may be repeated)")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+}
+
+void addEngineOptions(CLI::App& command, CommonOptions& options) {
+    command.add_flag("--xerces-dom", options.useXercesDom,
+                     "Parse the source into the XML parser's own tree (takes more memory)");
+    command.add_flag("--timing", options.timing, "Tell on standard error where the time went");
+    command.add_flag("--quiet", options.quiet,
+                     "Print no messages of the stylesheet and no timing, only errors");
+}
+
+std::vector<std::pair<I18NString, I18NString>>
+parseParameters(const std::vector<std::string>& arguments) {
+    std::vector<std::pair<I18NString, I18NString>> parameters;
+    for (const std::string& argument : arguments) {
+        const auto equals = argument.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw WrongUsage("-p " + argument, "a parameter has the form NAME=VALUE");
+        }
+        const std::string value = argument.substr(equals + 1);
+        if (value.find('\'') != std::string::npos) {
+            throw WrongUsage("-p " + argument,
+                             "a value with an apostrophe cannot be passed to a stylesheet");
+        }
+        parameters.emplace_back(toText(argument.substr(0, equals)), toText(value));
+    }
+    return parameters;
+}
+
+I18NString toText(const std::string& argument) {
+    I18NString text(argument.c_str());
+    if (text.c_str() != argument) {
+        throw WrongUsage(argument, std::string("this is not valid ") +
+                                       I18NGetPlatformDefaultEncoding() + " text");
+    }
+    return text;
+}

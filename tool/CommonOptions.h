@@ -1,0 +1,37 @@
+/**
+ * @file
+ * Options that several commands share.
+ */
+#pragma once
+
+#include <nrb/I18NString.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+class VEXAXslTransformer;
+
+struct CommonOptions {
+    std::vector<std::string> parameters;
+    bool useXercesDom = false;
+    bool timing = false;
+    bool quiet = false;
+};
+
+/** Adds the options to a command; `options` must outlive the parse. */
+void addParameterOption(CLI::App& command, CommonOptions& options);
+void addEngineOptions(CLI::App& command, CommonOptions& options);
+
+/**
+ * Takes NAME=VALUE arguments apart.
+ * @throws WrongUsage for one that has another form or that the library cannot pass on
+ */
+std::vector<std::pair<I18NString, I18NString>>
+parseParameters(const std::vector<std::string>& arguments);
+
+/** A command-line argument as a text. @throws WrongUsage where it is not in the default encoding */
+I18NString toText(const std::string& argument);

@@ -1,0 +1,32 @@
+/**
+ * @file
+ * Which file a reason that the library gives is about.
+ */
+#pragma once
+
+#include "FileNames.h"
+
+#include <string>
+
+/** The documents of one transform, under the names that the user gave them. */
+struct TransformDocuments {
+    const InputName& stylesheet;
+    /** Null where the source is standard input. */
+    const InputName* source;
+    /** What the user calls the place of the result. */
+    std::string output;
+    /** Where the result is really written; empty if that is no file. */
+    std::string writePath;
+};
+
+constexpr const char* STANDARD_INPUT = "standard input";
+constexpr const char* STANDARD_OUTPUT = "standard output";
+
+/** The file that the reason names; failing that, the stylesheet. */
+std::string failedFile(const std::string& reason, const TransformDocuments& documents);
+
+/**
+ * The reason for people: with the user's name for the result in place of the path it is written to,
+ * and with the words for an error number of the operating system.
+ */
+std::string readableReason(std::string reason, const TransformDocuments& documents);

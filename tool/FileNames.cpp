@@ -1,0 +1,90 @@
+#include "FileNames.h"
+
+#include "Failure.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <initializer_list>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool startsWith(const std::string& text, const char* prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
+
+bool isUri(const std::string& argument) {
+    for (const char* scheme : {"file:/", "http://", "https://", "ftp://"}) {
+        if (startsWith(argument, scheme)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/** Only what means something else in a URI is escaped, so that messages stay readable. */
+std::string escapeForUri(const std::string& path) {
+    constexpr const char* HEX = "0123456789ABCDEF";
+    std::string escaped;
+    for (const char c : path) {
+        if (c == '%' || c == '#' || c == '?' || c == '\\') {
+            escaped += '%';
+            escaped += HEX[c / 16];
+            escaped += HEX[c % 16];
+        } else {
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string unescape(const std::string& text) {
+    std::string plain;
+    for (std::string::size_type i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size()) {
+            plain += static_cast<char>(std::strtol(text.substr(i + 1, 2).c_str(), nullptr, 16));
+            i += 2;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+} // namespace
+
+InputName::InputName(std::string argument)
+    : m_strArgument(std::move(argument)), m_bFile(!isUri(m_strArgument)),
+      m_strUri(m_bFile ? "file://" + escapeForUri(fs::absolute(m_strArgument).string())
+                       : m_strArgument) {}
+
+void InputName::checkReadable() const {
+    if (!m_bFile) {
+        return;
+    }
+    struct stat status {};
+    if (stat(m_strArgument.c_str(), &status) != 0 || access(m_strArgument.c_str(), R_OK) != 0) {
+        throw Failure(m_strArgument, systemReason(errno));
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw Failure(m_strArgument, systemReason(EISDIR));
+    }
+}
+
+bool InputName::isSystemId(const std::string& systemId) const {
+    return displayName(systemId) == displayName(m_strUri);
+}
+
+std::string displayName(const std::string& systemId) {
+    for (const char* prefix : {"file:///", "file:/"}) {
+        if (startsWith(systemId, prefix)) {
+            return unescape(systemId.substr(std::string(prefix).size() - 1));
+        }
+    }
+    return systemId;
+}

@@ -1,0 +1,38 @@
+/**
+ * @file
+ * File names on the command line, and the URIs that the engine wants.
+ */
+#pragma once
+
+#include <string>
+
+/** A document that the engine is to read, as the user named it. */
+class InputName {
+public:
+    /** @param argument a file name, taken literally, or a URI of a scheme that the engine reads */
+    explicit InputName(std::string argument);
+
+    const std::string& asTyped() const { return m_strArgument; }
+
+    /** What the engine is to be given: a URI that stands for the file, whatever its name. */
+    const std::string& uri() const { return m_strUri; }
+
+    bool isFile() const { return m_bFile; }
+
+    /**
+     * Looks whether the file is there to be read: the engine's own texts tell less.
+     * @throws Failure
+     */
+    void checkReadable() const;
+
+    /** Whether a system id in a text of the engine stands for this document. */
+    bool isSystemId(const std::string& systemId) const;
+
+private:
+    std::string m_strArgument;
+    bool m_bFile;
+    std::string m_strUri;
+};
+
+/** A name for people: the path of a file URI, any other system id as it is. */
+std::string displayName(const std::string& systemId);

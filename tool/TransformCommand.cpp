@@ -1,0 +1,200 @@
+#include "TransformCommand.h"
+
+#include "CommonOptions.h"
+#include "EngineDiagnostics.h"
+#include "EngineSession.h"
+#include "FailedFile.h"
+#include "Failure.h"
+#include "FileNames.h"
+#include "MemoryFile.h"
+#include "OutputFile.h"
+#include "Timing.h"
+#include "TrailingNulFilter.h"
+
+#include <vexa/VEXAXslTransformer.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace {
+
+constexpr const char* STANDARD_STREAM = "-";
+
+constexpr const char* DESCRIPTION = "Run one stylesheet over one document";
+
+constexpr const char* MORE_HELP =
+    R"(Names are file names, taken literally; a URI (file:, http:) is taken as well.
+An output file appears whole or not at all. Texts of xsl:message go to
+standard error.
+
+Examples:
+  vexa-xslt transform report.xsl orders.xml -o report.html
+  vexa-xslt transform report.xsl orders.xml -p currency=EUR -p lang=de
+  generate-orders | vexa-xslt transform report.xsl > report.html)";
+
+struct TransformOptions {
+    std::string stylesheet;
+    std::string source = STANDARD_STREAM;
+    std::string output = STANDARD_STREAM;
+    CommonOptions common;
+};
+
+/** One run of the command. */
+class TransformRun {
+public:
+    explicit TransformRun(const TransformOptions& options);
+
+    void run();
+
+private:
+    void transform(VEXAXslTransformer& transformer);
+    void transformToOutputFile(VEXAXslTransformer& transformer);
+    void takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
+                      const std::string& writePath);
+    void takeStreamRoad(VEXAXslTransformer& transformer, const std::string& outputName,
+                        std::ostream& result);
+    std::istream& openSource();
+
+    template <typename Road>
+    void runEngine(VEXAXslTransformer& transformer, const std::string& outputName,
+                   const std::string& writePath, Road road);
+
+    const TransformOptions& m_options;
+    InputName m_stylesheet;
+    std::optional<InputName> m_source;
+    std::ifstream m_sourceFile;
+};
+
+TransformRun::TransformRun(const TransformOptions& options)
+    : m_options(options), m_stylesheet(options.stylesheet) {
+    if (options.source != STANDARD_STREAM) {
+        m_source.emplace(options.source);
+    }
+}
+
+void TransformRun::run() {
+    const CommonOptions& common = m_options.common;
+    const auto parameters = parseParameters(common.parameters);
+    m_stylesheet.checkReadable();
+    if (m_source) {
+        m_source->checkReadable();
+    }
+    VEXAXslTransformer::m_bUseXercesDOM = common.useXercesDom;
+
+    Timing timing;
+    {
+        const EngineSession session;
+        timing.endPhase("start of the engines");
+        VEXAXslTransformer transformer;
+        for (const auto& [name, value] : parameters) {
+            transformer.setStylesheetParam(name, value);
+        }
+        transform(transformer);
+        timing.endPhase("transform");
+    }
+    timing.endPhase("stop of the engines");
+    if (common.timing && !common.quiet) {
+        std::cerr << timing.report();
+    }
+}
+
+void TransformRun::transform(VEXAXslTransformer& transformer) {
+    if (m_options.output != STANDARD_STREAM) {
+        transformToOutputFile(transformer);
+    } else if (m_source && !m_source->isFile()) {
+        // Only the file road can read a URI, and it can write to nothing but a file.
+        const MemoryFile result;
+        takeFileRoad(transformer, STANDARD_OUTPUT, result.path());
+        result.copyTo(std::cout);
+    } else {
+        takeStreamRoad(transformer, STANDARD_OUTPUT, std::cout);
+    }
+    if (!std::cout.flush()) {
+        throw Failure(STANDARD_OUTPUT, systemReason(errno));
+    }
+}
+
+void TransformRun::transformToOutputFile(VEXAXslTransformer& transformer) {
+    OutputFile output(m_options.output);
+    if (m_source) {
+        takeFileRoad(transformer, m_options.output, output.writePath());
+    } else {
+        std::ofstream result(output.writePath(), std::ios::binary);
+        takeStreamRoad(transformer, m_options.output, result);
+        if (!result.flush()) {
+            throw Failure(m_options.output, systemReason(errno));
+        }
+    }
+    output.commit();
+}
+
+void TransformRun::takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
+                                const std::string& writePath) {
+    runEngine(transformer, outputName, writePath, [&] {
+        return transformer.doTransform(toText(m_source->uri()), toText(m_stylesheet.uri()),
+                                       toText(writePath));
+    });
+}
+
+void TransformRun::takeStreamRoad(VEXAXslTransformer& transformer, const std::string& outputName,
+                                  std::ostream& result) {
+    TrailingNulFilter withoutNul(*result.rdbuf());
+    std::ostream output(&withoutNul);
+    runEngine(transformer, outputName, "", [&] {
+        return transformer.doTransform(openSource(), toText(m_stylesheet.uri()), output);
+    });
+}
+
+std::istream& TransformRun::openSource() {
+    if (!m_source) {
+        return std::cin;
+    }
+    m_sourceFile.open(m_source->asTyped(), std::ios::binary);
+    if (!m_sourceFile) {
+        throw Failure(m_source->asTyped(), systemReason(errno));
+    }
+    // A stream has no base of its own: from its folder, the source's DTD and entities are found.
+    std::error_code ignored;
+    std::filesystem::current_path(std::filesystem::absolute(m_source->asTyped()).parent_path(),
+                                  ignored);
+    return m_sourceFile;
+}
+
+template <typename Road>
+void TransformRun::runEngine(VEXAXslTransformer& transformer, const std::string& outputName,
+                             const std::string& writePath, Road road) {
+    EngineDiagnostics diagnostics(m_options.common.quiet);
+    if (road() == 0) {
+        return;
+    }
+    const std::string reason = transformer.getLastError();
+    diagnostics.dropReportOf(reason);
+    const TransformDocuments documents{m_stylesheet, m_source ? &*m_source : nullptr, outputName,
+                                       writePath};
+    throw Failure(failedFile(reason, documents), readableReason(reason, documents));
+}
+
+} // namespace
+
+void addTransformCommand(CLI::App& app, std::function<void()>& command) {
+    const auto options = std::make_shared<TransformOptions>();
+    CLI::App* const transform = app.add_subcommand("transform", DESCRIPTION);
+    transform->footer(MORE_HELP);
+    transform->add_option("STYLESHEET", options->stylesheet, "The stylesheet")
+        ->type_name("")
+        ->required();
+    transform->add_option("SOURCE", options->source, "The document; none, or -: standard input")
+        ->type_name("");
+    transform->add_option("-o,--output", options->output, "The result; none, or -: standard output")
+        ->type_name("OUTPUT");
+    addParameterOption(*transform, options->common);
+    addEngineOptions(*transform, options->common);
+    transform->callback(
+        [options, &command] { command = [options] { TransformRun(*options).run(); }; });
+}

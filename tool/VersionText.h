@@ -1,0 +1,9 @@
+/**
+ * @file
+ * What `vexa-xslt --version` prints.
+ */
+#pragma once
+
+#include <string>
+
+std::string versionText();

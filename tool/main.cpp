@@ -1,0 +1,74 @@
+#include "Failure.h"
+#include "TransformCommand.h"
+#include "VersionText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <functional>
+#include <iostream>
+#include <string>
+
+namespace {
+
+constexpr const char* EXAMPLES = R"(Examples:
+  vexa-xslt transform report.xsl orders.xml -o report.html
+  vexa-xslt transform report.xsl orders.xml -p currency=EUR > report.html
+  curl -s http://host/orders.xml | vexa-xslt transform report.xsl | less
+
+Exit status: 0 done; 1 a transform or a file failed; 2 wrong usage.
+'vexa-xslt COMMAND --help' tells more about a command.)";
+
+/** CLI11 tells of a mistyped command only that one is missing. */
+std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
+    const auto unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty()) {
+        return unknown.front() + ": there is no such command or option";
+    }
+    return error.what();
+}
+
+/** One line, in the form of every other error, and where to read on. */
+int tellWrongUsage(const CLI::App& app, const std::string& reason) {
+    const auto commands = app.get_subcommands();
+    std::string helper = app.get_name();
+    if (!commands.empty()) {
+        helper += " " + commands.front()->get_name();
+    }
+    tellFailure(foldLines(reason) + " (see '" + helper + " --help')");
+    return EXIT_USAGE;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false);
+
+    CLI::App app("Runs XSLT 1.0 stylesheets over XML documents.", "vexa-xslt");
+    app.set_version_flag("--version", versionText, "Print the version and exit");
+    app.footer(EXAMPLES);
+    app.require_subcommand(1);
+
+    std::function<void()> command;
+    addTransformCommand(app, command);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const bool asked = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+        return asked ? app.exit(error) : tellWrongUsage(app, reasonOf(app, error));
+    }
+
+    try {
+        command();
+        return EXIT_DONE;
+    } catch (const WrongUsage& wrong) {
+        return tellWrongUsage(app, wrong.what());
+    } catch (const std::exception& failure) {
+        tellFailure(failure.what());
+    } catch (...) {
+        // The engine has exceptions of its own for lack of memory.
+        tellFailure("the engine gave up without a reason");
+    }
+    return EXIT_FAILED;
+}
