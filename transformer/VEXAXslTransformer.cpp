@@ -9,7 +9,9 @@
 bool VEXAXslTransformer::m_bUseXercesDOM = false;
 
 VEXAXslTransformer::VEXAXslTransformer()
-    : m_pTransformer(std::make_unique<xalanc::XalanTransformer>()) {}
+    : m_pTransformer(std::make_unique<xalanc::XalanTransformer>()) {
+    installBuiltInFunctions();
+}
 
 VEXAXslTransformer::~VEXAXslTransformer() {
     // The engine goes before the maps; the clones in m_mapFunctions stay allocated on purpose.

@@ -48,7 +48,11 @@ class XSLTResultTarget;
  */
 class VEXA_EXPORT VEXAXslTransformer {
 public:
-    /** Makes a transformer with no parameters and an empty error text. */
+    /**
+     * Makes a transformer with no parameters, an empty error text, and the library's own functions:
+     * GetLocalizedString, GetDateTime, TimerCreate, TimerStart, TimerStop, TimerTotal, TimerReset
+     * and TimerDestroy.
+     */
     VEXAXslTransformer();
     VEXAXslTransformer(const VEXAXslTransformer&) = delete;
     VEXAXslTransformer& operator=(const VEXAXslTransformer&) = delete;
@@ -59,7 +63,7 @@ public:
      * VEXA_XSL_EXTENSION_NAMESPACE.
      *
      * @param name     the function's name there, without a prefix; a function that has that name
-     *                 already is replaced, for this transformer only
+     *                 already, one of the library's own too, is replaced for this transformer only
      * @param function is cloned; the clone, and one that it replaces, is never freed
      */
     void installExternalFunction(const I18NString& name, const TqXsltFunction& function);
@@ -123,6 +127,7 @@ private:
     int transformParsedSource(const VEXA_ENGINE_NAMESPACE::XalanParsedSource& source,
                               const I18NString& stylesheetFile,
                               VEXA_ENGINE_NAMESPACE::XSLTResultTarget& target);
+    void installBuiltInFunctions();
     void applyParams();
     void applyFunctions();
 

@@ -320,3 +320,13 @@ TEST_F(TransformCommandTest, TellsWhereTheTimeWent) {
     }
     EXPECT_EQ(tool("transform ok.xsl ok.xml --timing --quiet").error, "");
 }
+
+/** A new process is a newly loaded library. */
+TEST_F(TransformCommandTest, NumbersTimersFromOne) {
+    m_folder.write("timers.xsl",
+                   stylesheet("<xsl:output method='text'/><xsl:template match='/'><xsl:value-of "
+                              "select='concat(vexa:TimerCreate(), \"|\", vexa:TimerCreate())'/>"
+                              "</xsl:template>"));
+    EXPECT_EQ(tool("transform timers.xsl ok.xml").output, "1|2");
+    EXPECT_EQ(tool("transform timers.xsl ok.xml").output, "1|2");
+}

@@ -1,0 +1,70 @@
+#include <vexa/WolMdMessage.h>
+
+#include "support/Catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+std::string text(unsigned long id, const char* language, const char* fallback = "en") {
+    I18NString out("something left over");
+    WolMdMessage(id).format(language, fallback, out);
+    return out.c_str();
+}
+
+constexpr unsigned long TOTAL = 0xA2E79FA6;
+
+} // namespace
+
+TEST(WolMdMessage, EveryLanguageHasTheSameNineteenMessages) {
+    const auto english = catalogueTexts("en");
+    EXPECT_EQ(english.size(), 19U);
+    for (const std::string& language : catalogueLanguages()) {
+        const auto texts = catalogueTexts(language);
+        EXPECT_EQ(texts.size(), english.size()) << language;
+        for (const auto& [id, expected] : texts) {
+            EXPECT_EQ(english.count(id), 1U) << language;
+            EXPECT_NE(expected, "") << language;
+            EXPECT_EQ(text(id, language.c_str(), nullptr), expected) << language;
+        }
+    }
+}
+
+TEST(WolMdMessage, ComesInTheLanguagesThatWerePromised) {
+    const auto languages = catalogueLanguages();
+    for (const char* language : {"en", "de", "fr", "es", "it", "el", "ja", "zh"}) {
+        EXPECT_EQ(languages.count(language), 1U) << language;
+    }
+}
+
+TEST(WolMdMessage, IsEmptyForAnUnknownIdentifier) {
+    EXPECT_EQ(text(0, "en"), "");
+    EXPECT_EQ(text(1, "de"), "");
+    EXPECT_EQ(text(0xFFFFFFFF, "en"), "");
+}
+
+TEST(WolMdMessage, IsToldInTheFallbackLanguageWhereALanguageIsUnknown) {
+    EXPECT_EQ(text(TOTAL, "xx"), "Total");
+    EXPECT_EQ(text(TOTAL, "xx", "de_AT"), "Summe");
+    EXPECT_EQ(text(TOTAL, "xx", "yy"), "");
+    EXPECT_EQ(text(TOTAL, nullptr, nullptr), "");
+}
+
+TEST(WolMdMessage, MayBeToldInManyThreadsAtOnce) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int k = 0; k < 200; ++k) {
+                EXPECT_EQ(text(TOTAL, "de"), "Summe");
+                EXPECT_EQ(text(TOTAL, "xx"), "Total");
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}

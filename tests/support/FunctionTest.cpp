@@ -1,0 +1,56 @@
+#include "FunctionTest.h"
+
+std::string narrow(const xalanc::XalanDOMString& text) {
+    return TqXsltFunction::XalanDOMStringToI18NString(text).c_str();
+}
+
+void LenientExecutionContext::problem(eSource source, eClassification classification,
+                                      const xalanc::XalanDOMString& message,
+                                      const xalanc::Locator* locator,
+                                      const xalanc::XalanNode* node) {
+    EXPECT_EQ(source, eXPATH);
+    EXPECT_EQ(classification, eError);
+    m_strProblem = narrow(message);
+    m_bHadLocator = locator != nullptr;
+    m_pNode = node;
+}
+
+std::string FunctionTest::callLeniently(const TqXsltFunction& function,
+                                        const std::vector<std::string>& args) {
+    xalanc::Function::XObjectArgVectorType values(xalanc::XalanMemMgrs::getDefaultXercesMemMgr());
+    for (const std::string& arg : args) {
+        values.push_back(
+            m_objectFactory.createString(TqXsltFunction::I18NStringToXalanDOMString(arg.c_str())));
+    }
+    return narrow(function.execute(m_context, nullptr, values, nullptr)->str(m_context));
+}
+
+void FunctionTest::callWithNull(const TqXsltFunction& function) {
+    xalanc::Function::XObjectArgVectorType values(xalanc::XalanMemMgrs::getDefaultXercesMemMgr());
+    values.push_back(xalanc::XObjectPtr());
+    function.execute(m_context, nullptr, values, nullptr);
+}
+
+std::string FunctionTest::evaluate(const std::string& expression) {
+    const std::string sheet = sheetThatPrints(expression);
+    const auto files = onFileRoad(source(), sheet);
+    EXPECT_EQ(files.result, 0) << files.error;
+    return files.output;
+}
+
+std::string FunctionTest::errorOf(const std::string& expression) {
+    const std::string sheet = sheetThatPrints(expression);
+    const auto files = onFileRoad(source(), sheet);
+    const auto streams = onStreamRoad("<a/>", sheet);
+    EXPECT_EQ(files.result, -1);
+    EXPECT_EQ(streams.result, -1);
+    EXPECT_EQ(files.error, streams.error);
+    return files.error;
+}
+
+std::string FunctionTest::sheetThatPrints(const std::string& expression) {
+    return m_folder.write("print.xsl",
+                          stylesheet("<xsl:output method='text'/><xsl:template match='/'>"
+                                     "<xsl:value-of select=\"" +
+                                     expression + "\"/></xsl:template>"));
+}

@@ -1,0 +1,58 @@
+/**
+ * @file
+ * Calls extension functions, directly and from stylesheets.
+ */
+#pragma once
+
+#include "TransformTest.h"
+
+#include <vexa/TqXsltFunction.h>
+
+#include <string>
+#include <vector>
+
+#include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XPath/XPathEnvSupportDefault.hpp>
+#include <xalanc/XPath/XPathExecutionContextDefault.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+
+/** An execution context whose error operation takes a note and returns. */
+class LenientExecutionContext : public xalanc::XPathExecutionContextDefault {
+public:
+    using XPathExecutionContextDefault::XPathExecutionContextDefault;
+
+    void problem(eSource, eClassification, const xalanc::XalanDOMString& message,
+                 const xalanc::Locator* locator, const xalanc::XalanNode* node) override;
+
+    std::string m_strProblem;
+    const xalanc::XalanNode* m_pNode = nullptr;
+    bool m_bHadLocator = false;
+};
+
+class FunctionTest : public TransformTest {
+protected:
+    /** Calls `execute` with string arguments, in a context that goes on after an error. */
+    std::string callLeniently(const TqXsltFunction& function, const std::vector<std::string>& args);
+
+    /** Calls `execute` with one argument that is no object. */
+    void callWithNull(const TqXsltFunction& function);
+
+    /** The value of an XPath expression, by the file road; checks that the stream road agrees. */
+    std::string evaluate(const std::string& expression);
+
+    /** The error text of a stylesheet that evaluates the expression, the same on both roads. */
+    std::string errorOf(const std::string& expression);
+
+    LenientExecutionContext& lenientContext() { return m_context; }
+
+private:
+    std::string sheetThatPrints(const std::string& expression);
+
+    xalanc::XalanSourceTreeDOMSupport m_domSupport;
+    xalanc::XPathEnvSupportDefault m_envSupport;
+    xalanc::XObjectFactoryDefault m_objectFactory;
+    LenientExecutionContext m_context{m_envSupport, m_domSupport, m_objectFactory};
+};
+
+/** An engine string as UTF-8. */
+std::string narrow(const xalanc::XalanDOMString& text);
