@@ -2,21 +2,27 @@
 <!--
   The frame and the look of a report page, its charts, and the formatting of numbers and dates.
 
-  An importing stylesheet declares $title, $currency, $lang, $months (elements with @number, @short
-  and the name as text) and $text-thousands, and has templates for the document element in the modes
-  page-header, page-body and page-footer.
+  An importing stylesheet declares $title, $currency, $lang, $text-language (the tag of the language
+  that the fixed words are in), $text-first-day (the first of a month, in a date) and $months
+  (elements with @number, @short and the name as text, and with @genitive where dates take another
+  form of the name). It has templates for the document element in the modes page-header, page-body
+  and page-footer.
 -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 
-  <!-- de for both de-AT and de_AT -->
-  <xsl:variable name="language"
-                select="substring-before(concat(translate($lang, '_', '-'), '-'), '-')"/>
+  <!-- de for DE, de-AT and de_AT -->
+  <xsl:variable name="asked-language"
+                select="substring-before(concat(translate($lang, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ_',
+                                                'abcdefghijklmnopqrstuvwxyz-'), '-'), '-')"/>
+
+  <!-- The language that numbers and names go by -->
+  <xsl:variable name="language" select="$asked-language"/>
 
   <!-- ============ Frame ============ -->
 
   <xsl:template match="/">
-    <html lang="{translate($lang, '_', '-')}">
+    <html lang="{$text-language}">
       <head>
         <title><xsl:value-of select="$title"/></title>
         <meta name="viewport" content="width=device-width, initial-scale=1"/>
@@ -107,42 +113,30 @@
     </xsl:choose>
   </xsl:template>
 
-  <!-- For the labels of a chart: in thousands, where there are any. -->
-  <xsl:template name="short-amount">
-    <xsl:param name="cents"/>
-    <xsl:param name="pattern" select="'0.#'"/>
+  <xsl:variable name="percent-sign">
     <xsl:choose>
-      <xsl:when test="$cents &lt; 100000">
-        <xsl:call-template name="number">
-          <xsl:with-param name="value" select="$cents div 100"/>
-        </xsl:call-template>
-      </xsl:when>
-      <xsl:otherwise>
-        <xsl:call-template name="fill">
-          <xsl:with-param name="pattern" select="$text-thousands"/>
-          <xsl:with-param name="with">
-            <xsl:call-template name="number">
-              <xsl:with-param name="value" select="$cents div 100000"/>
-              <xsl:with-param name="pattern" select="$pattern"/>
-            </xsl:call-template>
-          </xsl:with-param>
-        </xsl:call-template>
-      </xsl:otherwise>
+      <xsl:when test="$language = 'de' or $language = 'es'">&#160;%</xsl:when>
+      <xsl:when test="$language = 'fr'">&#8239;%</xsl:when>
+      <xsl:otherwise>%</xsl:otherwise>
     </xsl:choose>
-  </xsl:template>
+  </xsl:variable>
 
   <xsl:template name="percentage">
     <xsl:param name="part"/>
     <xsl:param name="whole"/>
-    <xsl:call-template name="number">
-      <xsl:with-param name="value">
-        <xsl:call-template name="ratio">
-          <xsl:with-param name="part" select="$part"/>
-          <xsl:with-param name="whole" select="$whole"/>
-        </xsl:call-template>
-      </xsl:with-param>
-      <xsl:with-param name="pattern" select="'0.0%'"/>
-    </xsl:call-template>
+    <xsl:variable name="percentage">
+      <xsl:call-template name="number">
+        <xsl:with-param name="value">
+          <xsl:call-template name="ratio">
+            <xsl:with-param name="part" select="$part"/>
+            <xsl:with-param name="whole" select="$whole"/>
+          </xsl:call-template>
+        </xsl:with-param>
+        <xsl:with-param name="pattern" select="'0.0%'"/>
+      </xsl:call-template>
+    </xsl:variable>
+    <!-- The engine loses a space that stands before the sign in the pattern. -->
+    <xsl:value-of select="concat(substring-before($percentage, '%'), $percent-sign)"/>
   </xsl:template>
 
   <!-- 0 for a part of nothing, where the plain division would be no number. -->
@@ -165,20 +159,25 @@
                                  substring-after($pattern, '{0}'))"/>
   </xsl:template>
 
-  <!-- Writes an ISO 8601 date by a pattern with {day}, {month}, {mon}, {number} and {year}. -->
+  <!-- Writes an ISO 8601 date by a pattern with {day}, {month}, {of-month} (in the genitive),
+       {mon} (short) and {year}. -->
   <xsl:template name="date">
     <xsl:param name="date"/>
     <xsl:param name="pattern"/>
     <xsl:choose>
       <xsl:when test="contains($pattern, '{')">
         <xsl:variable name="field" select="substring-before(substring-after($pattern, '{'), '}')"/>
-        <xsl:variable name="number" select="substring($date, 6, 2)"/>
+        <xsl:variable name="day" select="number(substring($date, 9, 2))"/>
+        <xsl:variable name="month" select="$months[@number = substring($date, 6, 2)]"/>
         <xsl:value-of select="substring-before($pattern, '{')"/>
         <xsl:choose>
-          <xsl:when test="$field = 'day'"><xsl:value-of select="number(substring($date, 9, 2))"/></xsl:when>
-          <xsl:when test="$field = 'month'"><xsl:value-of select="$months[@number = $number]"/></xsl:when>
-          <xsl:when test="$field = 'mon'"><xsl:value-of select="$months[@number = $number]/@short"/></xsl:when>
-          <xsl:when test="$field = 'number'"><xsl:value-of select="number($number)"/></xsl:when>
+          <xsl:when test="$field = 'day' and $day = 1"><xsl:value-of select="$text-first-day"/></xsl:when>
+          <xsl:when test="$field = 'day'"><xsl:value-of select="$day"/></xsl:when>
+          <xsl:when test="$field = 'of-month' and $month/@genitive">
+            <xsl:value-of select="$month/@genitive"/>
+          </xsl:when>
+          <xsl:when test="$field = 'month' or $field = 'of-month'"><xsl:value-of select="$month"/></xsl:when>
+          <xsl:when test="$field = 'mon'"><xsl:value-of select="$month/@short"/></xsl:when>
           <xsl:when test="$field = 'year'"><xsl:value-of select="substring($date, 1, 4)"/></xsl:when>
         </xsl:choose>
         <xsl:call-template name="date">
@@ -226,6 +225,8 @@
   <xsl:template name="grid-lines">
     <xsl:param name="step"/>
     <xsl:param name="top"/>
+    <!-- The cents that the scale counts as one -->
+    <xsl:param name="unit"/>
     <xsl:param name="value" select="0"/>
     <xsl:if test="$value &lt;= $top">
       <xsl:variable name="y">
@@ -238,13 +239,15 @@
       </xsl:variable>
       <line x1="{$chart-margin}%" x2="100%" y1="{$y}" y2="{$y}"/>
       <text class="scale" x="{$chart-margin - 1}%" y="{$y + 4}">
-        <xsl:call-template name="short-amount">
-          <xsl:with-param name="cents" select="$value"/>
+        <xsl:call-template name="number">
+          <xsl:with-param name="value" select="$value div $unit"/>
+          <xsl:with-param name="pattern" select="'#,##0.##'"/>
         </xsl:call-template>
       </text>
       <xsl:call-template name="grid-lines">
         <xsl:with-param name="step" select="$step"/>
         <xsl:with-param name="top" select="$top"/>
+        <xsl:with-param name="unit" select="$unit"/>
         <xsl:with-param name="value" select="$value + $step"/>
       </xsl:call-template>
     </xsl:if>
@@ -377,6 +380,7 @@ footer.page { padding: 8px 24px 48px; color: var(--faint); font-size: 13px; }
   font-size: clamp(19px, 2.1vw, 25px); font-weight: 650; line-height: 1.35; letter-spacing: -.01em;
   font-variant-numeric: tabular-nums; overflow-wrap: anywhere;
 }
+.figure::first-letter, tr.month th::first-letter { text-transform: uppercase; }
 .small { color: var(--faint); font-size: 13px; font-weight: 400; }
 
 .panel {
@@ -391,7 +395,7 @@ h2 { font-size: 18px; font-weight: 650; letter-spacing: -.01em; }
 .columns { display: grid; grid-template-columns: minmax(0, 2fr) minmax(0, 1fr); gap: 0 20px; }
 .columns > div { display: flex; flex-direction: column; } .columns > div > :last-child { flex: 1; }
 
-.legend { display: flex; align-items: center; font-size: 13px; color: var(--faint); }
+.legend { display: flex; flex-wrap: wrap; align-items: center; font-size: 13px; color: var(--faint); }
 .dot { width: 10px; height: 10px; border-radius: 3px; margin: 0 6px 0 16px; }
 .chart { display: block; overflow: visible; }
 .chart text { font-size: 12px; fill: var(--faint); text-anchor: middle; }
@@ -408,17 +412,17 @@ table { width: 100%; border-collapse: collapse; font-size: 14px; }
 th, td { padding: 9px 10px; text-align: start; vertical-align: top; border-top: 1px solid var(--rule); }
 th:first-child, td:first-child { padding-inline-start: 0; }
 th:last-child, td:last-child { padding-inline-end: 0; }
-thead th { border-top: 0; color: var(--faint); font-size: 12.5px; font-weight: 500; padding-top: 0; }
+thead th { border-top: 0; color: var(--faint); font-size: 12.5px; font-weight: 500; padding-top: 0; word-break: keep-all; }
 tbody th { font-weight: 600; }
 td > .small, th > .small { display: block; }
 li > .small { margin-inline-start: 2px; }
 tfoot th, tfoot td { font-weight: 650; border-top: 2px solid var(--rule); }
-.numeric { text-align: end; font-variant-numeric: tabular-nums; white-space: nowrap; }
+.numeric { text-align: end; font-variant-numeric: tabular-nums; } td.numeric { white-space: nowrap; }
 
 .strip { flex: 1; height: 6px; min-width: 40px; border-radius: 3px; background: var(--rule); overflow: hidden; }
 .strip i { display: block; height: 100%; border-radius: 3px; }
 .meter { display: flex; align-items: center; gap: 10px; min-width: 120px; padding-top: 1px; }
-.meter span { font-variant-numeric: tabular-nums; min-width: 3.2em; text-align: end; }
+.meter span { font-variant-numeric: tabular-nums; white-space: nowrap; min-width: 3.8em; text-align: end; }
 .ranking .strip { margin-top: 6px; }
 .ranking td:first-child { width: 2em; color: var(--faint); padding-inline-end: 6px; }
 .sparkline { display: block; width: 126px; height: 30px; }
@@ -457,7 +461,7 @@ tr.month + tr td { border-top: 0; }
 }
 .remark em, .remark strong { color: var(--ink); }
 .remark cite { font-style: normal; text-decoration: underline dotted; text-underline-offset: 3px; }
-:lang(ja) em, :lang(zh) em { font-style: normal; text-emphasis: filled dot; }
+em:lang(ja), em:lang(zh) { font-style: normal; text-emphasis: filled dot; }
 tr.cancelled td { color: var(--faint); } tr.cancelled td.numeric { text-decoration: line-through; }
 tr:target td { background: var(--tint); }
 .unseen { position: absolute; width: 1px; height: 1px; overflow: hidden; clip-path: inset(50%); }
@@ -466,12 +470,7 @@ tr:target td { background: var(--tint); }
   .tiles { grid-template-columns: repeat(2, 1fr); }
   .columns { display: block; }
 }
-@media (max-width: 720px) {
-  header.page { padding: 30px 16px 84px; }
-  main { padding: 0 12px; } footer.page { padding-inline: 16px; }
-  .tiles { gap: 10px; margin-bottom: 12px; } .tile { padding: 12px 14px; }
-  .panel { padding: 16px 14px; margin-bottom: 12px; }
-  .chart text { font-size: 10.5px; } .chart text.value { font-size: 9.5px; }
+@media (max-width: 840px) {
   .cards thead { display: none; }
   .cards, .cards tbody, .cards tfoot { display: block; }
   .cards tr { display: grid; grid-template-columns: 1fr auto; gap: 3px 12px; padding: 12px 0; border-top: 1px solid var(--rule); }
@@ -496,6 +495,17 @@ tr:target td { background: var(--tint); }
   .date { grid-area: date; font-weight: 600; } .reference { grid-area: reference; font-size: 13px; align-self: center; }
   .customer { grid-area: customer; } .status { grid-area: state; text-align: end; } .items { grid-area: items; }
   .quantity { text-align: start; }
+}
+@media (max-width: 720px) {
+  header.page { padding: 30px 16px 84px; }
+  main { padding: 0 12px; } footer.page { padding-inline: 16px; }
+  .tiles { gap: 10px; margin-bottom: 12px; } .tile { padding: 12px 14px; }
+  .panel { padding: 16px 14px; margin-bottom: 12px; }
+  .chart text { font-size: 10.5px; } .chart text.value { font-size: 9.5px; }
+}
+@media (max-width: 400px) {
+  .chart text { font-size: 9px; } .chart text.value { font-size: 8px; }
+  .ranking th, .ranking td { padding-inline: 4px; } .ranking tr > :nth-child(3) { display: none; }
 }
 @media print {
   body { background: none; font-size: 12px; } .panel, .tile { box-shadow: none; border: 1px solid var(--rule); }

@@ -4,7 +4,9 @@
   and every order. report-layout.xsl brings the frame of the page, its look, and the formatting of
   numbers and dates.
 
-  Parameters: title, currency (an ISO 4217 code; only the label, nothing is converted), lang.
+  Parameters: title, currency (an ISO 4217 code; only the label, nothing is converted), lang (rules
+  the formats of numbers and the names of categories; the fixed words stay English, other languages
+  come with report-localised.xsl).
 -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
@@ -19,52 +21,55 @@
   <!-- The system identifier is there for the DOCTYPE: without one, browsers fall into quirks mode. -->
   <xsl:output method="html" encoding="UTF-8" indent="yes" doctype-system="about:legacy-compat"/>
 
-  <xsl:param name="title" select="concat($text-order-book, ' ', /o:orderBook/@year)"/>
+  <xsl:param name="title">
+    <xsl:call-template name="of-year">
+      <xsl:with-param name="what" select="$text-order-book"/>
+    </xsl:call-template>
+  </xsl:param>
   <xsl:param name="currency" select="string(/o:orderBook/@currency)"/>
   <xsl:param name="lang" select="'en'"/>
 
   <!-- ============ Texts: every fixed word that the page shows ============ -->
 
-  <xsl:variable name="text-order-book" select="'Order book'"/>
-  <xsl:variable name="text-as-of" select="'As of {day} {month} {year}'"/>
+  <xsl:variable name="text-language" select="'en'"/>
 
+  <xsl:variable name="text-order-book" select="'Order book'"/>
   <xsl:variable name="text-orders" select="'Orders'"/>
   <xsl:variable name="text-turnover" select="'Turnover'"/>
   <xsl:variable name="text-outstanding" select="'Outstanding'"/>
+  <xsl:variable name="text-total" select="'Total'"/>
+  <xsl:variable name="text-category" select="'Category'"/>
+  <xsl:variable name="text-customers" select="'Customers'"/>
+  <xsl:variable name="text-countries" select="'Countries'"/>
+  <xsl:variable name="text-date" select="'Date'"/>
+  <xsl:variable name="text-quantity" select="'Quantity'"/>
+  <xsl:variable name="text-amount" select="'Amount'"/>
+  <xsl:variable name="text-state" select="'State'"/>
+  <xsl:variable name="text-open" select="'Open'"/>
+  <xsl:variable name="text-shipped" select="'Shipped'"/>
   <xsl:variable name="text-paid" select="'Paid'"/>
+  <xsl:variable name="text-cancelled" select="'Cancelled'"/>
+
   <xsl:variable name="text-best-month" select="'Best month'"/>
+  <xsl:variable name="text-best-seller" select="'Best seller'"/>
+  <xsl:variable name="text-through-the-year" select="'Through the year'"/>
+  <xsl:variable name="text-rank" select="'Rank'"/>
+  <xsl:variable name="text-items" select="'Items'"/>
+
   <xsl:variable name="text-cancelled-count" select="'{0} cancelled'"/>
   <xsl:variable name="text-average-order" select="'{0} per order'"/>
   <xsl:variable name="text-outstanding-share" select="'{0} of turnover'"/>
-
-  <xsl:variable name="text-by-month" select="'Turnover by month'"/>
-  <xsl:variable name="text-by-category" select="'Turnover by category'"/>
-  <xsl:variable name="text-top-customers" select="'Top customers'"/>
-  <xsl:variable name="text-by-state" select="'Where the orders stand'"/>
-  <xsl:variable name="text-by-country" select="'Where the goods go'"/>
-  <xsl:variable name="text-all-orders" select="'All orders'"/>
-
-  <xsl:variable name="text-category" select="'Category'"/>
-  <xsl:variable name="text-best-seller" select="'Best seller'"/>
-  <xsl:variable name="text-units" select="'Units'"/>
-  <xsl:variable name="text-share" select="'Share'"/>
-  <xsl:variable name="text-through-the-year" select="'Through the year'"/>
-  <xsl:variable name="text-total" select="'Total'"/>
-  <xsl:variable name="text-rank" select="'Rank'"/>
-  <xsl:variable name="text-customer" select="'Customer'"/>
-  <xsl:variable name="text-order" select="'Order'"/>
-  <xsl:variable name="text-date" select="'Date'"/>
-  <xsl:variable name="text-items" select="'Items'"/>
-  <xsl:variable name="text-state" select="'State'"/>
-  <xsl:variable name="text-amount" select="'Amount'"/>
+  <xsl:variable name="text-thousands" select="'in thousands of {0}'"/>
 
   <xsl:variable name="text-footnote"
                 select="'Turnover leaves out cancelled orders. Outstanding is what open and shipped orders still have to bring in.'"/>
 
-  <!-- Patterns of dates; {day}, {month}, {mon} (short), {number} (of the month) and {year} are filled in. -->
-  <xsl:variable name="text-day-of-year" select="'{day} {mon}'"/>
+  <!-- Patterns of dates; the template 'date' tells the fields. -->
+  <xsl:variable name="text-as-of" select="'As of {day} {month} {year}'"/>
+  <xsl:variable name="text-of-year" select="'{0} {year}'"/>
   <xsl:variable name="text-month-of-year" select="'{month} {year}'"/>
-  <xsl:variable name="text-thousands" select="'{0}k'"/>
+  <xsl:variable name="text-day-of-year" select="'{day} {mon}'"/>
+  <xsl:variable name="text-first-day" select="'1'"/>
 
   <xsl:variable name="text-months">
     <month number="01" short="Jan">January</month>
@@ -79,14 +84,6 @@
     <month number="10" short="Oct">October</month>
     <month number="11" short="Nov">November</month>
     <month number="12" short="Dec">December</month>
-  </xsl:variable>
-
-  <!-- In the order in which the page lists them. -->
-  <xsl:variable name="text-states">
-    <state code="paid">Paid</state>
-    <state code="shipped">Shipped</state>
-    <state code="open">Open</state>
-    <state code="cancelled">Cancelled</state>
   </xsl:variable>
 
   <!-- ============ Keys ============ -->
@@ -112,7 +109,15 @@
   <xsl:variable name="book" select="/"/>
   <xsl:variable name="year" select="/o:orderBook/@year"/>
   <xsl:variable name="months" select="xalan:nodeset($text-months)/month"/>
-  <xsl:variable name="states" select="xalan:nodeset($text-states)/state"/>
+
+  <!-- In the order in which the page lists them. -->
+  <xsl:variable name="states-tree">
+    <state code="paid"><xsl:value-of select="$text-paid"/></state>
+    <state code="shipped"><xsl:value-of select="$text-shipped"/></state>
+    <state code="open"><xsl:value-of select="$text-open"/></state>
+    <state code="cancelled"><xsl:value-of select="$text-cancelled"/></state>
+  </xsl:variable>
+  <xsl:variable name="states" select="xalan:nodeset($states-tree)/state"/>
 
   <!-- Amounts are whole cents, so that sums stay exact. -->
   <xsl:variable name="figures-tree">
@@ -189,6 +194,20 @@
 
   <xsl:template match="o:orderBook" mode="page-footer">
     <p><xsl:value-of select="$text-footnote"/></p>
+  </xsl:template>
+
+  <!-- 'Turnover 2025' -->
+  <xsl:template name="of-year">
+    <xsl:param name="what"/>
+    <xsl:call-template name="date">
+      <xsl:with-param name="date" select="$year"/>
+      <xsl:with-param name="pattern">
+        <xsl:call-template name="fill">
+          <xsl:with-param name="pattern" select="$text-of-year"/>
+          <xsl:with-param name="with" select="$what"/>
+        </xsl:call-template>
+      </xsl:with-param>
+    </xsl:call-template>
   </xsl:template>
 
   <!-- ============ Tiles ============ -->
@@ -270,10 +289,32 @@
       </xsl:call-template>
     </xsl:variable>
     <xsl:variable name="top" select="$step * ceiling($best-month/@cents div $step)"/>
+    <xsl:variable name="unit">
+      <xsl:choose>
+        <xsl:when test="$top &gt;= 100000">100000</xsl:when>
+        <xsl:otherwise>100</xsl:otherwise>
+      </xsl:choose>
+    </xsl:variable>
+    <xsl:variable name="heading">
+      <xsl:call-template name="of-year">
+        <xsl:with-param name="what" select="$text-turnover"/>
+      </xsl:call-template>
+    </xsl:variable>
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-by-month"/></h2>
+        <h2><xsl:value-of select="$heading"/></h2>
         <p class="legend">
+          <xsl:choose>
+            <xsl:when test="$unit = 100000">
+              <xsl:call-template name="fill">
+                <xsl:with-param name="pattern" select="$text-thousands"/>
+                <xsl:with-param name="with" select="$currency-sign"/>
+              </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+              <xsl:value-of select="$currency-sign"/>
+            </xsl:otherwise>
+          </xsl:choose>
           <span class="dot paid"/>
           <xsl:value-of select="$text-paid"/>
           <span class="dot outstanding"/>
@@ -281,13 +322,15 @@
         </p>
       </header>
       <!-- No viewBox: widths are percentages, so the labels keep their size on narrow screens. -->
-      <svg class="chart" role="img" aria-label="{$text-by-month}" width="100%" height="{$chart-height}">
+      <svg class="chart" role="img" aria-label="{$heading}" width="100%" height="{$chart-height}">
         <xsl:call-template name="grid-lines">
           <xsl:with-param name="step" select="$step"/>
           <xsl:with-param name="top" select="$top"/>
+          <xsl:with-param name="unit" select="$unit"/>
         </xsl:call-template>
         <xsl:apply-templates select="$month-figures" mode="bar">
           <xsl:with-param name="top" select="$top"/>
+          <xsl:with-param name="unit" select="$unit"/>
         </xsl:apply-templates>
       </svg>
     </section>
@@ -295,16 +338,23 @@
 
   <xsl:template match="month" mode="bar">
     <xsl:param name="top"/>
+    <xsl:param name="unit"/>
     <xsl:variable name="slot" select="(100 - $chart-margin) div 12"/>
     <xsl:variable name="middle" select="round(10 * ($chart-margin + (position() - 0.5) * $slot)) div 10"/>
     <xsl:variable name="left" select="round(10 * ($middle - $chart-bar div 2)) div 10"/>
     <xsl:variable name="height" select="round($chart-plot * @cents div $top)"/>
     <xsl:variable name="outstanding" select="round($chart-plot * @outstanding div $top)"/>
     <xsl:variable name="y" select="$chart-floor - $height"/>
+    <xsl:variable name="pattern">
+      <xsl:choose>
+        <xsl:when test="$unit = 100">#,##0</xsl:when>
+        <xsl:otherwise>#,##0.0</xsl:otherwise>
+      </xsl:choose>
+    </xsl:variable>
     <xsl:if test="@cents &gt; 0">
       <g>
         <title>
-          <xsl:value-of select="concat(@name, ': ')"/>
+          <xsl:value-of select="concat(@name, ' · ')"/>
           <xsl:call-template name="money">
             <xsl:with-param name="cents" select="@cents"/>
           </xsl:call-template>
@@ -313,9 +363,9 @@
               height="{$height - $outstanding}"/>
         <rect xsl:use-attribute-sets="bar" class="outstanding" x="{$left}%" y="{$y}" height="{$outstanding}"/>
         <text class="value" x="{$middle}%" y="{$y - 7}">
-          <xsl:call-template name="short-amount">
-            <xsl:with-param name="cents" select="@cents"/>
-            <xsl:with-param name="pattern" select="'0.0'"/>
+          <xsl:call-template name="number">
+            <xsl:with-param name="value" select="@cents div $unit"/>
+            <xsl:with-param name="pattern" select="$pattern"/>
           </xsl:call-template>
         </text>
       </g>
@@ -333,16 +383,16 @@
   <xsl:template name="category-table">
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-by-category"/></h2>
+        <h2><xsl:value-of select="concat($text-turnover, ' · ', $text-category)"/></h2>
       </header>
       <table class="cards categories">
         <thead>
           <tr>
             <th><xsl:value-of select="$text-category"/></th>
             <th><xsl:value-of select="$text-best-seller"/></th>
-            <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-units"/></th>
+            <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-quantity"/></th>
             <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-turnover"/></th>
-            <th><xsl:value-of select="$text-share"/></th>
+            <th>%</th>
             <th><xsl:value-of select="$text-through-the-year"/></th>
           </tr>
         </thead>
@@ -358,7 +408,7 @@
         <tfoot>
           <tr>
             <th colspan="2"><xsl:value-of select="$text-total"/></th>
-            <td class="numeric units" data-label="{$text-units}">
+            <td class="numeric units" data-label="{$text-quantity}">
               <xsl:call-template name="number">
                 <xsl:with-param name="value" select="sum($counted/line/@quantity)"/>
               </xsl:call-template>
@@ -397,7 +447,7 @@
           </xsl:if>
         </xsl:for-each>
       </td>
-      <td class="numeric units" data-label="{$text-units}">
+      <td class="numeric units" data-label="{$text-quantity}">
         <xsl:call-template name="number">
           <xsl:with-param name="value" select="sum($lines/@quantity)"/>
         </xsl:call-template>
@@ -450,7 +500,7 @@
     <xsl:variable name="ranking" select="xalan:nodeset($ranking-tree)/ranked"/>
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-top-customers"/></h2>
+        <h2><xsl:value-of select="concat($text-turnover, ' · ', $text-customers)"/></h2>
       </header>
       <table class="ranking">
         <thead>
@@ -458,7 +508,7 @@
             <th xsl:use-attribute-sets="numeric">
               <span class="unseen"><xsl:value-of select="$text-rank"/></span>
             </th>
-            <th><xsl:value-of select="$text-customer"/></th>
+            <th><xsl:value-of select="$text-customers"/></th>
             <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-orders"/></th>
             <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-turnover"/></th>
           </tr>
@@ -504,7 +554,7 @@
   <xsl:template name="state-list">
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-by-state"/></h2>
+        <h2><xsl:value-of select="concat($text-orders, ' · ', $text-state)"/></h2>
       </header>
       <ul class="shares">
         <xsl:apply-templates select="$states" mode="summary"/>
@@ -542,7 +592,7 @@
   <xsl:template name="country-list">
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-by-country"/></h2>
+        <h2><xsl:value-of select="concat($text-turnover, ' · ', $text-countries)"/></h2>
       </header>
       <ul class="shares">
         <xsl:for-each select="$figures/figures[generate-id()
@@ -585,14 +635,14 @@
   <xsl:template match="o:orders">
     <section class="panel">
       <header>
-        <h2><xsl:value-of select="$text-all-orders"/></h2>
+        <h2><xsl:value-of select="$text-orders"/></h2>
       </header>
       <table class="cards orders">
         <thead>
           <tr>
-            <th><xsl:value-of select="$text-order"/></th>
+            <th><xsl:value-of select="$text-orders"/></th>
             <th><xsl:value-of select="$text-date"/></th>
-            <th><xsl:value-of select="$text-customer"/></th>
+            <th><xsl:value-of select="$text-customers"/></th>
             <th><xsl:value-of select="$text-items"/></th>
             <th><xsl:value-of select="$text-state"/></th>
             <th xsl:use-attribute-sets="numeric"><xsl:value-of select="$text-amount"/></th>
