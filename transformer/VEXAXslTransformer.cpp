@@ -1,5 +1,6 @@
 #include <vexa/VEXAXslTransformer.h>
 
+#include <vexa/Dom2Dom.h>
 #include <vexa/TqXsltFunction.h>
 
 #include "EngineStrings.h"
@@ -30,6 +31,10 @@ void VEXAXslTransformer::setStylesheetParam(const I18NString& name, const I18NSt
     const I18NString quoted = "'" + value + "'";
     m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
     m_mapParams[name] = quoted;
+}
+
+std::unique_ptr<Dom2Dom> VEXAXslTransformer::createDom2Dom() {
+    return std::make_unique<Dom2Dom>(this);
 }
 
 const char* VEXAXslTransformer::getLastError() const {

@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 
+class Dom2Dom;
 class TqXsltFunction;
 
 namespace VEXA_ENGINE_NAMESPACE {
@@ -38,10 +39,11 @@ class XSLTResultTarget;
  * side by side. Create them after TQXslTransformer_Initialize and destroy them before the matching
  * TQXslTransformer_Terminate.
  *
- * Failures: a transform tells of a failure by a non-zero result, and getLastError then gives the
- * reason. The transformer stays usable. No exception is caught: what the string class, the memory
- * allocation or an extension function throws passes to the caller, and so does what the engine
- * throws and does not catch itself.
+ * Failures: an operation tells of a failure by a non-zero result, and getLastError then gives the
+ * reason. The transformer stays usable. The transforms of files and of streams catch no exception:
+ * what the string class, the memory allocation or an extension function throws passes to the
+ * caller, and so does what the engine throws and does not catch itself. The operations over
+ * documents in memory catch every exception.
  *
  * The engine prints some diagnostics on std::cerr by itself: texts of xsl:message, warnings and
  * parse errors.
@@ -77,6 +79,13 @@ public:
      *              the engine refuses or misreads it at the next transform
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
+
+    /**
+     * Makes a holder for a document in memory; include <vexa/Dom2Dom.h> to use it.
+     *
+     * @return the caller's own; to be destroyed before this transformer
+     */
+    std::unique_ptr<Dom2Dom> createDom2Dom();
 
     /**
      * The reason for the last failure, in the platform's default encoding; empty if there was none.
@@ -116,17 +125,50 @@ public:
     int doTransform(std::istream& source, const I18NString& stylesheetFile, std::ostream& output);
 
     /**
+     * Transforms a document in memory into another, or onto a stream, without turning the source
+     * into text. Every exception is caught and reported.
+     *
+     * @param in         an input holder, or a document output that has received a result; not
+     * changed
+     * @param stylesheet file name or URI of the stylesheet
+     * @param out        a holder with the output role
+     * @return 0 on success; the parse result of `in` if that had failed (the reason is the
+     * engine's); -1 the engine's XSLException, -2 a SAXParseException or SAXException (the
+     * stylesheet is missing or not well-formed), -3 an XMLException, -4 a XalanDOMException (such
+     * as a second result or a mere text for a document output), -5 any other exception
+     */
+    int doTransform(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
+
+    /**
+     * Evaluates an XPath expression over a document in memory. Stylesheet parameters and extension
+     * functions play no part. Every exception is caught and reported.
+     *
+     * @param holder     holds the document, which is the context node; prefixes in the expression
+     * are those that the document declares
+     * @param expression the expression; one with more than 1,000 nested brackets, or more than
+     * 5,000 arithmetic operators or comparisons in a row, is refused with -1
+     * @param out        receives a string as text in the platform's default encoding, without a
+     * line end; a node-set of exactly one node as XML without a declaration; nothing for any other
+     * result: wrap a number or a boolean in string(). Nothing is written for an attribute or a
+     * namespace node alone
+     * @return as for the in-memory transform
+     */
+    int doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out);
+
+    /**
      * Whether documents are parsed into the XML parser's own tree (a Xerces DOM) instead of the
      * XSLT processor's, which is several times smaller. Set it while no transformer is at work.
      */
     static bool m_bUseXercesDOM;
 
 private:
+    friend class Dom2Dom;
     friend struct VEXAXslTransformerInspector; // for tests
 
     int transformParsedSource(const VEXA_ENGINE_NAMESPACE::XalanParsedSource& source,
                               const I18NString& stylesheetFile,
                               VEXA_ENGINE_NAMESPACE::XSLTResultTarget& target);
+    void transformInMemory(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
     void installBuiltInFunctions();
     void applyParams();
     void applyFunctions();

@@ -4,31 +4,10 @@
  * byte.
  */
 #include "support/BareEngine.h"
+#include "support/TestDocuments.h"
 #include "support/TransformTest.h"
 
-#include <ostream>
-
-namespace {
-
-struct Pair {
-    const char* name;
-    std::string source;
-    std::string sheet;
-};
-
-std::ostream& operator<<(std::ostream& stream, const Pair& pair) {
-    return stream << pair.name;
-}
-
-const Pair PAIRS[] = {
-    {"Orders", projectFile("samples/orders.xml"), projectFile("samples/report.xsl")},
-    {"SmallOrders", projectFile("samples/orders-small.xml"), projectFile("samples/report.xsl")},
-    {"DocBook", projectFile("tests/data/handbook.xml"), DOCBOOK_XSL},
-};
-
-class SideBySideTest : public TransformTest, public ::testing::WithParamInterface<Pair> {};
-
-} // namespace
+class SideBySideTest : public TransformTest, public ::testing::WithParamInterface<TestDocument> {};
 
 TEST_P(SideBySideTest, FileRoadStreamRoadAndBareEngineAgree) {
     const auto& [name, source, sheet] = GetParam();
@@ -53,7 +32,7 @@ TEST_P(SideBySideTest, AXercesDomGivesTheSameBytes) {
     EXPECT_TRUE(sameBytes(files.output, bareEngineTransform(source, sheet)));
 }
 
-INSTANTIATE_TEST_SUITE_P(, SideBySideTest, ::testing::ValuesIn(PAIRS),
+INSTANTIATE_TEST_SUITE_P(, SideBySideTest, ::testing::ValuesIn(testDocuments()),
                          [](const auto& test) { return test.param.name; });
 
 TEST_F(TransformTest, ParametersReachTheStylesheetAsInTheBareEngine) {

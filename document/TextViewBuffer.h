@@ -1,0 +1,17 @@
+/**
+ * @file
+ * A text as a stream.
+ */
+#pragma once
+
+#include <cstring>
+#include <streambuf>
+
+/** Reads a NUL-terminated text where it stands; the text must live longer than the buffer. */
+class TextViewBuffer : public std::streambuf {
+public:
+    explicit TextViewBuffer(const char* text) {
+        char* const begin = const_cast<char*>(text); // a get area is never written to
+        setg(begin, begin, begin + std::strlen(text));
+    }
+};

@@ -1,0 +1,145 @@
+/**
+ * @file
+ * A document in memory: input or output of an in-memory transform.
+ */
+#pragma once
+
+#include <nrb/I18NString.h>
+#include <vexa/VEXAConfig.h>
+#include <vexa/VEXAExport.h>
+
+#include <iosfwd>
+#include <memory>
+
+class VEXAXslTransformer;
+
+namespace VEXA_ENGINE_NAMESPACE {
+class FormatterToSourceTree;
+class XalanDocument;
+class XalanDocumentBuilder;
+class XalanParsedSource;
+class XalanTransformer;
+class XSLTResultTarget;
+} // namespace VEXA_ENGINE_NAMESPACE
+
+/**
+ * Holds one document, so that transforms can be chained without turning it into text between them.
+ *
+ *     auto source = transformer.createDom2Dom();
+ *     auto result = transformer.createDom2Dom();
+ *     if (source->InitializeInputSource("<order/>") && result->InitializeOutputTarget() &&
+ *         transformer.doTransform(*source, "report.xsl", *result) == 0) {
+ *         result->Serialize(std::cout);
+ *     }
+ *
+ * A holder takes one role, once: an input (a parsed document), a document output (an empty document
+ * that receives a result) or a stream output (a result goes to a stream as text). A document output
+ * that has received its result may be the input of further transforms and queries.
+ *
+ * Ownership: a holder owns its document. It borrows its transformer's engine and must be destroyed
+ * before that transformer.
+ *
+ * Threads: a holder belongs to its transformer's thread.
+ *
+ * Failures: what is told by `false` has its reason in getLastError, unless the holder had a role
+ * already. No exception is caught but where it is said.
+ */
+class VEXA_EXPORT Dom2Dom {
+public:
+    /** An empty holder. @param transformer must not be null, and must outlive the holder */
+    explicit Dom2Dom(VEXAXslTransformer* transformer);
+    Dom2Dom(const Dom2Dom&) = delete;
+    Dom2Dom& operator=(const Dom2Dom&) = delete;
+    ~Dom2Dom();
+
+    /**
+     * Takes the input role: parses a document.
+     *
+     * @param text the whole document, NUL-terminated, in the encoding that it declares (UTF-8 where
+     * it declares none); null is taken as an empty text
+     * @return whether there is a document now; false, too, if the holder has a role already. After
+     * a failed parse the holder keeps the input role: take a new one to try again
+     */
+    bool InitializeInputSource(const char* text);
+
+    /**
+     * Takes the input role: parses a document from a stream.
+     *
+     * @param stream   is read to its end
+     * @param systemId the document's URI or file name, in the platform's default encoding: relative
+     *                 references in the document are resolved against it, and error texts name it;
+     *                 null is taken as an empty one
+     * @return as above
+     */
+    bool InitializeInputSource(std::istream& stream, const char* systemId);
+
+    /**
+     * Takes the output role: a transform builds its result as a document here. It receives one
+     * result; a transform that would add a second one fails and leaves the first intact.
+     *
+     * @return false if the holder has a role already
+     */
+    bool InitializeOutputTarget();
+
+    /**
+     * Takes the output role: a transform writes its result to a stream as text, as the stylesheet's
+     * output settings say.
+     *
+     * @param stream is kept and must live as long as the holder is used
+     * @return false if the holder has a role already
+     */
+    bool InitializeOutputTarget(std::ostream& stream);
+
+    /**
+     * Writes the document of a document output as XML: the declaration, the document element with
+     * its subtree (comments and processing instructions beside it are left out), a line feed and
+     * one NUL character. A holder of another role writes only the line feed and the NUL.
+     *
+     * @param os its error state is cleared first; its state afterwards tells whether it took the
+     * text
+     * @return 0; -1 if the engine reported an error, with the reason in getLastError: then the line
+     *         feed and the NUL are missing. A success leaves an earlier reason in place
+     * @throws any exception but the engine's XSLException
+     */
+    int Serialize(std::ostream& os);
+
+    /**
+     * The document: null before a successful initialisation, and for a stream output. It belongs to
+     * the holder and lives as long as it.
+     */
+    VEXA_ENGINE_NAMESPACE::XalanDocument* GetDocument() const { return m_pDocument; }
+
+    /**
+     * The reason of the last failure, in the platform's default encoding: the holder's own, or else
+     * the last message of the transformer's engine. Empty if there is none; never null. The pointer
+     * lives until the next operation of the holder or its transformer: copy the text.
+     */
+    const char* getLastError() const;
+
+private:
+    friend class VEXAXslTransformer;
+    friend struct Dom2DomInspector; // for tests
+
+    /** Gives objects of the engine back to the engine transformer that made them. */
+    struct EngineRelease {
+        VEXA_ENGINE_NAMESPACE::XalanTransformer* engine;
+        void operator()(const VEXA_ENGINE_NAMESPACE::XalanParsedSource* source) const;
+        void operator()(VEXA_ENGINE_NAMESPACE::XalanDocumentBuilder* builder) const;
+    };
+
+    bool hasRole() const { return m_bInputInitialized || m_bOutputInitialized; }
+    bool parse(std::istream& stream, const char* systemId);
+
+    // Destroyed from the last to the first: the builder with its document, the formatter that wrote
+    // to it, the target that fed the formatter, the parsed source.
+    VEXA_ENGINE_NAMESPACE::XalanTransformer* m_pTransformer;
+    VEXA_ENGINE_NAMESPACE::XalanDocument* m_pDocument = nullptr;
+    bool m_bInputInitialized = false;
+    std::unique_ptr<const VEXA_ENGINE_NAMESPACE::XalanParsedSource, EngineRelease> m_pParsedSource;
+    int m_nParseResult = 0;
+    bool m_bOutputInitialized = false;
+    std::unique_ptr<VEXA_ENGINE_NAMESPACE::XSLTResultTarget> m_pResultTarget;
+    std::unique_ptr<VEXA_ENGINE_NAMESPACE::FormatterToSourceTree> m_pFormatter;
+    std::unique_ptr<VEXA_ENGINE_NAMESPACE::XalanDocumentBuilder, EngineRelease> m_pDocumentBuilder;
+    I18NString m_strLastError;
+};

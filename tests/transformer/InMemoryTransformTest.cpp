@@ -1,0 +1,359 @@
+#include "support/InMemoryTest.h"
+#include "support/TestFunctions.h"
+#include "support/VEXAXslTransformerInspector.h"
+
+#include <fstream>
+#include <thread>
+#include <vector>
+
+using Inspector = VEXAXslTransformerInspector;
+using InMemoryTransformTest = InMemoryTest;
+
+TEST_P(InMemoryTransformTest, TransformsOneDocumentIntoAnother) {
+    const Holder in = parsed("<a>x</a>");
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, sheet("<b><xsl:value-of select='a'/></b>"), *out), 0);
+    EXPECT_EQ(queried(*out, "string(/b)"), "x");
+    EXPECT_EQ(serialized(*out), asSerialized("<b>x</b>"));
+    EXPECT_STREQ(m_transformer.getLastError(), "");
+}
+
+TEST_P(InMemoryTransformTest, WritesToAStreamAsTheStylesheetsOutputSettingsSay) {
+    const Holder in = parsed("<a>\xCE\xB1</a>");
+    EXPECT_EQ(transformed(*in, m_folder.write("t.xsl",
+                                              stylesheet("<xsl:output method='text'/><xsl:template "
+                                                         "match='/'>[<xsl:value-of select='a'/>]"
+                                                         "</xsl:template>"))),
+              "[\xCE\xB1]");
+    EXPECT_EQ(
+        transformed(*in, m_folder.write("h.xsl",
+                                        stylesheet("<xsl:output method='html' indent='no' "
+                                                   "encoding='ISO-8859-7'/><xsl:template match='/'>"
+                                                   "<p><br/><xsl:value-of select='a'/></p>"
+                                                   "</xsl:template>"))),
+        "<p><br>&#945;</p>");
+}
+
+TEST_P(InMemoryTransformTest, ChainsFiveStylesheets) {
+    Holder current = parsed("<n>1</n>");
+    const std::string doubling = sheet("<n><xsl:value-of select='2 * n'/></n>");
+    for (int i = 0; i < 5; ++i) {
+        Holder next = output();
+        ASSERT_EQ(transform(*current, doubling, *next), 0) << m_transformer.getLastError();
+        ASSERT_NE(next->GetDocument(), nullptr);
+        current = std::move(next);
+    }
+    EXPECT_EQ(queried(*current, "string(/n)"), "32");
+}
+
+TEST_P(InMemoryTransformTest, ReadsOneInputAThousandTimes) {
+    const Holder in = parsed("<a>x</a>");
+    const std::string copying = sheet("<b><xsl:value-of select='a'/></b>");
+    for (int i = 0; i < 1000; ++i) {
+        const Holder out = output();
+        ASSERT_EQ(transform(*in, copying, *out), 0);
+    }
+    EXPECT_EQ(transformed(*in, copying), "<b>x</b>");
+}
+
+TEST_P(InMemoryTransformTest, PassesParametersInTheOrderOfTheirNames) {
+    m_transformer.setStylesheetParam("z", "last");
+    m_transformer.setStylesheetParam("a", "first");
+    m_transformer.setStylesheetParam("empty", "");
+    const Holder in = parsed("<a/>");
+    const std::string file = m_folder.write(
+        "p.xsl",
+        stylesheet(
+            "<xsl:output method='text'/><xsl:param name='a'/><xsl:param name='z'/><xsl:param "
+            "name='empty' select='1'/><xsl:template match='/'><xsl:value-of select='concat($a, \" "
+            "\", "
+            "$z, $empty)'/></xsl:template>"));
+    EXPECT_EQ(transformed(*in, file), "first last");
+    // Where two of them are wrong, the first one by name is reported.
+    m_transformer.setStylesheetParam("z", "it's z");
+    m_transformer.setStylesheetParam("a", "it's a");
+    std::ostringstream text;
+    const Holder out = output(text);
+    EXPECT_EQ(transform(*in, file, *out), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("'it's a'"), std::string::npos)
+        << m_transformer.getLastError();
+}
+
+TEST_P(InMemoryTransformTest, ServesFunctionsAndNodeset) {
+    m_transformer.installExternalFunction("B", BracketFunction());
+    const Holder in = parsed("<a>x</a>");
+    EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='vexa:B(a)'/></b>")), "<b>[x]</b>");
+    EXPECT_EQ(transformed(*in, sheet("<xsl:variable name='t'><i>1</i><i>2</i></xsl:variable><b>"
+                                     "<xsl:value-of select='sum(xalan:nodeset($t)/i)'/></b>")),
+              "<b>3</b>");
+    EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='vexa:GetLocalizedString(4,\"de\")'/>"
+                                     "</b>")),
+              "<b>Summe</b>");
+    EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='string-length(vexa:GetDateTime())'/>"
+                                     "</b>")),
+              "<b>12</b>");
+    // What is registered between two calls takes effect at the next.
+    m_transformer.installExternalFunction("B", ConstantFunction("replaced"));
+    EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='vexa:B(a)'/></b>")),
+              "<b>replaced</b>");
+}
+
+/** The engine offers nodeset to everyone; without that, the facade's own installation serves. */
+TEST_P(InMemoryTransformTest, InstallsNodesetItself) {
+    xalanc::XalanTransformer::uninstallExternalFunctionGlobal(
+        xalanc::XalanDOMString("http://xml.apache.org/xalan"), xalanc::XalanDOMString("nodeset"));
+    const Holder in = parsed("<a/>");
+    EXPECT_EQ(
+        transformed(*in, sheet("<b><xsl:value-of select='count(xalan:nodeset(\"s\"))'/></b>")),
+        "<b>1</b>");
+}
+
+TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheetsPlace) {
+    std::filesystem::create_directory(m_folder.path("sheets"));
+    m_folder.write("sheets/base.xsl", stylesheet("<xsl:template match='a'><c/></xsl:template>"));
+    m_folder.write("sheets/more.xsl", stylesheet("<xsl:template name='more'><m/></xsl:template>"));
+    m_folder.write("sheets/data.xml", "<d>far</d>");
+    const std::string file = m_folder.write(
+        "sheets/main.xsl",
+        stylesheet(
+            "<xsl:import href='base.xsl'/><xsl:include href='more.xsl'/>"
+            "<xsl:output omit-xml-declaration='yes'/><xsl:template "
+            "match='/'><b><xsl:apply-templates/>"
+            "<xsl:call-template name='more'/><xsl:value-of select='document(\"data.xml\")/d'/>"
+            "<xsl:value-of select='count(document(\"\")/*)'/></b></xsl:template>"));
+    EXPECT_EQ(transformed(*parsed("<a/>"), file), "<b><c/><m/>far1</b>");
+}
+
+TEST_P(InMemoryTransformTest, KnowsIdsKeysAndStrippedSpace) {
+    const Holder in = parsed("<!DOCTYPE a [<!ATTLIST b i ID #IMPLIED>]>"
+                             "<a> <b i='one'>1</b> <b i='two'>2</b> </a>");
+    const std::string file = m_folder.write(
+        "k.xsl",
+        stylesheet(
+            "<xsl:output method='text'/><xsl:strip-space elements='*'/>"
+            "<xsl:key name='k' match='b' use='.'/><xsl:template match='/'>"
+            "<xsl:value-of select='concat(id(\"two\"), key(\"k\", \"1\")/@i, count(a/text()))'/>"
+            "</xsl:template>"));
+    EXPECT_EQ(transformed(*in, file), "2one0");
+}
+
+TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersAsTheOtherRoadsDo) {
+    const std::string text = "<a><i>b</i><i>C</i><i>a</i><i>A</i><i>\xC3\xA4</i></a>";
+    const std::string file =
+        sheet("<b><xsl:for-each select='a/i'><xsl:sort/><xsl:value-of select='.'/></xsl:for-each>"
+              "<xsl:value-of select='format-number(1234.5, \"#,##0.00\")'/></b>");
+    const std::string inMemory = transformed(*parsed(text), file);
+    EXPECT_EQ(inMemory, "<b>aA\xC3\xA4"
+                        "bC1,234.50</b>");
+    std::istringstream source(text);
+    std::ostringstream streamed;
+    EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), streamed), 0);
+    EXPECT_EQ(streamed.str(), inMemory + '\0');
+}
+
+TEST_P(InMemoryTransformTest, AFailedParseOfTheInputIsTheResult) {
+    const Holder in = m_transformer.createDom2Dom();
+    in->InitializeInputSource("<a>");
+    const std::string reason = m_transformer.getLastError();
+    Inspector::ownError(m_transformer) = "left by an earlier operation";
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
+    EXPECT_EQ(m_transformer.getLastError(), reason);
+    EXPECT_TRUE(Inspector::ownError(m_transformer).empty());
+}
+
+TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
+    const Holder in = parsed("<a/>");
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
+    EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("SAXParseException: ", 0), 0U)
+        << m_transformer.getLastError();
+    EXPECT_EQ(transform(*in, "", *out), -2);
+    EXPECT_EQ(transform(*in, m_folder.path(""), *out), -2);
+    const std::string malformed = m_folder.write("bad.xsl", "<x>\n</y>");
+    EXPECT_EQ(transform(*in, malformed, *out), -2);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("bad.xsl, line 2, column "),
+              std::string::npos)
+        << m_transformer.getLastError();
+
+    // Nothing was delivered: the holder still takes a result.
+    EXPECT_EQ(transform(*in, sheet("<b/>"), *out), 0);
+    EXPECT_EQ(serialized(*out), asSerialized("<b/>"));
+}
+
+TEST_P(InMemoryTransformTest, ReportsFaultsOfTheStylesheet) {
+    struct Fault {
+        const char* content;
+        int result;
+        const char* part;
+    };
+    for (const Fault& fault : {
+             Fault{"<xsl:foo/>", -1, "Type is: XSLTProcessorException\n"},
+             Fault{"<xsl:value-of select='a['/>", -1, "XSLTProcessorException"},
+             Fault{"<xsl:value-of select='count(1,2)'/>", -1, "Exception"},
+             Fault{"<xsl:value-of select='vexa:none()'/>", -1, "Type is: XalanXPathException\n"},
+             Fault{"<xsl:value-of select='vexa:TimerStart()'/>", -1,
+                   "tqfunc:TimerStart() function takes 1 argument!"},
+             Fault{"<xsl:message terminate='yes'>enough</xsl:message>", -1,
+                   "Type is: ElemMessageTerminateExpression\nMessage is: enough ("},
+             Fault{"<xsl:call-template name='none'/>", -1, "XSLException"},
+             Fault{"only text", -4, "XalanDOMException[3] occured.\n"},
+         }) {
+        const Holder in = parsed("<a/>");
+        const Holder out = output();
+        EXPECT_EQ(transform(*in, sheet(fault.content), *out), fault.result) << fault.content;
+        EXPECT_NE(std::string(m_transformer.getLastError()).find(fault.part), std::string::npos)
+            << m_transformer.getLastError();
+        EXPECT_EQ(transformed(*in, sheet("<b/>")), "<b/>");
+    }
+}
+
+TEST_P(InMemoryTransformTest, ASecondResultFailsAndLeavesTheFirstIntact) {
+    const Holder in = parsed("<a/>");
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(transform(*in, sheet("<second/>"), *out), -4);
+        EXPECT_STREQ(m_transformer.getLastError(), "XalanDOMException[3] occured.\n");
+        EXPECT_EQ(serialized(*out), asSerialized("<first/>"));
+    }
+}
+
+TEST_P(InMemoryTransformTest, AnOutputSurvivesARunThatFailedHalfWay) {
+    const Holder in = parsed("<a/>");
+    const std::string failing =
+        sheet("<b><c><xsl:message terminate='yes'>enough</xsl:message></c></b>");
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, failing, *out), -1);
+    // What was begun stays in the holder, so that it takes no second result.
+    EXPECT_EQ(transform(*in, failing, *out), -4);
+    EXPECT_EQ(transform(*in, failing, *out), -4);
+    std::string ignored;
+    query(*out, "string(/)", ignored);
+    std::ostringstream text;
+    out->Serialize(text);
+    EXPECT_EQ(transformed(*in, sheet("<b/>")), "<b/>");
+}
+
+TEST_P(InMemoryTransformTest, AStreamOutputTakesSeveralResults) {
+    const Holder in = parsed("<a/>");
+    std::ostringstream text;
+    const Holder out = output(text);
+    EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
+    EXPECT_EQ(transform(*in, sheet("<second/>"), *out), 0);
+    EXPECT_EQ(text.str(), "<first/><second/>");
+}
+
+TEST_P(InMemoryTransformTest, ReportsAStreamThatDoesNotTakeTheResult) {
+    const Holder in = parsed("<a/>");
+    std::ofstream full("/dev/full");
+    const Holder out = output(full);
+    EXPECT_EQ(transform(*in, sheet("<b>" + std::string(100'000, 'x') + "</b>"), *out), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("XalanStdOutputStreamWriteException"),
+              std::string::npos);
+}
+
+TEST_P(InMemoryTransformTest, NoHolderInAnyStateMakesItCrash) {
+    std::ostringstream stream;
+    const auto holders = [&] {
+        std::vector<Holder> all;
+        all.push_back(m_transformer.createDom2Dom()); // never initialised
+        all.push_back(parsed("<a>x</a>"));
+        all.push_back(m_transformer.createDom2Dom());
+        all.back()->InitializeInputSource("<a>"); // failed
+        all.push_back(output());                  // no result yet
+        all.push_back(output());
+        const Holder in = parsed("<r/>");
+        EXPECT_EQ(transform(*in, sheet("<b>y</b>"), *all.back()), 0);
+        all.push_back(output(stream));
+        return all;
+    };
+    const std::string usesSlash = sheet("<c><xsl:value-of select='count(//*)'/></c>");
+    for (std::size_t i = 0; i < 6; ++i) {
+        for (std::size_t k = 0; k < 6; ++k) {
+            const auto ins = holders();
+            const auto outs = holders();
+            const int result = transform(*ins[i], usesSlash, *outs[k]);
+            const bool goodInput = i == 1 || i == 4;
+            const bool goodOutput = k == 3 || k == 5;
+            EXPECT_EQ(result == 0, goodInput && goodOutput) << i << " into " << k;
+            // The reason of a failed parse is the engine's, and goes with the engine's next parse.
+            const bool told = i != 2 && result != 0;
+            EXPECT_EQ(told, *m_transformer.getLastError() != '\0') << i << " into " << k;
+        }
+        // The same holder as input and output.
+        const auto both = holders();
+        EXPECT_NE(transform(*both[i], usesSlash, *both[i]), 0) << i;
+    }
+    EXPECT_EQ(transformed(*parsed("<a/>"), sheet("<b/>")), "<b/>");
+}
+
+TEST_P(InMemoryTransformTest, TellsWhatIsMissing) {
+    const Holder in = parsed("<a/>");
+    EXPECT_EQ(transform(*in, sheet("<b/>"), *m_transformer.createDom2Dom()), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("result target"), std::string::npos)
+        << m_transformer.getLastError();
+    const Holder out = output();
+    EXPECT_EQ(transform(*output(), sheet("<b/>"), *out), -1);
+    EXPECT_STREQ(
+        m_transformer.getLastError(),
+        "\nXSLException Type is: XSLTProcessorException\nMessage is: The input document has "
+        "no document element. (Unknown URI, line -1, column -1)\n");
+    EXPECT_EQ(transform(*m_transformer.createDom2Dom(), sheet("<b/>"), *out), -2);
+    EXPECT_STRNE(m_transformer.getLastError(), "");
+}
+
+TEST_P(InMemoryTransformTest, ClearsAnEarlierReportAndTheFileRoadDoesTooButNotTheStreamRoad) {
+    const Holder in = parsed("<a/>");
+    const std::string good = sheet("<b/>");
+    const std::string source = m_folder.write("a.xml", "<a/>");
+    const auto fail = [&] {
+        EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *output()), -2);
+        EXPECT_STRNE(m_transformer.getLastError(), "");
+    };
+    fail();
+    EXPECT_EQ(transformed(*in, good), "<b/>");
+    EXPECT_STREQ(m_transformer.getLastError(), "");
+
+    fail();
+    EXPECT_EQ(m_transformer.doTransform(source.c_str(), good.c_str(), m_folder.path("o").c_str()),
+              0);
+    EXPECT_STREQ(m_transformer.getLastError(), "");
+
+    fail();
+    const std::string report = m_transformer.getLastError();
+    std::istringstream stream("<a/>");
+    std::ostringstream text;
+    EXPECT_EQ(m_transformer.doTransform(stream, good.c_str(), text), 0);
+    EXPECT_EQ(m_transformer.getLastError(), report);
+    std::istringstream malformed("<a>");
+    EXPECT_NE(m_transformer.doTransform(malformed, good.c_str(), text), 0);
+    EXPECT_EQ(m_transformer.getLastError(), report);
+}
+
+TEST_P(InMemoryTransformTest, RunsInTwoThreadsWithATransformerEach) {
+    const std::string file = sheet("<b><xsl:value-of select='count(//i)'/></b>");
+    const auto work = [&file](int items) {
+        VEXAXslTransformer transformer;
+        std::string text = "<a>";
+        for (int i = 0; i < items; ++i) {
+            text += "<i/>";
+        }
+        text += "</a>";
+        for (int i = 0; i < 50; ++i) {
+            const Holder in = transformer.createDom2Dom();
+            const Holder out = transformer.createDom2Dom();
+            ASSERT_TRUE(in->InitializeInputSource(text.c_str()));
+            ASSERT_TRUE(out->InitializeOutputTarget());
+            ASSERT_EQ(transformer.doTransform(*in, file.c_str(), *out), 0);
+            std::ostringstream result;
+            ASSERT_EQ(transformer.doXPath(*out, "string(/b)", result), 0);
+            ASSERT_EQ(result.str(), std::to_string(items));
+        }
+    };
+    std::thread one(work, 1), two(work, 20);
+    one.join();
+    two.join();
+}
+
+OVER_BOTH_TREES(InMemoryTransformTest);

@@ -1,0 +1,74 @@
+/**
+ * @file
+ * What is in memory goes when its holders go. Blocks are counted, in a memory manager of the
+ * host's.
+ */
+#include "support/CountingMemoryManager.h"
+#include "support/TestFiles.h"
+#include "support/TestFunctions.h"
+
+#include <vexa/Dom2Dom.h>
+#include <vexa/TQXslTransformer.h>
+#include <vexa/VEXAXslTransformer.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include <xercesc/util/PlatformUtils.hpp>
+
+namespace {
+
+class MemoryGrowthTest : public ::testing::Test {
+protected:
+    MemoryGrowthTest() {
+        xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &m_memory);
+        TQXslTransformer_Initialize(nullptr);
+    }
+    ~MemoryGrowthTest() override {
+        TQXslTransformer_Terminate(nullptr);
+        xercesc::XMLPlatformUtils::Terminate();
+        EXPECT_EQ(m_memory.blocks(), 0U);
+        EXPECT_EQ(m_memory.foreignBlocks(), 0U);
+    }
+
+    CountingMemoryManager m_memory;
+    TemporaryFolder m_folder;
+};
+
+/** A transform, a query, a serialisation, and each of them failing. */
+void runOnce(VEXAXslTransformer& transformer, const std::string& good, const std::string& bad) {
+    auto in = transformer.createDom2Dom();
+    auto out = transformer.createDom2Dom();
+    auto failedOut = transformer.createDom2Dom();
+    auto failedIn = transformer.createDom2Dom();
+    std::ostringstream text;
+    EXPECT_TRUE(in->InitializeInputSource("<a><i>1</i><i>2</i></a>"));
+    EXPECT_FALSE(failedIn->InitializeInputSource("<a>"));
+    EXPECT_TRUE(out->InitializeOutputTarget());
+    EXPECT_TRUE(failedOut->InitializeOutputTarget());
+    EXPECT_EQ(transformer.doTransform(*in, good.c_str(), *out), 0);
+    EXPECT_EQ(transformer.doTransform(*in, bad.c_str(), *failedOut), -1);
+    EXPECT_EQ(transformer.doXPath(*out, "string(/b)", text), 0);
+    EXPECT_EQ(text.str(), "[2]");
+    EXPECT_EQ(transformer.doXPath(*out, "string(/b", text), -1);
+    EXPECT_EQ(out->Serialize(text), 0);
+}
+
+} // namespace
+
+TEST_F(MemoryGrowthTest, ThousandsOfOperationsInMemoryLeaveNothingBehind) {
+    const std::string good = m_folder.write(
+        "good.xsl",
+        stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:B(count(//i))'/></b>"));
+    const std::string bad = m_folder.write(
+        "bad.xsl", stylesheetWithRootTemplate("<b><c><xsl:message terminate='yes'/></c></b>"));
+    VEXAXslTransformer transformer;
+    transformer.installExternalFunction("B", BracketFunction());
+    runOnce(transformer, good, bad);
+    const std::size_t blocks = m_memory.blocks();
+    for (int i = 0; i < 1000; ++i) { // five operations each
+        runOnce(transformer, good, bad);
+    }
+    EXPECT_EQ(m_memory.blocks(), blocks);
+}

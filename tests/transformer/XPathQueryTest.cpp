@@ -1,0 +1,192 @@
+#include "support/InMemoryTest.h"
+#include "support/VEXAXslTransformerInspector.h"
+
+#include <fstream>
+#include <vector>
+
+using XPathQueryTest = InMemoryTest;
+
+TEST_P(XPathQueryTest, WritesAStringAsItsText) {
+    const Holder holder = parsed("<a><b>x</b></a>");
+    EXPECT_EQ(queried(*holder, "string(/a/b)"), "x");
+    EXPECT_EQ(queried(*holder, "'literal'"), "literal");
+    EXPECT_EQ(queried(*holder, "concat('<', string(//b), '&')"), "<x&");
+    EXPECT_EQ(queried(*holder, "string(/none)"), "");
+}
+
+TEST_P(XPathQueryTest, WritesASingleNodeAsXmlWithoutADeclaration) {
+    const Holder holder = parsed("<r><a i='1'>x<b/>&lt;&#945;</a><!--c--><?p d?>text</r>");
+    EXPECT_EQ(queried(*holder, "/r/a"), "<a i=\"1\">x<b/>&lt;\xCE\xB1</a>");
+    EXPECT_EQ(queried(*holder, "/r/comment()"), "<!--c-->");
+    EXPECT_EQ(queried(*holder, "/r/processing-instruction()"), "<?p d?>");
+    EXPECT_EQ(queried(*holder, "/r/text()"), "text");
+    EXPECT_EQ(queried(*parsed("<r/>"), "/").find("<?xml"), std::string::npos);
+}
+
+TEST_P(XPathQueryTest, WritesNothingForNoneOrSeveralNodes) {
+    const Holder holder = parsed("<a><item/><item/></a>");
+    EXPECT_EQ(queried(*holder, "/a/item"), "");
+    EXPECT_EQ(queried(*holder, "/a/none"), "");
+    EXPECT_EQ(queried(*holder, "/a/item[2]"), "<item/>");
+}
+
+TEST_P(XPathQueryTest, WritesNothingForANumberOrABoolean) {
+    const Holder holder = parsed("<a/>");
+    EXPECT_EQ(queried(*holder, "count(/a)"), "");
+    EXPECT_EQ(queried(*holder, "true()"), "");
+    EXPECT_EQ(queried(*holder, "1 = 2"), "");
+    EXPECT_EQ(queried(*holder, "string(count(/a))"), "1");
+    EXPECT_EQ(queried(*holder, "string(true())"), "true");
+}
+
+TEST_P(XPathQueryTest, ReportsAWrongExpression) {
+    const Holder holder = parsed("<a/>");
+    for (const char* wrong : {"a[", "(", "a b", "]", "//", "1 +", "nonsense()", "count()", "'open",
+                              "none:a", "a/none:b", "@", "!", "", " ", "\n"}) {
+        std::string result;
+        EXPECT_EQ(query(*holder, wrong, result), -1) << wrong;
+        EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("\nXSLException Type is: ", 0),
+                  0U)
+            << wrong << ": " << m_transformer.getLastError();
+        EXPECT_EQ(result, "");
+    }
+    EXPECT_EQ(queried(*holder, "string(count(a))"), "1");
+    EXPECT_STREQ(m_transformer.getLastError(), "");
+}
+
+TEST_P(XPathQueryTest, TellsThatAnEmptyExpressionIsEmpty) {
+    std::string result;
+    query(*parsed("<a/>"), "", result);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("The expression is empty."),
+              std::string::npos)
+        << m_transformer.getLastError();
+}
+
+TEST_P(XPathQueryTest, AFailedParseIsTheResult) {
+    const Holder holder = m_transformer.createDom2Dom();
+    holder->InitializeInputSource("<a>");
+    VEXAXslTransformerInspector::ownError(m_transformer) = "left by an earlier operation";
+    std::string result;
+    EXPECT_EQ(query(*holder, "a[", result), -2);
+    EXPECT_TRUE(VEXAXslTransformerInspector::ownError(m_transformer).empty());
+    EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("SAXParseException: ", 0), 0U);
+    EXPECT_EQ(result, "");
+}
+
+TEST_P(XPathQueryTest, KnowsThePrefixesThatTheDocumentDeclares) {
+    const Holder holder = parsed("<p:a xmlns:p='urn:p' xmlns:q='urn:q'><q:b>x</q:b></p:a>");
+    EXPECT_EQ(queried(*holder, "string(/p:a/q:b)"), "x");
+}
+
+TEST_P(XPathQueryTest, CallsNoFunctionsOfTheTransformer) {
+    const Holder holder = parsed("<a xmlns:v='" VEXA_XSL_EXTENSION_NAMESPACE "'/>");
+    std::string result;
+    EXPECT_EQ(query(*holder, "v:GetDateTime()", result), -1);
+}
+
+TEST_P(XPathQueryTest, WritesCharactersBeyondTheBasicPlaneWhole) {
+    const Holder holder = parsed("<a>\xF0\x9F\x98\x80 \xF0\xA0\xAE\xB7</a>");
+    EXPECT_EQ(queried(*holder, "string(/a)"), "\xF0\x9F\x98\x80 \xF0\xA0\xAE\xB7");
+    EXPECT_EQ(queried(*holder, "'\xF0\x9F\x98\x80'"), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(queried(*holder, "/a/text()"), "\xF0\x9F\x98\x80 \xF0\xA0\xAE\xB7");
+}
+
+TEST_P(XPathQueryTest, TakesOddCharactersInAnExpression) {
+    const Holder holder = parsed("<a/>");
+    std::ostringstream out;
+    const I18NString withNul("'a'\0'b'", nullptr, 7);
+    EXPECT_EQ(m_transformer.doXPath(*holder, withNul, out), 0); // it ends at the NUL
+    EXPECT_EQ(out.str(), "a");
+
+    const I18NString loneSurrogate(u"'\xD800'", -1, nullptr, nullptr);
+    out.str("");
+    EXPECT_EQ(m_transformer.doXPath(*holder, loneSurrogate, out), 0);
+    EXPECT_EQ(out.str(), "\xEF\xBF\xBD");
+}
+
+TEST_P(XPathQueryTest, NoHolderInAnyStateMakesItCrash) {
+    std::ostringstream stream;
+    std::vector<Holder> holders;
+    holders.push_back(m_transformer.createDom2Dom()); // never initialised
+    holders.push_back(output());                      // no result yet
+    holders.push_back(output(stream));                // no document
+    for (const Holder& holder : holders) {
+        for (const char* expression : {"/", "//a", "count(/)", "/a", "string(/)", "1", "a", "."}) {
+            std::string result;
+            EXPECT_EQ(query(*holder, expression, result), -1) << expression;
+            EXPECT_STREQ(
+                m_transformer.getLastError(),
+                "\nXSLException Type is: XalanXPathException\nMessage is: The holder has no "
+                "document to query. (Unknown URI, line -1, column -1)\n");
+        }
+    }
+}
+
+TEST_P(XPathQueryTest, QueriesAResult) {
+    const Holder in = parsed("<a/>");
+    const Holder out = output();
+    transform(*in, sheet("<b><c>1</c><c>2</c></b>"), *out);
+    EXPECT_EQ(queried(*out, "string(sum(/b/c))"), "3");
+    EXPECT_EQ(queried(*out, "/b/c[2]"), "<c>2</c>");
+}
+
+TEST_P(XPathQueryTest, ReportsAStreamThatDoesNotTakeTheText) {
+    const Holder holder = parsed("<a>" + std::string(100'000, 'x') + "</a>");
+    std::ofstream full("/dev/full");
+    EXPECT_EQ(m_transformer.doXPath(*holder, "/a", full), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("XalanStdOutputStreamWriteException"),
+              std::string::npos);
+}
+
+namespace {
+
+std::string repeated(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+} // namespace
+
+TEST_P(XPathQueryTest, RefusesExpressionsThatWouldOverflowTheStack) {
+    const Holder holder = parsed("<a/>");
+    for (int depth : {1001, 30'000, 300'000}) {
+        for (const std::string& expression : {
+                 repeated("(", depth) + "1" + repeated(")", depth),
+                 "a" + repeated("[a", depth) + repeated("]", depth),
+                 repeated("string(", depth) + "1" + repeated(")", depth),
+                 repeated("((", depth), // never closed
+             }) {
+            std::string result;
+            EXPECT_EQ(query(*holder, expression, result), -1) << depth;
+            EXPECT_NE(std::string(m_transformer.getLastError()).find("nested too deeply"),
+                      std::string::npos)
+                << m_transformer.getLastError();
+        }
+    }
+    for (const char* operation : {"+1", "-1", "*1", "=1", "!=1", "<1", " div 1", " mod 1"}) {
+        std::string result;
+        EXPECT_EQ(query(*holder, "1" + repeated(operation, 200'000), result), -1) << operation;
+        EXPECT_NE(std::string(m_transformer.getLastError()).find("nested too deeply"),
+                  std::string::npos);
+    }
+}
+
+TEST_P(XPathQueryTest, TakesLongExpressionsThatAreNotDeep) {
+    const Holder holder = parsed("<a i='1'/>");
+    EXPECT_EQ(queried(*holder, "string(" + repeated("(", 900) + "1" + repeated(")", 900) + ")"),
+              "1");
+    EXPECT_EQ(queried(*holder, "string(1" + repeated("+1", 4000) + ")"), "4001");
+    EXPECT_EQ(queried(*holder, "string(count(a[@i=0" + repeated(" or @i=1", 10'000) + "]))"), "1");
+    EXPECT_EQ(queried(*holder, "string(count(a" + repeated("|a", 10'000) + "))"), "1");
+    EXPECT_EQ(queried(*holder, "string(string-length('" + repeated("((", 10'000) + "'))"), "20000");
+    EXPECT_EQ(queried(*holder, "string(string-length(\"" + repeated("+[", 10'000) + "\"))"),
+              "20000");
+    EXPECT_EQ(
+        queried(*holder, "string(string-length(concat('a'" + repeated(",'a'", 10'000) + ")))"),
+        "10001");
+}
+
+OVER_BOTH_TREES(XPathQueryTest);

@@ -1,0 +1,68 @@
+#include <vexa/VEXAXslTransformer.h>
+
+#include "EngineStrings.h"
+#include "ExceptionReport.h"
+#include "ExpressionGuard.h"
+#include "PrivateEngine.h"
+#include "document/XmlWriter.h"
+
+#include <vexa/Dom2Dom.h>
+#include <vexa/TqXsltFunction.h>
+
+#include <ostream>
+
+#include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
+#include <xalanc/XPath/NodeRefListBase.hpp>
+#include <xalanc/XPath/XObject.hpp>
+#include <xalanc/XPath/XPathEvaluator.hpp>
+#include <xalanc/XPath/XalanXPathException.hpp>
+#include <xalanc/XalanDOM/XalanDocument.hpp>
+
+using xalanc::XalanDOMString;
+
+namespace {
+
+/** The engine crashes over many expressions where there is no document, or none with an element. */
+void refuseWithoutDocumentElement(const xalanc::XalanDocument* document) {
+    if (!document || !document->getDocumentElement()) {
+        throw xalanc::XalanXPathException(XalanDOMString("The holder has no document to query."),
+                                          engineMemory());
+    }
+}
+
+/** Only a string or a single node has a text. */
+void print(const xalanc::XObject& result, std::ostream& out) {
+    if (result.getType() == xalanc::XObject::eTypeNodeSet) {
+        const xalanc::NodeRefListBase& nodes = result.nodeset();
+        if (nodes.getLength() == 1) {
+            writeXml(out, nodes.item(0), XmlDeclaration::LeftOut);
+        }
+    } else if (result.getType() == xalanc::XObject::eTypeString) {
+        // The engine's own output would break characters beyond the basic plane.
+        out << TqXsltFunction::XalanDOMStringToI18NString(result.str()).c_str();
+    }
+}
+
+void query(xalanc::XalanDocument* document, const I18NString& expression, std::ostream& out) {
+    refuseWithoutDocumentElement(document);
+    PrivateEngine engine(nullptr);
+    engine.domSupport.setParserLiaison(&engine.parserLiaison);
+    xalanc::XPathEvaluator evaluator;
+    const xalanc::XalanDocumentPrefixResolver prefixResolver(document, XalanDOMString());
+    const XalanDOMString xpath = toEngineString(expression);
+    refuseTooDeepExpression({xpath.c_str(), xpath.length()});
+    const xalanc::XObjectPtr result =
+        evaluator.evaluate(engine.domSupport, document, xpath.c_str(), prefixResolver);
+    print(*result, out);
+}
+
+} // namespace
+
+int VEXAXslTransformer::doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out) {
+    m_strLastError = "";
+    if (holder.m_bInputInitialized && holder.m_nParseResult != 0) {
+        return holder.m_nParseResult;
+    }
+    return runGuarded(XPATH_QUERY, m_strLastError,
+                      [&] { query(holder.GetDocument(), expression, out); });
+}
