@@ -28,8 +28,9 @@ void EngineDiagnostics::dropReportOf(const std::string& reason) {
     if (begin == std::string::npos) {
         return;
     }
+    // The library may tell the place in other words.
     const auto textBegin = begin + std::string(FATAL_ERROR).size();
-    const auto textEnd = m_strHeld.find('\n', textBegin);
+    const auto textEnd = m_strHeld.find(" (Occurred in ", textBegin);
     if (reason.find(m_strHeld.substr(textBegin, textEnd - textBegin)) != std::string::npos) {
         m_strHeld.clear();
     }

@@ -1,15 +1,21 @@
 /**
  * @file
- * The library, started for as long as a command works.
+ * What all commands have around their work: the library started, a transformer as the options want
+ * it, and the time taken.
  */
 #pragma once
 
-#include <vexa/TQXslTransformer.h>
+#include "CommonOptions.h"
 
-class EngineSession {
-public:
-    EngineSession() { TQXslTransformer_Initialize(nullptr); }
-    EngineSession(const EngineSession&) = delete;
-    EngineSession& operator=(const EngineSession&) = delete;
-    ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
-};
+#include <functional>
+#include <string>
+
+/**
+ * Runs a command's work with a transformer.
+ *
+ * @param work  what to do
+ * @param phase what the work is called in the report of the time
+ * @throws WrongUsage for a wrong parameter, before any work; what the work throws
+ */
+void runWithTransformer(const CommonOptions& options, const std::string& phase,
+                        const std::function<void(VEXAXslTransformer&)>& work);

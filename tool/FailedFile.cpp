@@ -21,10 +21,6 @@ bool contains(const std::string& text, const std::string& part) {
     return !part.empty() && text.find(part) != std::string::npos;
 }
 
-std::string sourceName(const TransformDocuments& documents) {
-    return documents.source ? documents.source->asTyped() : STANDARD_INPUT;
-}
-
 /**
  * A source that was read as a stream has no system id: the engine then knows a line, but no entity.
  * A document that could not be opened at all is at line 0.
@@ -45,8 +41,9 @@ std::string failedFile(const std::string& reason, const TransformDocuments& docu
     if (documents.stylesheet.isSystemId(entity)) {
         return documents.stylesheet.asTyped();
     }
-    if (documents.source && documents.source->isSystemId(entity)) {
-        return documents.source->asTyped();
+    const InputName* const source = documents.source.document();
+    if (source && source->isSystemId(entity)) {
+        return source->asTyped();
     }
     if (!entity.empty()) {
         return displayName(entity);
@@ -54,9 +51,8 @@ std::string failedFile(const std::string& reason, const TransformDocuments& docu
     if (isAboutOutput(reason, documents)) {
         return documents.output;
     }
-    if (isAboutNamelessSource(reason) ||
-        (documents.source && contains(reason, documents.source->uri()))) {
-        return sourceName(documents);
+    if (isAboutNamelessSource(reason) || (source && contains(reason, source->uri()))) {
+        return documents.source.name();
     }
     return documents.stylesheet.asTyped();
 }

@@ -4,22 +4,20 @@
  */
 #pragma once
 
-#include "FileNames.h"
+#include "Source.h"
 
 #include <string>
 
 /** The documents of one transform, under the names that the user gave them. */
 struct TransformDocuments {
     const InputName& stylesheet;
-    /** Null where the source is standard input. */
-    const InputName* source;
+    const Source& source;
     /** What the user calls the place of the result. */
     std::string output;
     /** Where the result is really written; empty if that is no file. */
     std::string writePath;
 };
 
-constexpr const char* STANDARD_INPUT = "standard input";
 constexpr const char* STANDARD_OUTPUT = "standard output";
 
 /** The file that the reason names; failing that, the stylesheet. */

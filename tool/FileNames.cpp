@@ -63,12 +63,17 @@ InputName::InputName(std::string argument)
       m_strUri(m_bFile ? "file://" + escapeForUri(fs::absolute(m_strArgument).string())
                        : m_strArgument) {}
 
+bool InputName::isLocal() const {
+    return startsWith(m_strUri, "file:");
+}
+
 void InputName::checkReadable() const {
-    if (!m_bFile) {
+    if (!isLocal()) {
         return;
     }
+    const std::string path = displayName(m_strUri);
     struct stat status {};
-    if (stat(m_strArgument.c_str(), &status) != 0 || access(m_strArgument.c_str(), R_OK) != 0) {
+    if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) {
         throw Failure(m_strArgument, systemReason(errno));
     }
     if (S_ISDIR(status.st_mode)) {

@@ -6,6 +6,9 @@
 
 #include <string>
 
+/** What stands for standard input or standard output on the command line. */
+constexpr const char* STANDARD_STREAM = "-";
+
 /** A document that the engine is to read, as the user named it. */
 class InputName {
 public:
@@ -17,7 +20,11 @@ public:
     /** What the engine is to be given: a URI that stands for the file, whatever its name. */
     const std::string& uri() const { return m_strUri; }
 
+    /** Whether it was given as a file name, not as a URI. */
     bool isFile() const { return m_bFile; }
+
+    /** Whether it is a file, by its name or by a file URI. */
+    bool isLocal() const;
 
     /**
      * Looks whether the file is there to be read: the engine's own texts tell less.

@@ -5,10 +5,9 @@
 #include "EngineSession.h"
 #include "FailedFile.h"
 #include "Failure.h"
-#include "FileNames.h"
 #include "MemoryFile.h"
 #include "OutputFile.h"
-#include "Timing.h"
+#include "Source.h"
 #include "TrailingNulFilter.h"
 
 #include <vexa/VEXAXslTransformer.h>
@@ -20,11 +19,8 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
-#include <optional>
 
 namespace {
-
-constexpr const char* STANDARD_STREAM = "-";
 
 constexpr const char* DESCRIPTION = "Run one stylesheet over one document";
 
@@ -67,47 +63,23 @@ private:
 
     const TransformOptions& m_options;
     InputName m_stylesheet;
-    std::optional<InputName> m_source;
-    std::ifstream m_sourceFile;
+    Source m_source;
 };
 
 TransformRun::TransformRun(const TransformOptions& options)
-    : m_options(options), m_stylesheet(options.stylesheet) {
-    if (options.source != STANDARD_STREAM) {
-        m_source.emplace(options.source);
-    }
-}
+    : m_options(options), m_stylesheet(options.stylesheet), m_source(options.source) {}
 
 void TransformRun::run() {
-    const CommonOptions& common = m_options.common;
-    const auto parameters = parseParameters(common.parameters);
     m_stylesheet.checkReadable();
-    if (m_source) {
-        m_source->checkReadable();
-    }
-    VEXAXslTransformer::m_bUseXercesDOM = common.useXercesDom;
-
-    Timing timing;
-    {
-        const EngineSession session;
-        timing.endPhase("start of the engines");
-        VEXAXslTransformer transformer;
-        for (const auto& [name, value] : parameters) {
-            transformer.setStylesheetParam(name, value);
-        }
-        transform(transformer);
-        timing.endPhase("transform");
-    }
-    timing.endPhase("stop of the engines");
-    if (common.timing && !common.quiet) {
-        std::cerr << timing.report();
-    }
+    m_source.checkReadable();
+    runWithTransformer(m_options.common, "transform",
+                       [this](VEXAXslTransformer& transformer) { transform(transformer); });
 }
 
 void TransformRun::transform(VEXAXslTransformer& transformer) {
     if (m_options.output != STANDARD_STREAM) {
         transformToOutputFile(transformer);
-    } else if (m_source && !m_source->isFile()) {
+    } else if (!m_source.isStream()) {
         // Only the file road can read a URI, and it can write to nothing but a file.
         const MemoryFile result;
         takeFileRoad(transformer, STANDARD_OUTPUT, result.path());
@@ -122,7 +94,7 @@ void TransformRun::transform(VEXAXslTransformer& transformer) {
 
 void TransformRun::transformToOutputFile(VEXAXslTransformer& transformer) {
     OutputFile output(m_options.output);
-    if (m_source) {
+    if (m_source.document()) {
         takeFileRoad(transformer, m_options.output, output.writePath());
     } else {
         std::ofstream result(output.writePath(), std::ios::binary);
@@ -137,8 +109,8 @@ void TransformRun::transformToOutputFile(VEXAXslTransformer& transformer) {
 void TransformRun::takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
                                 const std::string& writePath) {
     runEngine(transformer, outputName, writePath, [&] {
-        return transformer.doTransform(toText(m_source->uri()), toText(m_stylesheet.uri()),
-                                       toText(writePath));
+        return transformer.doTransform(toText(m_source.document()->uri()),
+                                       toText(m_stylesheet.uri()), toText(writePath));
     });
 }
 
@@ -152,18 +124,15 @@ void TransformRun::takeStreamRoad(VEXAXslTransformer& transformer, const std::st
 }
 
 std::istream& TransformRun::openSource() {
-    if (!m_source) {
-        return std::cin;
+    std::istream& stream = m_source.open();
+    if (m_source.document()) {
+        // A stream has no base of its own: from its folder, the source's DTD and entities are
+        // found.
+        const std::filesystem::path path = displayName(m_source.document()->uri());
+        std::error_code ignored;
+        std::filesystem::current_path(path.parent_path(), ignored);
     }
-    m_sourceFile.open(m_source->asTyped(), std::ios::binary);
-    if (!m_sourceFile) {
-        throw Failure(m_source->asTyped(), systemReason(errno));
-    }
-    // A stream has no base of its own: from its folder, the source's DTD and entities are found.
-    std::error_code ignored;
-    std::filesystem::current_path(std::filesystem::absolute(m_source->asTyped()).parent_path(),
-                                  ignored);
-    return m_sourceFile;
+    return stream;
 }
 
 template <typename Road>
@@ -175,8 +144,7 @@ void TransformRun::runEngine(VEXAXslTransformer& transformer, const std::string&
     }
     const std::string reason = transformer.getLastError();
     diagnostics.dropReportOf(reason);
-    const TransformDocuments documents{m_stylesheet, m_source ? &*m_source : nullptr, outputName,
-                                       writePath};
+    const TransformDocuments documents{m_stylesheet, m_source, outputName, writePath};
     throw Failure(failedFile(reason, documents), readableReason(reason, documents));
 }
 

@@ -1,6 +1,8 @@
+#include "ChainCommand.h"
 #include "Failure.h"
 #include "TransformCommand.h"
 #include "VersionText.h"
+#include "XPathCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,9 +16,10 @@ namespace {
 constexpr const char* EXAMPLES = R"(Examples:
   vexa-xslt transform report.xsl orders.xml -o report.html
   vexa-xslt transform report.xsl orders.xml -p currency=EUR > report.html
-  curl -s http://host/orders.xml | vexa-xslt transform report.xsl | less
+  vexa-xslt chain orders.xml open-only.xsl report.xsl -o report.html
+  vexa-xslt xpath 'count(//order)' orders.xml
 
-Exit status: 0 done; 1 a transform or a file failed; 2 wrong usage.
+Exit status: 0 done; 1 a transform, query or file failed; 2 wrong usage.
 'vexa-xslt COMMAND --help' tells more about a command.)";
 
 /** CLI11 tells of a mistyped command only that one is missing. */
@@ -44,13 +47,16 @@ int tellWrongUsage(const CLI::App& app, const std::string& reason) {
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
 
-    CLI::App app("Runs XSLT 1.0 stylesheets over XML documents.", "vexa-xslt");
+    CLI::App app("Runs XSLT 1.0 stylesheets and XPath expressions over XML documents.",
+                 "vexa-xslt");
     app.set_version_flag("--version", versionText, "Print the version and exit");
     app.footer(EXAMPLES);
     app.require_subcommand(1);
 
     std::function<void()> command;
     addTransformCommand(app, command);
+    addChainCommand(app, command);
+    addXPathCommand(app, command);
 
     try {
         app.parse(argc, argv);

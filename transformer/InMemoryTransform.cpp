@@ -7,6 +7,8 @@
 
 #include <vexa/Dom2Dom.h>
 
+#include <iostream>
+
 #include <xalanc/XSLT/StylesheetConstructionContextDefault.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTProcessorException.hpp>
@@ -14,6 +16,7 @@
 #include <xalanc/XalanDOM/XalanDocument.hpp>
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
+#include <xalanc/XalanTransformer/XalanTransformerProblemListener.hpp>
 
 using xalanc::XalanDOMString;
 using xalanc::XSLTInputSource;
@@ -79,7 +82,10 @@ int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, D
 void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& stylesheet,
                                            Dom2Dom& out) {
     refuseWithoutDocumentElement(in.GetDocument());
+    // Messages of the stylesheet go where the engine transformer of the other transforms puts them.
+    xalanc::XalanTransformerProblemListener messages(engineMemory(), &std::cerr, nullptr);
     PrivateEngine engine(&m_mapFunctions);
+    engine.processor.setProblemListener(&messages);
     const PrefixResolverGuard resolverGuard(out.m_pFormatter.get());
 
     XSLTInputSource source;

@@ -91,7 +91,7 @@ TEST_P(Dom2DomTest, RefusesTextsThatAreNoDocuments) {
     EXPECT_FALSE(m_transformer.createDom2Dom()->InitializeInputSource(nullptr));
 }
 
-TEST_P(Dom2DomTest, ResolvesReferencesAgainstTheSystemId) {
+TEST_P(Dom2DomTest, FindsADtdAgainstTheSystemId) {
     m_folder.write("d.dtd", "<!ENTITY e 'entity'>");
     const std::string text = "<!DOCTYPE a SYSTEM 'd.dtd'><a>&e;</a>";
     const Holder holder = m_transformer.createDom2Dom();

@@ -137,6 +137,22 @@ TEST_P(InMemoryTransformTest, KnowsIdsKeysAndStrippedSpace) {
     EXPECT_EQ(transformed(*in, file), "2one0");
 }
 
+TEST_P(InMemoryTransformTest, HandsMessagesToStandardErrorAsTheOtherRoadsDo) {
+    const Holder in = parsed("<a/>");
+    const std::string file = sheet("<b/><xsl:message>a message</xsl:message>");
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(transformed(*in, file), "<b/>");
+    const std::string inMemory = ::testing::internal::GetCapturedStderr();
+
+    std::istringstream source("<a/>");
+    std::ostringstream output;
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), output), 0);
+    const std::string onStreamRoad = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(inMemory.rfind("XSLT message: a message", 0), 0U) << inMemory;
+    EXPECT_EQ(onStreamRoad.rfind("XSLT message: a message", 0), 0U) << onStreamRoad;
+}
+
 TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersAsTheOtherRoadsDo) {
     const std::string text = "<a><i>b</i><i>C</i><i>a</i><i>A</i><i>\xC3\xA4</i></a>";
     const std::string file =
@@ -169,7 +185,6 @@ TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
     EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("SAXParseException: ", 0), 0U)
         << m_transformer.getLastError();
     EXPECT_EQ(transform(*in, "", *out), -2);
-    EXPECT_EQ(transform(*in, m_folder.path(""), *out), -2);
     const std::string malformed = m_folder.write("bad.xsl", "<x>\n</y>");
     EXPECT_EQ(transform(*in, malformed, *out), -2);
     EXPECT_NE(std::string(m_transformer.getLastError()).find("bad.xsl, line 2, column "),
@@ -179,6 +194,13 @@ TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
     // Nothing was delivered: the holder still takes a result.
     EXPECT_EQ(transform(*in, sheet("<b/>"), *out), 0);
     EXPECT_EQ(serialized(*out), asSerialized("<b/>"));
+}
+
+TEST_P(InMemoryTransformTest, ADirectoryIsNoStylesheet) {
+    const Holder in = parsed("<a/>");
+    const Holder out = output();
+    EXPECT_EQ(transform(*in, m_folder.path(""), *out), -2);
+    EXPECT_STRNE(m_transformer.getLastError(), "");
 }
 
 TEST_P(InMemoryTransformTest, ReportsFaultsOfTheStylesheet) {

@@ -1,0 +1,94 @@
+#include "ToolTest.h"
+
+class ChainCommandTest : public ToolTest {
+protected:
+    ChainCommandTest() {
+        m_folder.write("one.xsl", stylesheetWithRootTemplate(
+                                      "<b><i><xsl:value-of select='a'/></i><i>2</i></b>"));
+        m_folder.write("two.xsl", stylesheetWithRootTemplate(
+                                      "<c n='{count(b/i)}'><xsl:value-of select='b/i[1]'/></c>"));
+        m_folder.write("three.xsl",
+                       stylesheet("<xsl:output method='text' encoding='UTF-8'/>"
+                                  "<xsl:template match='/'>[<xsl:value-of select='c'/> \xCE\xB1]"
+                                  "</xsl:template>"));
+    }
+
+    std::string file(const std::string& name) const { return readFile(m_folder.path(name)); }
+};
+
+TEST_F(ChainCommandTest, RunsStylesheetAfterStylesheet) {
+    EXPECT_EQ(tool("chain ok.xml ok.xsl").output, "<b>x</b>");
+    EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl").output, "<c n=\"2\">x</c>");
+    EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl three.xsl").output, "[x \xCE\xB1]");
+    EXPECT_EQ(tool("chain - one.xsl two.xsl <ok.xml").output, "<c n=\"2\">x</c>");
+    EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl --xerces-dom").output, "<c n=\"2\">x</c>");
+    EXPECT_EQ(tool("chain file://" + m_folder.path("ok.xml") + " one.xsl two.xsl").output,
+              "<c n=\"2\">x</c>");
+}
+
+TEST_F(ChainCommandTest, EqualsTheStepsDoneThroughFiles) {
+    const std::string sample = projectFile("samples/");
+    m_folder.write("copy.xsl",
+                   stylesheet("<xsl:template match='@*|node()'><xsl:copy><xsl:apply-templates "
+                              "select='@*|node()'/></xsl:copy></xsl:template>"));
+    EXPECT_EQ(
+        tool("chain '" + sample + "orders.xml' copy.xsl '" + sample + "report.xsl' -o chained.html")
+            .status,
+        0);
+    EXPECT_EQ(tool("transform copy.xsl '" + sample + "orders.xml' -o step.xml").status, 0);
+    // The same way through memory, as the order of attributes differs from the file road's.
+    EXPECT_EQ(tool("chain step.xml '" + sample + "report.xsl' -o stepped.html").status, 0);
+    EXPECT_GT(file("chained.html").size(), 10'000U);
+    EXPECT_TRUE(sameBytes(file("chained.html"), file("stepped.html")));
+}
+
+TEST_F(ChainCommandTest, WritesAFileWholeOrNotAtAll) {
+    EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl -o out").status, 0);
+    EXPECT_EQ(file("out"), "<c n=\"2\">x</c>");
+
+    m_folder.write("stop.xsl", stylesheetWithRootTemplate(
+                                   "<c>part</c><xsl:message terminate='yes'>enough</xsl:message>"));
+    EXPECT_EQ(tool("chain ok.xml one.xsl stop.xsl -o out").status, 1);
+    EXPECT_EQ(file("out"), "<c n=\"2\">x</c>");
+    EXPECT_EQ(tool("chain ok.xml stop.xsl one.xsl -o new").status, 1);
+    EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl one.xsl out stop.xsl three.xsl two.xsl");
+    expectFailure(tool("chain ok.xml one.xsl -o /dev/full"), 1, "/dev/full: ");
+    expectFailure(tool("chain ok.xml one.xsl >/dev/full"), 1, "standard output: ");
+}
+
+TEST_F(ChainCommandTest, PassesParametersToEveryStylesheet) {
+    m_folder.write("p.xsl",
+                   stylesheet("<xsl:output omit-xml-declaration='yes'/>"
+                              "<xsl:param name='p'/><xsl:template match='/'><a>"
+                              "<xsl:value-of select='concat(a, $p)'/></a></xsl:template>"));
+    EXPECT_EQ(tool("chain ok.xml p.xsl p.xsl p.xsl -p p=y").output, "<a>xyyy</a>");
+}
+
+TEST_F(ChainCommandTest, TellsWhichFileFailed) {
+    m_folder.write("bad.xml", "<a>");
+    m_folder.write("bad.xsl", "<x>\n</y>");
+    m_folder.write("fault.xsl", stylesheetWithRootTemplate("<xsl:value-of select='a['/>"));
+    m_folder.write("text.xsl", stylesheetWithRootTemplate("only text"));
+    expectFailure(tool("chain bad.xml one.xsl two.xsl"), 1, "bad.xml: SAXParseException: ");
+    expectFailure(tool("chain - one.xsl <bad.xml"), 1, "standard input: SAXParseException: ");
+    expectFailure(tool("chain ok.xml one.xsl bad.xsl"), 1,
+                  "bad.xsl: SAXParseException: ", "line 2");
+    expectFailure(tool("chain ok.xml fault.xsl one.xsl"), 1, "fault.xsl: XSLException ", "a[");
+    expectFailure(tool("chain ok.xml one.xsl fault.xsl"), 1, "fault.xsl: XSLException ", "a[");
+    expectFailure(tool("chain ok.xml text.xsl one.xsl"), 1,
+                  "text.xsl: XalanDOMException[3] occured.");
+    expectFailure(tool("chain none.xml one.xsl"), 1, "none.xml: No such file or directory");
+    expectFailure(tool("chain ok.xml one.xsl none.xsl"), 1, "none.xsl: No such file or directory");
+    expectFailure(tool("chain ok.xml"), 2, "", "STYLESHEET");
+    expectFailure(tool("chain http://none.example/a.xml one.xsl"), 2,
+                  "http://none.example/a.xml: ");
+}
+
+TEST_F(ChainCommandTest, HandsMessagesToStandardError) {
+    m_folder.write("m.xsl", stylesheetWithRootTemplate("<a/><xsl:message>a message</xsl:message>"));
+    const auto outcome = tool("chain ok.xml m.xsl m.xsl");
+    EXPECT_EQ(outcome.output, "<a/>");
+    const auto first = outcome.error.find("a message");
+    EXPECT_NE(outcome.error.find("a message", first + 1), std::string::npos) << outcome.error;
+    EXPECT_EQ(tool("chain ok.xml m.xsl m.xsl --quiet").error, "");
+}

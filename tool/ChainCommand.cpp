@@ -1,0 +1,129 @@
+#include "ChainCommand.h"
+
+#include "EngineDiagnostics.h"
+#include "EngineSession.h"
+#include "FailedFile.h"
+#include "Failure.h"
+#include "HolderInput.h"
+#include "OutputFile.h"
+
+#include <vexa/VEXAXslTransformer.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace {
+
+constexpr const char* DESCRIPTION = "Run stylesheet after stylesheet over one document, in memory";
+
+constexpr const char* MORE_HELP =
+    R"(Each stylesheet works on the result of the one before, without turning it into
+text. The last one's output settings say how the result is written. Parameters
+go to every stylesheet.
+
+Examples:
+  vexa-xslt chain orders.xml open-only.xsl report.xsl -o report.html
+  generate-orders | vexa-xslt chain - clean.xsl report.xsl -p currency=EUR)";
+
+struct ChainOptions {
+    std::string source;
+    std::vector<std::string> stylesheets;
+    std::string output = STANDARD_STREAM;
+    CommonOptions common;
+};
+
+/** One run of the command. */
+class ChainRun {
+public:
+    explicit ChainRun(const ChainOptions& options)
+        : m_options(options), m_source(options.source),
+          m_stylesheets(options.stylesheets.begin(), options.stylesheets.end()) {}
+
+    void run();
+
+private:
+    void chain(VEXAXslTransformer& transformer);
+    void chainTo(VEXAXslTransformer& transformer, const std::string& outputName,
+                 std::ostream& result);
+    void runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
+                 Dom2Dom& out, const std::string& outputName);
+
+    const ChainOptions& m_options;
+    Source m_source;
+    std::vector<InputName> m_stylesheets;
+};
+
+void ChainRun::run() {
+    m_source.checkReadable();
+    for (const InputName& stylesheet : m_stylesheets) {
+        stylesheet.checkReadable();
+    }
+    runWithTransformer(m_options.common, "transforms",
+                       [this](VEXAXslTransformer& transformer) { chain(transformer); });
+}
+
+void ChainRun::chain(VEXAXslTransformer& transformer) {
+    if (m_options.output == STANDARD_STREAM) {
+        chainTo(transformer, STANDARD_OUTPUT, std::cout);
+    } else {
+        OutputFile output(m_options.output);
+        std::ofstream result(output.writePath(), std::ios::binary);
+        chainTo(transformer, m_options.output, result);
+        output.commit();
+    }
+}
+
+void ChainRun::chainTo(VEXAXslTransformer& transformer, const std::string& outputName,
+                       std::ostream& result) {
+    auto current = parseSource(transformer, m_source, m_options.common.quiet);
+    for (const InputName& stylesheet : m_stylesheets) {
+        auto next = transformer.createDom2Dom();
+        if (&stylesheet == &m_stylesheets.back()) {
+            next->InitializeOutputTarget(result);
+        } else {
+            next->InitializeOutputTarget();
+        }
+        runStep(transformer, stylesheet, *current, *next, outputName);
+        current = std::move(next);
+    }
+    if (!result.flush()) {
+        throw Failure(outputName, systemReason(errno));
+    }
+}
+
+void ChainRun::runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
+                       Dom2Dom& out, const std::string& outputName) {
+    EngineDiagnostics diagnostics(m_options.common.quiet);
+    if (transformer.doTransform(in, toText(stylesheet.uri()), out) == 0) {
+        return;
+    }
+    const std::string reason = transformer.getLastError();
+    diagnostics.dropReportOf(reason);
+    const TransformDocuments documents{stylesheet, m_source, outputName, ""};
+    throw Failure(failedFile(reason, documents), readableReason(reason, documents));
+}
+
+} // namespace
+
+void addChainCommand(CLI::App& app, std::function<void()>& command) {
+    const auto options = std::make_shared<ChainOptions>();
+    CLI::App* const chain = app.add_subcommand("chain", DESCRIPTION);
+    chain->footer(MORE_HELP);
+    chain->add_option("SOURCE", options->source, "The document; -: standard input")
+        ->type_name("")
+        ->required();
+    chain->add_option("STYLESHEET", options->stylesheets, "The stylesheets, in their order")
+        ->type_name("")
+        ->required();
+    chain->add_option("-o,--output", options->output, "The result; none, or -: standard output")
+        ->type_name("OUTPUT");
+    addParameterOption(*chain, options->common);
+    addEngineOptions(*chain, options->common);
+    chain->callback([options, &command] { command = [options] { ChainRun(*options).run(); }; });
+}

@@ -1,0 +1,113 @@
+#include "XPathCommand.h"
+
+#include "EngineDiagnostics.h"
+#include "EngineSession.h"
+#include "FailedFile.h"
+#include "Failure.h"
+#include "HolderInput.h"
+#include "document/XmlWriter.h"
+
+#include <vexa/TqXsltFunction.h>
+#include <vexa/VEXAXslTransformer.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
+#include <xalanc/XPath/NodeRefListBase.hpp>
+#include <xalanc/XPath/XPathEvaluator.hpp>
+#include <xalanc/XalanDOM/XalanDocument.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+
+namespace {
+
+constexpr const char* DESCRIPTION = "Evaluate an XPath expression over a document";
+
+constexpr const char* MORE_HELP =
+    R"(Prints a string, a number or a boolean as its text, and of a node-set each node
+on a line of its own: an attribute as its value, any other node as XML. Prefixes
+are those that the document declares.
+
+Examples:
+  vexa-xslt xpath 'count(//order)' orders.xml
+  vexa-xslt xpath '//order[@state = "open"]/@id' orders.xml
+  curl -s http://host/orders.xml | vexa-xslt xpath 'string(//title[1])')";
+
+struct XPathOptions {
+    std::string expression;
+    std::string source = STANDARD_STREAM;
+    CommonOptions common;
+};
+
+void printNode(const xalanc::XalanNode& node) {
+    if (node.getNodeType() == xalanc::XalanNode::ATTRIBUTE_NODE) {
+        std::cout << TqXsltFunction::XalanDOMStringToI18NString(node.getNodeValue()).c_str();
+    } else {
+        writeXml(std::cout, &node, XmlDeclaration::LeftOut);
+    }
+    std::cout << '\n';
+}
+
+/** Prints what the library leaves unprinted: several nodes, an attribute, a number, a boolean. */
+void printOtherResult(xalanc::XalanDocument* document, const std::string& expression) {
+    xalanc::XalanSourceTreeDOMSupport domSupport;
+    xalanc::XPathEvaluator evaluator;
+    const xalanc::XalanDocumentPrefixResolver prefixResolver(document);
+    const xalanc::XObjectPtr result = evaluator.evaluate(
+        domSupport, document, xalanc::XalanDOMString(expression.c_str()).c_str(), prefixResolver);
+    if (result->getType() != xalanc::XObject::eTypeNodeSet) {
+        std::cout << TqXsltFunction::XalanDOMStringToI18NString(result->str()).c_str() << '\n';
+        return;
+    }
+    const xalanc::NodeRefListBase& nodes = result->nodeset();
+    for (xalanc::NodeRefListBase::size_type i = 0; i < nodes.getLength(); ++i) {
+        printNode(*nodes.item(i));
+    }
+}
+
+void evaluate(VEXAXslTransformer& transformer, Source& source, const XPathOptions& options) {
+    const auto holder = parseSource(transformer, source, options.common.quiet);
+    std::ostringstream text;
+    {
+        // The report of a wrong expression, which the engine prints too, is told once.
+        const EngineDiagnostics silence(true);
+        if (transformer.doXPath(*holder, toText(options.expression), text) != 0) {
+            throw Failure(source.name(), transformer.getLastError());
+        }
+    }
+    if (text.tellp() > 0) {
+        std::cout << text.str() << '\n';
+    } else {
+        printOtherResult(holder->GetDocument(), options.expression);
+    }
+    if (!std::cout.flush()) {
+        throw Failure(STANDARD_OUTPUT, systemReason(errno));
+    }
+}
+
+void runXPath(const XPathOptions& options) {
+    Source source(options.source);
+    source.checkReadable();
+    runWithTransformer(options.common, "query", [&](VEXAXslTransformer& transformer) {
+        evaluate(transformer, source, options);
+    });
+}
+
+} // namespace
+
+void addXPathCommand(CLI::App& app, std::function<void()>& command) {
+    const auto options = std::make_shared<XPathOptions>();
+    CLI::App* const xpath = app.add_subcommand("xpath", DESCRIPTION);
+    xpath->footer(MORE_HELP);
+    xpath->add_option("EXPRESSION", options->expression, "The expression")
+        ->type_name("")
+        ->required();
+    xpath->add_option("SOURCE", options->source, "The document; none, or -: standard input")
+        ->type_name("");
+    addEngineOptions(*xpath, options->common);
+    xpath->callback([options, &command] { command = [options] { runXPath(*options); }; });
+}
