@@ -18,6 +18,8 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 # vexa_own_code(TARGET): the rules for a target of ours; nothing of them reaches its users.
 function(vexa_own_code target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+  # The engine's libraries are built without assertions; its headers have to agree with them.
+  target_compile_definitions(${target} PRIVATE NDEBUG)
 endfunction()
 
 # vexa_shared_library(TARGET ALIAS OUTPUT_NAME): the common shape of our shared libraries.

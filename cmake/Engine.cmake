@@ -8,8 +8,6 @@ target_link_libraries(vexa_engine INTERFACE XalanC::XalanC XercesC::XercesC)
 # One of the engine's own headers includes another without its folder.
 target_include_directories(vexa_engine SYSTEM
                            INTERFACE "${XalanC_INCLUDE_DIR}/xalanc/PlatformSupport")
-# The engine's libraries are built without assertions; its headers have to agree with them.
-target_compile_definitions(vexa_engine INTERFACE NDEBUG)
 
 string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" _ "${XalanC_VERSION}")
 set(VEXA_ENGINE_NAMESPACE "xalanc_${CMAKE_MATCH_1}_${CMAKE_MATCH_2}")

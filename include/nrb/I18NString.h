@@ -38,15 +38,15 @@ using I18NNarrowConverter = std::string (*)(const char16_t* text, int length, co
  *
  * Encodings: narrow text without a named encoding travels in the platform's default encoding
  * (I18NGetPlatformDefaultEncoding). A named encoding is any name or alias that ICU knows, in upper
- * or lower case. Malformed input becomes U+FFFD; what cannot be written in a target encoding (a
- * character that it lacks, a lone surrogate) becomes U+FFFD, or "?" where the encoding lacks that
- * too.
+ * or lower case. Malformed input becomes U+FFFD. A lone surrogate is written as U+FFFD; a character
+ * that a target encoding lacks as "?".
  *
  * Threads: as for a standard container, any number of threads may call const operations of one
  * string at once (c_str included, although it caches); a change needs the string for itself.
  *
- * Exceptions: std::invalid_argument for an unknown encoding name, std::length_error for a text of
- * 2^31 or more units, std::bad_alloc. An operation that throws leaves the string as it was.
+ * Exceptions: std::invalid_argument for an unknown encoding name, std::length_error for a text
+ * whose other form could take 2 GiB or more, std::runtime_error where ICU fails, std::bad_alloc. An
+ * operation that throws leaves the string as it was.
  */
 class NRB_EXPORT I18NString {
 public:
@@ -135,6 +135,8 @@ private:
     struct NarrowForm;
 
     explicit I18NString(std::u16string text) noexcept : m_strText(std::move(text)) {}
+    static const NarrowForm* findForm(const NarrowForm* newest, const char* encoding,
+                                      I18NNarrowConverter converter);
     void dropNarrowForms() noexcept;
 
     std::u16string m_strText;

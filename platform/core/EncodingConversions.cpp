@@ -7,15 +7,20 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
+#include <unicode/utf16.h>
 
 namespace nrb {
 namespace {
 
 constexpr UChar32 REPLACEMENT_CHARACTER = 0xFFFD;
 
+[[noreturn]] void refuseLength() {
+    throw std::length_error("I18NString: the text is too long");
+}
+
 int32_t icuLength(std::size_t length) {
     if (length > static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
-        throw std::length_error("I18NString: the text is too long");
+        refuseLength();
     }
     return static_cast<int32_t>(length);
 }
@@ -54,11 +59,21 @@ Text measureAndConvert(Conversion convert) {
     if (status != U_BUFFER_OVERFLOW_ERROR) {
         check(status);
     }
+    if (length < 0) {
+        refuseLength();
+    }
     Text result(static_cast<std::size_t>(length), 0);
     status = U_ZERO_ERROR;
     convert(result.data(), length, &status);
     check(status);
     return result;
+}
+
+/** ICU counts in 32 bits, and does not notice when a result is longer. */
+void refuseWhereTooLong(int32_t units, int32_t mostBytesForOne) {
+    if (units > std::numeric_limits<int32_t>::max() / mostBytesForOne) {
+        refuseLength();
+    }
 }
 
 /** UTF-8 is what nearly every text is in, and ICU converts it without a converter object. */
@@ -79,6 +94,7 @@ std::u16string utf8ToUtf16(const char* text, int32_t length) {
 }
 
 std::string utf16ToUtf8(const std::u16string& text, int32_t length) {
+    refuseWhereTooLong(length, 3);
     return measureAndConvert<std::string>([&](char* target, int32_t capacity, UErrorCode* status) {
         int32_t needed = 0;
         u_strToUTF8WithSub(target, capacity, &needed, text.data(), length, REPLACEMENT_CHARACTER,
@@ -88,16 +104,42 @@ std::string utf16ToUtf8(const std::u16string& text, int32_t length) {
 }
 
 /**
- * ICU's own substitute in most encodings is the control character SUB, which nobody can read. A
- * substitute that the encoding lacks is refused by ICU.
+ * Text with U+FFFD for each lone surrogate: every Unicode encoding then has a form for every
+ * character.
  */
-void setReadableSubstitute(UConverter* converter) {
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_setSubstString(converter, u"\uFFFD", 1, &status);
-    if (U_FAILURE(status)) {
-        status = U_ZERO_ERROR;
-        ucnv_setSubstString(converter, u"?", 1, &status);
+std::u16string withoutLoneSurrogates(const std::u16string& text) {
+    std::u16string clean;
+    clean.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        UChar32 character = 0;
+        U16_NEXT_OR_FFFD(text.data(), i, text.size(), character);
+        UChar units[2];
+        int32_t length = 0;
+        U16_APPEND_UNSAFE(units, length, character);
+        clean.append(units, static_cast<std::size_t>(length));
     }
+    return clean;
+}
+
+/**
+ * ICU's own substitute in most encodings is the control character SUB, which nobody can read. It is
+ * left to the few encodings that lack a question mark.
+ */
+void U_CALLCONV writeQuestionMark(const void* /*context*/, UConverterFromUnicodeArgs* args,
+                                  const UChar* /*units*/, int32_t /*length*/, UChar32 /*character*/,
+                                  UConverterCallbackReason reason, UErrorCode* status) {
+    if (reason > UCNV_IRREGULAR) {
+        return;
+    }
+    static constexpr UChar QUESTION_MARK[] = u"?";
+    const UChar* source = QUESTION_MARK;
+    *status = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(args->converter, UCNV_FROM_U_CALLBACK_SUBSTITUTE, nullptr, nullptr,
+                          nullptr, status);
+    ucnv_cbFromUWriteUChars(args, &source, QUESTION_MARK + 1, 0, status);
+    // Running out of room is a status, too, and must not keep the callback from being put back.
+    UErrorCode putBack = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(args->converter, writeQuestionMark, nullptr, nullptr, nullptr, &putBack);
 }
 
 /** ICU's own callback turns some malformed bytes (in Shift_JIS, say) into SUB, not into U+FFFD. */
@@ -136,9 +178,14 @@ std::string utf16ToNarrow(const std::u16string& text, const char* encoding) {
         return utf16ToUtf8(text, units);
     }
     const icu::LocalUConverterPointer converter = openConverter(name);
-    setReadableSubstitute(converter.getAlias());
+    refuseWhereTooLong(units, ucnv_getMaxCharSize(converter.getAlias()));
+    UErrorCode callbackStatus = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(converter.getAlias(), writeQuestionMark, nullptr, nullptr, nullptr,
+                          &callbackStatus);
+    check(callbackStatus);
+    const std::u16string clean = withoutLoneSurrogates(text);
     return measureAndConvert<std::string>([&](char* target, int32_t capacity, UErrorCode* status) {
-        return ucnv_fromUChars(converter.getAlias(), target, capacity, text.data(), units, status);
+        return ucnv_fromUChars(converter.getAlias(), target, capacity, clean.data(), units, status);
     });
 }
 

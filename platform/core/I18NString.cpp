@@ -111,24 +111,33 @@ I18NString& I18NString::operator+=(const I18NString& tail) {
 
 const char* I18NString::c_str(const char* encoding, int* length,
                               I18NNarrowConverter converter) const {
-    NarrowForm* const newest = m_pNarrowForms.load(std::memory_order_acquire);
-    const NarrowForm* form = newest;
-    while (form && !form->isFor(encoding, converter)) {
-        form = form->next;
-    }
+    NarrowForm* newest = m_pNarrowForms.load(std::memory_order_acquire);
+    const NarrowForm* form = findForm(newest, encoding, converter);
     if (!form) {
-        // Two threads may each make the same form; both are kept, as both pointers are handed out.
         auto made = std::make_unique<NarrowForm>(m_strText, encoding, converter);
-        made->next = newest;
-        while (!m_pNarrowForms.compare_exchange_weak(
-            made->next, made.get(), std::memory_order_release, std::memory_order_relaxed)) {
-        }
-        form = made.release();
+        do {
+            made->next = newest;
+            if (m_pNarrowForms.compare_exchange_weak(newest, made.get(), std::memory_order_acq_rel,
+                                                     std::memory_order_acquire)) {
+                form = made.release();
+            } else {
+                // Another thread was faster, perhaps with the same form.
+                form = findForm(newest, encoding, converter);
+            }
+        } while (!form);
     }
     if (length) {
         *length = toInt(form->text.size());
     }
     return form->text.c_str();
+}
+
+const I18NString::NarrowForm* I18NString::findForm(const NarrowForm* newest, const char* encoding,
+                                                   I18NNarrowConverter converter) {
+    while (newest && !newest->isFor(encoding, converter)) {
+        newest = newest->next;
+    }
+    return newest;
 }
 
 I18NString I18NString::substring(int start, int end) const {

@@ -6,19 +6,21 @@
 
 namespace {
 
-/** A locale identifier in the form that ICU itself would write; empty where it is none. */
-std::string canonicalLocale(const char* language) {
-    char canonical[ULOC_FULLNAME_CAPACITY];
+using LocaleOperation = int32_t (*)(const char*, char*, int32_t, UErrorCode*);
+
+/** What an operation of ICU makes of a locale identifier; empty where it makes nothing. */
+std::string runIcu(LocaleOperation operation, const std::string& locale) {
+    char result[ULOC_FULLNAME_CAPACITY];
     UErrorCode status = U_ZERO_ERROR;
-    const int32_t length = uloc_getBaseName(language, canonical, ULOC_FULLNAME_CAPACITY, &status);
-    return U_SUCCESS(status) && length < ULOC_FULLNAME_CAPACITY ? canonical : "";
+    const int32_t length = operation(locale.c_str(), result, ULOC_FULLNAME_CAPACITY, &status);
+    return U_SUCCESS(status) && length < ULOC_FULLNAME_CAPACITY ? result : "";
 }
 
-std::string parentLocale(const std::string& locale) {
-    char parent[ULOC_FULLNAME_CAPACITY];
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_getParent(locale.c_str(), parent, ULOC_FULLNAME_CAPACITY, &status);
-    return U_SUCCESS(status) ? parent : "";
+/** A language in the form that ICU itself would write, without encoding and keywords. */
+std::string canonicalLocale(const char* language) {
+    std::string locale = runIcu(uloc_getBaseName, runIcu(uloc_canonicalize, language));
+    locale.erase(locale.find_last_not_of('_') + 1);
+    return locale;
 }
 
 } // namespace
@@ -35,7 +37,7 @@ void NRBMessage::format(const char* language, const char* fallbackLanguage, I18N
 bool NRBMessage::formatInLanguageOrParent(const char* language, I18NString& out) const {
     // ICU would take a null language for the process's own locale.
     std::string locale = language ? canonicalLocale(language) : std::string();
-    for (; !locale.empty(); locale = parentLocale(locale)) {
+    for (; !locale.empty(); locale = runIcu(uloc_getParent, locale)) {
         if (findText(locale.c_str(), out)) {
             return true;
         }

@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <thread>
+#include <unicode/ucnv.h>
 #include <vector>
 
 namespace {
@@ -86,10 +87,29 @@ TEST(I18NString, SubstitutesWhatAnEncodingCannotExpress) {
     EXPECT_EQ(inEncoding(text, "ISO-8859-1"), "x?y");
     EXPECT_EQ(inEncoding(text, "US-ASCII"), "x?y");
 
-    const I18NString loneSurrogate = fromUtf16(u"a\xD800z");
-    EXPECT_STREQ(loneSurrogate.c_str(), "a\xEF\xBF\xBDz");
-    EXPECT_EQ(inEncoding(loneSurrogate, "US-ASCII"), "a?z");
-    EXPECT_EQ(utf16(loneSurrogate), u"a\xD800z");
+    EXPECT_EQ(inEncoding(text, "Shift_JIS"), "x\x83\xBFy");
+    EXPECT_EQ(inEncoding(I18NString("\xF0\x9F\x98\x80"), "Shift_JIS"), "?");
+}
+
+TEST(I18NString, WritesALoneSurrogateAsAReplacementCharacter) {
+    const I18NString text = fromUtf16(u"a\xD800z");
+    EXPECT_EQ(utf16(text), u"a\xD800z");
+    EXPECT_STREQ(text.c_str(), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(inEncoding(text, "UTF-16LE"), std::string("a\0\xFD\xFFz\0", 6));
+    EXPECT_EQ(inEncoding(text, "UTF-16").size(), 8U); // one byte order mark, at the beginning
+    EXPECT_EQ(inEncoding(text, "CESU-8"), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(inEncoding(text, "US-ASCII"), "a?z");
+    EXPECT_STREQ(fromUtf16(u"\xDC00\xD800").c_str(), "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(I18NString, WritesEveryEncodingThatIcuHas) {
+    const I18NString text = fromUtf16(u"a\u03B1\u4F60\U0001F600\xD800z");
+    for (int32_t i = 0; i < ucnv_countAvailable(); ++i) {
+        const char* const name = ucnv_getAvailableName(i);
+        const I18NString back(text.c_str(name), name);
+        EXPECT_FALSE(text.c_str(name) == nullptr) << name;
+    }
+    EXPECT_EQ(inEncoding(I18NString("x"), "x11-compound-text"), "x");
 }
 
 TEST(I18NString, KeepsANarrowFormUntilTheTextChanges) {
@@ -125,8 +145,10 @@ TEST(I18NString, GivesTwoThreadsTheNarrowFormOfOneConstantString) {
         std::vector<std::thread> threads;
         for (int i = 0; i < 2; ++i) {
             threads.emplace_back([&text] {
-                EXPECT_STREQ(text.c_str(), "\xCE\xB1\xCE\xB2\xCE\xB3");
+                const char* const narrow = text.c_str();
+                EXPECT_STREQ(narrow, "\xCE\xB1\xCE\xB2\xCE\xB3");
                 EXPECT_STREQ(text.c_str("ISO-8859-7"), "\xE1\xE2\xE3");
+                EXPECT_EQ(text.c_str(), narrow);
             });
         }
         for (std::thread& thread : threads) {

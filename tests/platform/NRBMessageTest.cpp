@@ -62,6 +62,18 @@ TEST(NRBMessage, TriesParentsBeforeTheFallback) {
     EXPECT_EQ(message.m_strLookups, "zh_Hant_TW zh_Hant zh de_CH de ");
 }
 
+TEST(NRBMessage, LooksForLanguagesInCanonicalForm) {
+    const TestMessage message(std::map<std::string, std::string>{});
+    for (const char* language : {"de_", "DE.UTF-8", "de@collation=phonebook", "de__"}) {
+        message.m_strLookups.clear();
+        message.in(language, nullptr);
+        EXPECT_EQ(message.m_strLookups, "de ") << language;
+    }
+    message.m_strLookups.clear();
+    message.in("zh_TW.Big5", nullptr);
+    EXPECT_EQ(message.m_strLookups, "zh_TW zh ");
+}
+
 TEST(NRBMessage, FallsBackWhereALanguageIsUnknownOrNone) {
     const TestMessage message(TEXTS);
     for (const char* unknown : {"xx", "tlh_KX", "", "42", "no language at all", "_"}) {
