@@ -64,7 +64,7 @@ void ChainRun::run() {
     for (const InputName& stylesheet : m_stylesheets) {
         stylesheet.checkReadable();
     }
-    runWithTransformer(m_options.common, "transforms",
+    runWithTransformer(m_options.common, m_source.name(), "transforms",
                        [this](VEXAXslTransformer& transformer) { chain(transformer); });
 }
 
@@ -100,13 +100,13 @@ void ChainRun::chainTo(VEXAXslTransformer& transformer, const std::string& outpu
 void ChainRun::runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
                        Dom2Dom& out, const std::string& outputName) {
     EngineDiagnostics diagnostics(m_options.common.quiet);
-    if (transformer.doTransform(in, toText(stylesheet.uri()), out) == 0) {
+    if (transformer.doTransform(in, stylesheet.forEngine(), out) == 0) {
         return;
     }
     const std::string reason = transformer.getLastError();
-    diagnostics.dropReportOf(reason);
+    const bool isAboutSource = diagnostics.dropReportOf(reason);
     const TransformDocuments documents{stylesheet, m_source, outputName, ""};
-    throw Failure(failedFile(reason, documents), readableReason(reason, documents));
+    throw Failure(failedFile(reason, documents, isAboutSource), readableReason(reason, documents));
 }
 
 } // namespace

@@ -4,6 +4,20 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
+#include <xercesc/util/XMLChar.hpp>
+
+namespace {
+
+/** A name without a prefix: for a prefix there is no place to declare it. */
+bool isName(const I18NString& text) {
+    const auto* const utf16 = static_cast<const char16_t*>(text.getExternalBuffer());
+    return xercesc::XMLChar1_0::isValidNCName(utf16, std::char_traits<char16_t>::length(utf16));
+}
+
+} // namespace
+
 void addParameterOption(CLI::App& command, CommonOptions& options) {
     command
         .add_option("-p,--param", options.parameters,
@@ -28,12 +42,16 @@ parseParameters(const std::vector<std::string>& arguments) {
         if (equals == std::string::npos || equals == 0) {
             throw WrongUsage("-p " + argument, "a parameter has the form NAME=VALUE");
         }
+        const I18NString name = toText(argument.substr(0, equals));
+        if (!isName(name)) {
+            throw WrongUsage("-p " + argument, "a parameter's name is a plain XML name");
+        }
         const std::string value = argument.substr(equals + 1);
         if (value.find('\'') != std::string::npos) {
             throw WrongUsage("-p " + argument,
                              "a value with an apostrophe cannot be passed to a stylesheet");
         }
-        parameters.emplace_back(toText(argument.substr(0, equals)), toText(value));
+        parameters.emplace_back(name, toText(value));
     }
     return parameters;
 }

@@ -1,11 +1,15 @@
 #include "EngineSession.h"
 
+#include "Failure.h"
 #include "Timing.h"
 
 #include <vexa/TQXslTransformer.h>
 #include <vexa/VEXAXslTransformer.h>
 
 #include <iostream>
+#include <new>
+
+#include <xercesc/util/OutOfMemoryException.hpp>
 
 namespace {
 
@@ -18,9 +22,22 @@ public:
     ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
 };
 
+/** Neither of the exceptions for a lack of memory tells whose fault it was. */
+void tellLackOfMemory(const std::string& sourceName, const std::function<void()>& work) {
+    constexpr const char* REASON = "there is not enough memory";
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        throw Failure(sourceName, REASON);
+    } catch (const xercesc::OutOfMemoryException&) {
+        throw Failure(sourceName, REASON);
+    }
+}
+
 } // namespace
 
-void runWithTransformer(const CommonOptions& options, const std::string& phase,
+void runWithTransformer(const CommonOptions& options, const std::string& sourceName,
+                        const std::string& phase,
                         const std::function<void(VEXAXslTransformer&)>& work) {
     const auto parameters = parseParameters(options.parameters);
     VEXAXslTransformer::m_bUseXercesDOM = options.useXercesDom;
@@ -33,7 +50,7 @@ void runWithTransformer(const CommonOptions& options, const std::string& phase,
         for (const auto& [name, value] : parameters) {
             transformer.setStylesheetParam(name, value);
         }
-        work(transformer);
+        tellLackOfMemory(sourceName, [&] { work(transformer); });
         timing.endPhase(phase);
     }
     timing.endPhase("stop of the engines");

@@ -13,9 +13,11 @@
 /**
  * Runs a command's work with a transformer.
  *
- * @param work  what to do
- * @param phase what the work is called in the report of the time
+ * @param sourceName what the user calls the source, which is to blame for a lack of memory
+ * @param phase      what the work is called in the report of the time
+ * @param work       what to do
  * @throws WrongUsage for a wrong parameter, before any work; what the work throws
  */
-void runWithTransformer(const CommonOptions& options, const std::string& phase,
+void runWithTransformer(const CommonOptions& options, const std::string& sourceName,
+                        const std::string& phase,
                         const std::function<void(VEXAXslTransformer&)>& work);

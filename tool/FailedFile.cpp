@@ -2,71 +2,73 @@
 
 #include "Failure.h"
 
+#include <filesystem>
 #include <regex>
 
 namespace {
 
-/** The system id in "(Occurred in entity 'ID', at line ...)"; empty where the engine knows none. */
-std::string entityOf(const std::string& reason) {
-    constexpr const char* BEGIN = "(Occurred in entity '";
-    const auto begin = reason.rfind(BEGIN);
-    if (begin == std::string::npos) {
-        return "";
-    }
-    const auto idBegin = begin + std::string(BEGIN).size();
-    return reason.substr(idBegin, reason.find("', at line", idBegin) - idBegin);
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return !part.empty() && text.find(part) != std::string::npos;
-}
-
 /**
- * A source that was read as a stream has no system id: the engine then knows a line, but no entity.
- * A document that could not be opened at all is at line 0.
+ * The system id in "(Occurred in entity 'ID', at line ...)", or in "(ID, line ...)" of an in-memory
+ * report; empty where the engine knows none.
  */
-bool isAboutNamelessSource(const std::string& reason) {
-    return contains(reason, "(Occurred in an unknown entity, at line ") &&
-           !contains(reason, "at line 0,");
+std::string entityOf(const std::string& reason) {
+    static const std::regex inMemory("\\((\\S+), line -?[0-9]+, column -?[0-9]+\\)\\s*$");
+    constexpr const char* BEGIN = "(Occurred in entity '";
+    std::smatch match;
+    const auto begin = reason.rfind(BEGIN);
+    if (begin != std::string::npos) {
+        const auto idBegin = begin + std::string(BEGIN).size();
+        return reason.substr(idBegin, reason.find("', at ", idBegin) - idBegin);
+    }
+    return std::regex_search(reason, match, inMemory) ? match[1].str() : "";
 }
 
-bool isAboutOutput(const std::string& reason, const TransformDocuments& documents) {
-    return contains(reason, documents.writePath) || contains(reason, "OutputStream");
+/** A stream has no base, so its entities are named relative to the folder it was read in. */
+std::string entityName(const std::string& systemId) {
+    const std::string name = displayName(systemId);
+    std::error_code ignored;
+    const bool isName = name.find("://") == std::string::npos;
+    return isName ? std::filesystem::absolute(name, ignored).string() : name;
+}
+
+bool isAboutOutput(const std::string& reason) {
+    static const std::regex outputException(
+        "^(\nXSLException Type is: )?Xalan(File|Std)OutputStream\\w*Exception");
+    return std::regex_search(reason, outputException);
 }
 
 } // namespace
 
-std::string failedFile(const std::string& reason, const TransformDocuments& documents) {
+std::string failedFile(const std::string& reason, const TransformDocuments& documents,
+                       bool isAboutSource) {
+    if (isAboutOutput(reason)) {
+        return documents.output;
+    }
     const std::string entity = entityOf(reason);
+    const InputName* const source = documents.source.document();
     if (documents.stylesheet.isSystemId(entity)) {
         return documents.stylesheet.asTyped();
     }
-    const InputName* const source = documents.source.document();
     if (source && source->isSystemId(entity)) {
         return source->asTyped();
     }
     if (!entity.empty()) {
-        return displayName(entity);
+        return entityName(entity);
     }
-    if (isAboutOutput(reason, documents)) {
-        return documents.output;
-    }
-    if (isAboutNamelessSource(reason) || (source && contains(reason, source->uri()))) {
-        return documents.source.name();
-    }
-    return documents.stylesheet.asTyped();
+    return isAboutSource ? documents.source.name() : documents.stylesheet.asTyped();
 }
 
 std::string readableReason(std::string reason, const TransformDocuments& documents) {
-    const auto path =
-        documents.writePath.empty() ? std::string::npos : reason.find(documents.writePath);
-    if (path != std::string::npos) {
-        reason.replace(path, documents.writePath.size(), documents.output);
+    const std::string written = "file: " + documents.writePath + ".";
+    const auto path = reason.find(written);
+    if (isAboutOutput(reason) && path != std::string::npos) {
+        reason.replace(path, written.size(), "file: " + documents.output + ".");
     }
+    static const std::regex errorNumber("(\\(errno\\) is |error code is ')([0-9]+)'?");
     std::smatch number;
-    if (std::regex_search(reason, number, std::regex("\\(errno\\) is ([0-9]+)"))) {
+    if (isAboutOutput(reason) && std::regex_search(reason, number, errorNumber)) {
         reason.insert(static_cast<std::size_t>(number.position() + number.length()),
-                      ", \"" + systemReason(std::stoi(number[1])) + "\"");
+                      ", \"" + systemReason(std::stoi(number[2])) + "\"");
     }
     return reason;
 }

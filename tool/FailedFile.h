@@ -20,8 +20,13 @@ struct TransformDocuments {
 
 constexpr const char* STANDARD_OUTPUT = "standard output";
 
-/** The file that the reason names; failing that, the stylesheet. */
-std::string failedFile(const std::string& reason, const TransformDocuments& documents);
+/**
+ * The file that the reason is about.
+ *
+ * @param isAboutSource whether the engine told that the source could not be parsed
+ */
+std::string failedFile(const std::string& reason, const TransformDocuments& documents,
+                       bool isAboutSource);
 
 /**
  * The reason for people: with the user's name for the result in place of the path it is written to,

@@ -4,8 +4,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
-#include <initializer_list>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -14,13 +15,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool startsWith(const std::string& text, const char* prefix) {
-    return text.rfind(prefix, 0) == 0;
-}
-
+/** Schemes are the same in capitals. */
 bool isUri(const std::string& argument) {
     for (const char* scheme : {"file:/", "http://", "https://", "ftp://"}) {
-        if (startsWith(argument, scheme)) {
+        if (strncasecmp(argument.c_str(), scheme, std::strlen(scheme)) == 0) {
             return true;
         }
     }
@@ -43,6 +41,16 @@ std::string escapeForUri(const std::string& path) {
     return escaped;
 }
 
+std::string uriOfFile(const std::string& name) {
+    std::error_code error;
+    const fs::path path = fs::absolute(name, error);
+    if (name.empty() || error) {
+        throw Failure(name.empty() ? "''" : name,
+                      name.empty() ? "an empty name is no file" : error.message());
+    }
+    return "file://" + escapeForUri(path.string());
+}
+
 std::string unescape(const std::string& text) {
     std::string plain;
     for (std::string::size_type i = 0; i < text.size(); ++i) {
@@ -60,11 +68,20 @@ std::string unescape(const std::string& text) {
 
 InputName::InputName(std::string argument)
     : m_strArgument(std::move(argument)), m_bFile(!isUri(m_strArgument)),
-      m_strUri(m_bFile ? "file://" + escapeForUri(fs::absolute(m_strArgument).string())
-                       : m_strArgument) {}
+      m_strUri(m_bFile ? uriOfFile(m_strArgument) : m_strArgument) {}
 
 bool InputName::isLocal() const {
-    return startsWith(m_strUri, "file:");
+    return strncasecmp(m_strUri.c_str(), "file:", 5) == 0;
+}
+
+I18NString InputName::forEngine() const {
+    I18NString text(m_strUri.c_str());
+    if (text.c_str() != m_strUri) {
+        throw Failure(m_strArgument, std::string("the name or its folder's name is not valid ") +
+                                         I18NGetPlatformDefaultEncoding() +
+                                         " text, which the engine needs");
+    }
+    return text;
 }
 
 void InputName::checkReadable() const {
@@ -87,7 +104,7 @@ bool InputName::isSystemId(const std::string& systemId) const {
 
 std::string displayName(const std::string& systemId) {
     for (const char* prefix : {"file:///", "file:/"}) {
-        if (startsWith(systemId, prefix)) {
+        if (strncasecmp(systemId.c_str(), prefix, std::strlen(prefix)) == 0) {
             return unescape(systemId.substr(std::string(prefix).size() - 1));
         }
     }

@@ -4,6 +4,8 @@
  */
 #pragma once
 
+#include <nrb/I18NString.h>
+
 #include <string>
 
 /** What stands for standard input or standard output on the command line. */
@@ -12,13 +14,19 @@ constexpr const char* STANDARD_STREAM = "-";
 /** A document that the engine is to read, as the user named it. */
 class InputName {
 public:
-    /** @param argument a file name, taken literally, or a URI of a scheme that the engine reads */
+    /**
+     * @param argument a file name, taken literally, or a URI of a scheme that the engine reads
+     * @throws Failure for an empty name, and where the working directory is gone
+     */
     explicit InputName(std::string argument);
 
     const std::string& asTyped() const { return m_strArgument; }
 
-    /** What the engine is to be given: a URI that stands for the file, whatever its name. */
+    /** A URI that stands for the file, whatever its name. */
     const std::string& uri() const { return m_strUri; }
+
+    /** The URI as the engine is to be given it. @throws Failure if it is no text to the engine */
+    I18NString forEngine() const;
 
     /** Whether it was given as a file name, not as a URI. */
     bool isFile() const { return m_bFile; }

@@ -12,10 +12,11 @@ std::unique_ptr<Dom2Dom> parseSource(VEXAXslTransformer& transformer, Source& so
     }
     EngineDiagnostics diagnostics(quiet);
     auto holder = transformer.createDom2Dom();
-    const std::string systemId = document ? document->uri() : "";
+    const I18NString systemId = document ? document->forEngine() : I18NString();
     if (!holder->InitializeInputSource(source.open(), systemId.c_str())) {
         const std::string reason = holder->getLastError();
         diagnostics.dropReportOf(reason);
+        source.checkRead();
         throw Failure(source.name(), reason);
     }
     return holder;

@@ -32,3 +32,9 @@ std::istream& Source::open() {
     }
     return m_file;
 }
+
+void Source::checkRead() const {
+    if ((m_document && m_file.bad()) || (!m_document && std::cin.bad())) {
+        throw Failure(name(), "it cannot be read");
+    }
+}

@@ -31,6 +31,9 @@ public:
     /** Opens it as a stream, which lives as long as this object. @throws Failure */
     std::istream& open();
 
+    /** The engine takes a stream that fails for one that ends. @throws Failure if it failed */
+    void checkRead() const;
+
 private:
     std::optional<InputName> m_document;
     std::ifstream m_file;

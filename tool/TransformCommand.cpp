@@ -72,7 +72,7 @@ TransformRun::TransformRun(const TransformOptions& options)
 void TransformRun::run() {
     m_stylesheet.checkReadable();
     m_source.checkReadable();
-    runWithTransformer(m_options.common, "transform",
+    runWithTransformer(m_options.common, m_source.name(), "transform",
                        [this](VEXAXslTransformer& transformer) { transform(transformer); });
 }
 
@@ -109,8 +109,8 @@ void TransformRun::transformToOutputFile(VEXAXslTransformer& transformer) {
 void TransformRun::takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
                                 const std::string& writePath) {
     runEngine(transformer, outputName, writePath, [&] {
-        return transformer.doTransform(toText(m_source.document()->uri()),
-                                       toText(m_stylesheet.uri()), toText(writePath));
+        return transformer.doTransform(m_source.document()->forEngine(), m_stylesheet.forEngine(),
+                                       toText(writePath));
     });
 }
 
@@ -119,7 +119,7 @@ void TransformRun::takeStreamRoad(VEXAXslTransformer& transformer, const std::st
     TrailingNulFilter withoutNul(*result.rdbuf());
     std::ostream output(&withoutNul);
     runEngine(transformer, outputName, "", [&] {
-        return transformer.doTransform(openSource(), toText(m_stylesheet.uri()), output);
+        return transformer.doTransform(openSource(), m_stylesheet.forEngine(), output);
     });
 }
 
@@ -143,9 +143,10 @@ void TransformRun::runEngine(VEXAXslTransformer& transformer, const std::string&
         return;
     }
     const std::string reason = transformer.getLastError();
-    diagnostics.dropReportOf(reason);
+    const bool isAboutSource = diagnostics.dropReportOf(reason);
+    m_source.checkRead();
     const TransformDocuments documents{m_stylesheet, m_source, outputName, writePath};
-    throw Failure(failedFile(reason, documents), readableReason(reason, documents));
+    throw Failure(failedFile(reason, documents, isAboutSource), readableReason(reason, documents));
 }
 
 } // namespace

@@ -72,12 +72,11 @@ void printOtherResult(xalanc::XalanDocument* document, const std::string& expres
 void evaluate(VEXAXslTransformer& transformer, Source& source, const XPathOptions& options) {
     const auto holder = parseSource(transformer, source, options.common.quiet);
     std::ostringstream text;
-    {
-        // The report of a wrong expression, which the engine prints too, is told once.
-        const EngineDiagnostics silence(true);
-        if (transformer.doXPath(*holder, toText(options.expression), text) != 0) {
-            throw Failure(source.name(), transformer.getLastError());
-        }
+    EngineDiagnostics diagnostics(options.common.quiet);
+    if (transformer.doXPath(*holder, toText(options.expression), text) != 0) {
+        const std::string reason = transformer.getLastError();
+        diagnostics.dropReportOf(reason);
+        throw Failure(source.name(), reason);
     }
     if (text.tellp() > 0) {
         std::cout << text.str() << '\n';
@@ -92,9 +91,9 @@ void evaluate(VEXAXslTransformer& transformer, Source& source, const XPathOption
 void runXPath(const XPathOptions& options) {
     Source source(options.source);
     source.checkReadable();
-    runWithTransformer(options.common, "query", [&](VEXAXslTransformer& transformer) {
-        evaluate(transformer, source, options);
-    });
+    runWithTransformer(
+        options.common, source.name(), "query",
+        [&](VEXAXslTransformer& transformer) { evaluate(transformer, source, options); });
 }
 
 } // namespace

@@ -6,7 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <exception>
+#include <fcntl.h>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -42,9 +44,46 @@ int tellWrongUsage(const CLI::App& app, const std::string& reason) {
     return EXIT_USAGE;
 }
 
+/**
+ * Standard streams that are closed from outside: without this, the next file to be opened would
+ * take their place. Each is opened so that using it fails.
+ */
+void holdStandardStreams() {
+    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) == -1) {
+            [[maybe_unused]] const int opened =
+                open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+int runCommand(const CLI::App& app, const std::function<void()>& command) {
+    try {
+        command();
+        return EXIT_DONE;
+    } catch (const WrongUsage& wrong) {
+        return tellWrongUsage(app, wrong.what());
+    } catch (const std::exception& failure) {
+        tellFailure(failure.what());
+    } catch (...) {
+        tellFailure("the engine gave up without a reason");
+    }
+    return EXIT_FAILED;
+}
+
+int printHelp(const CLI::App& app, const CLI::ParseError& request) {
+    app.exit(request);
+    if (std::cout.flush()) {
+        return EXIT_DONE;
+    }
+    tellFailure("standard output: " + systemReason(errno));
+    return EXIT_FAILED;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    holdStandardStreams();
     std::ios::sync_with_stdio(false);
 
     CLI::App app("Runs XSLT 1.0 stylesheets and XPath expressions over XML documents.",
@@ -62,19 +101,7 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool asked = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        return asked ? app.exit(error) : tellWrongUsage(app, reasonOf(app, error));
+        return asked ? printHelp(app, error) : tellWrongUsage(app, reasonOf(app, error));
     }
-
-    try {
-        command();
-        return EXIT_DONE;
-    } catch (const WrongUsage& wrong) {
-        return tellWrongUsage(app, wrong.what());
-    } catch (const std::exception& failure) {
-        tellFailure(failure.what());
-    } catch (...) {
-        // The engine has exceptions of its own for lack of memory.
-        tellFailure("the engine gave up without a reason");
-    }
-    return EXIT_FAILED;
+    return runCommand(app, command);
 }

@@ -15,7 +15,8 @@ public:
 
     /**
      * The present moment in the process's local time, in 17 digits: YYYYMMDDhhmmssmmm (year, month,
-     * day, hour, minute, second, millisecond), each field with leading zeros.
+     * day, hour, minute, second, millisecond), each field with leading zeros. The time zone is the
+     * one that the C library knows: after a change of the variable TZ, call tzset.
      *
      * @param kind which time stamp; 0 is the only kind there is, others are treated as 0
      */

@@ -28,7 +28,8 @@ extern "C" {
  *
  * @return 0
  * @throws whatever the engines throw while they start; the start then does not count, and a later
- *         one tries again
+ *         one tries again. An engine that ran out of memory in the middle of its own start may not
+ *         survive that
  */
 VEXA_EXPORT int TQXslTransformer_Initialize(const char* ignored);
 
@@ -39,6 +40,7 @@ VEXA_EXPORT int TQXslTransformer_Initialize(const char* ignored);
  * Threads: any thread, at any time.
  *
  * @return 0
+ * @throws whatever the engines throw while they stop; the stop then does not count
  */
 VEXA_EXPORT int TQXslTransformer_Terminate(const char* ignored);
 

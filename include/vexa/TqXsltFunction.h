@@ -22,9 +22,12 @@
  *
  *     class FunctionShout : public TqXsltFunction {
  *     public:
- *         xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode*,
- *                                    const XObjectArgVectorType& args,
- *                                    const xalanc::Locator*) const override {
+ *         xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context,
+ *                                    xalanc::XalanNode* node, const XObjectArgVectorType& args,
+ *                                    const xalanc::Locator* locator) const override {
+ *             if (args.size() != 1) { // ends the evaluation
+ *                 context.problem(context.eXPATH, context.eError, getError(), locator, node);
+ *             }
  *             I18NString text = XalanDOMStringToI18NString(args[0]->str(context));
  *             text += "!";
  *             return context.getXObjectFactory().createString(I18NStringToXalanDOMString(text));
@@ -37,7 +40,8 @@
  *
  * Ownership: the transformer and the engine work on clones, several of each function.
  *
- * Threads: a clone is called on the thread that runs the transform.
+ * Threads: a clone is called on the thread that runs the transform. It must not call the
+ * transformer that is running it.
  *
  * Exceptions: what `execute` throws ends the transform. An exception that is not one of the
  * engines' leaves the file and stream transforms as it is.
@@ -58,7 +62,7 @@ public:
      * @param context          the context node; may be null
      * @param args             the arguments, in order
      * @param locator          where the call stands; may be null
-     * @return the result
+     * @return the result; never null, which the engine does not survive
      */
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,

@@ -11,7 +11,11 @@
 #include <sstream>
 #include <typeinfo>
 
-#include <xalanc/XSLT/XSLTEngineImpl.hpp>
+#include <xalanc/PlatformSupport/XSLException.hpp>
+#include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XPath/XPathEnvSupportDefault.hpp>
+#include <xalanc/XPath/XPathExecutionContextDefault.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
 using xalanc::XalanDOMString;
@@ -91,6 +95,25 @@ TEST_F(TqXsltFunctionTest, TheEnginesCloneComesFromTheEnginesMemoryAndFreesItsFu
     EXPECT_EQ(memory.blocks(), 0U);
     EXPECT_EQ(memory.foreignBlocks(), 0U);
     EXPECT_EQ(ConstantFunction::s_alive, alive);
+}
+
+/** The engine's own calls with a fixed number of arguments report the error text. */
+TEST_F(TqXsltFunctionTest, ItsErrorTextReachesTheEngineThroughTheEnginesCloneToo) {
+    CountingMemoryManager memory;
+    const BracketFunction function;
+    xalanc::Function* const clone = static_cast<const TqXsltFunction&>(function).clone(memory);
+    xalanc::XalanSourceTreeDOMSupport domSupport;
+    xalanc::XPathEnvSupportDefault envSupport;
+    xalanc::XObjectFactoryDefault objectFactory;
+    xalanc::XPathExecutionContextDefault context(envSupport, domSupport, objectFactory);
+    try {
+        clone->execute(context, nullptr, nullptr);
+        ADD_FAILURE() << "no report";
+    } catch (const xalanc::XSLException& report) {
+        EXPECT_EQ(report.getMessage(), XalanDOMString("takes one argument"));
+    }
+    clone->~Function();
+    memory.deallocate(clone);
 }
 
 TEST_F(TqXsltFunctionTest, ACloneThatFindsNoMemoryLeavesNothingBehind) {

@@ -3,9 +3,17 @@
  * What each kind of failure gives on both roads: the result, and how the engine's text begins.
  */
 #include "support/TestFunctions.h"
+#include "support/ThrowingFunctions.h"
 #include "support/TransformTest.h"
 
+#include <nrb/NRBAssertError.h>
+
 #include <ostream>
+#include <stdexcept>
+
+#include <xalanc/XalanDOM/XalanDOMException.hpp>
+#include <xercesc/sax/SAXException.hpp>
+#include <xercesc/util/RuntimeException.hpp>
 
 namespace {
 
@@ -111,12 +119,102 @@ TEST_F(FileNameFailureTest, AnEmptyStylesheetNameIsReported) {
 TEST_F(FileNameFailureTest, AnOutputThatCannotBeOpenedIsReported) {
     expectFailureOfFiles(source(), m_sheet, m_folder.path("none/out"), -1, "none/out");
     expectFailureOfFiles(source(), m_sheet, m_folder.path(""), -1, "Error opening file");
-    expectFailureOfFiles(source(), m_sheet, "", -1, "");
+    expectFailureOfFiles(source(), m_sheet, "", -1, "There is no valid result target");
 }
 
 TEST_F(FileNameFailureTest, APercentSignInANameIsReadAsAnEscape) {
     const std::string odd = m_folder.write("100%.xml", "<a/>");
     expectFailureOfFiles(odd, m_sheet, m_output, -2, "invalid escape sequence");
+}
+
+namespace {
+
+using xalanc::XalanDOMString;
+
+/** Reports a problem as a function of the library does. */
+void reportProblem(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node) {
+    context.problem(xalanc::XPathExecutionContext::eXPATH, xalanc::XPathExecutionContext::eError,
+                    XalanDOMString("a problem"), static_cast<const xalanc::Locator*>(nullptr),
+                    node);
+}
+
+class ProblemFunction : public BracketFunction {
+public:
+    xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
+                               const XObjectArgVectorType&, const xalanc::Locator*) const override {
+        reportProblem(context, node);
+        return xalanc::XObjectPtr();
+    }
+    ProblemFunction* clone() const override { return new ProblemFunction(*this); }
+};
+
+} // namespace
+
+class FunctionFailureTest : public TransformTest {
+protected:
+    void expectFailureOfFunction(const TqXsltFunction& function, int result,
+                                 const std::string& text) {
+        m_transformer.installExternalFunction("F", function);
+        const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='vexa:F()'/></b>");
+        const auto files = onFileRoad(source(), sheet);
+        EXPECT_EQ(files.result, result);
+        EXPECT_NE(files.error.find(text), std::string::npos) << files.error;
+        const auto streams = onStreamRoad("<a/>", sheet);
+        EXPECT_EQ(streams.result, result);
+        EXPECT_EQ(streams.output.back(), '\0');
+        EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+    }
+};
+
+TEST_F(FunctionFailureTest, AProblemThatAFunctionReportsIsReported) {
+    expectFailureOfFunction(ProblemFunction(), -1, "a problem");
+}
+
+TEST_F(FunctionFailureTest, ExceptionsOfTheEnginesAreReported) {
+    expectFailureOfFunction(ThrowingFunctionOf([] { throw xercesc::SAXException(u"sax"); }), -2,
+                            "sax");
+    expectFailureOfFunction(ThrowingFunctionOf([] {
+                                throw xercesc::RuntimeException(
+                                    "file", 1, xercesc::XMLExcepts::CPtr_PointerIsZero);
+                            }),
+                            -3, "NULL pointer");
+    expectFailureOfFunction(
+        ThrowingFunctionOf(
+            [] { throw xalanc::XalanDOMException(xalanc::XalanDOMException::NOT_FOUND_ERR); }),
+        -4, "8");
+}
+
+TEST_F(FunctionFailureTest, AnAssertionPassesToTheCaller) {
+    m_transformer.installExternalFunction(
+        "F", ThrowingFunctionOf([] {
+            NRBAssertError(0, "it must hold").hurl(NRBFileLocation("f", 1), nullptr, "o");
+        }));
+    const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='vexa:F()'/></b>");
+    EXPECT_THROW(onFileRoad(source(), sheet), NRBAssertError);
+    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+}
+
+TEST_F(FunctionFailureTest, ACloneThatThrowsDuringATransformPassesToTheCaller) {
+    class CloneableOnce : public BracketFunction {
+    public:
+        explicit CloneableOnce(int clones) : m_nClones(clones) {}
+        CloneableOnce* clone() const override {
+            if (m_nClones == 0) {
+                throw std::runtime_error("no more clones");
+            }
+            return new CloneableOnce(m_nClones - 1);
+        }
+
+    private:
+        int m_nClones;
+    };
+    for (int clones = 1; clones <= 2; ++clones) {
+        m_transformer.installExternalFunction("F", CloneableOnce(clones));
+        const std::string sheet = sheetWithRootTemplate("<b/>");
+        EXPECT_THROW(onFileRoad(source(), sheet), std::runtime_error) << clones;
+        m_transformer.installExternalFunction("F", BracketFunction());
+        EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+    }
 }
 
 class ParameterFailureTest : public TransformTest {};

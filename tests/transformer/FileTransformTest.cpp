@@ -2,7 +2,7 @@
 #include "support/TransformTest.h"
 #include "support/VEXAXslTransformerInspector.h"
 
-#include <sys/resource.h>
+#include <xalanc/XercesParserLiaison/XercesDocumentWrapper.hpp>
 
 using Inspector = VEXAXslTransformerInspector;
 using FileTransformTest = TransformTest;
@@ -19,6 +19,7 @@ TEST_F(FileTransformTest, RefusesAnEmptySourceNameWithATextOfItsOwn) {
     const auto outcome = onFileRoad("", sheetWithRootTemplate("<b/>"));
     EXPECT_NE(outcome.result, 0);
     EXPECT_EQ(outcome.error, "The name of the source file is empty.");
+    EXPECT_EQ(outcome.result, -2);
     EXPECT_EQ(m_folder.list(), "sheet.xsl");
 
     EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
@@ -44,6 +45,20 @@ TEST_F(FileTransformTest, PassesParametersNowAndAtEveryLaterTransform) {
     EXPECT_EQ(onFileRoad(source(), sheet).output, "count(//a)=2+2");
     m_transformer.setStylesheetParam("p", "");
     EXPECT_EQ(onFileRoad(source(), sheet).output, "2+2");
+}
+
+TEST_F(FileTransformTest, ReplaysItsParametersAtEachTransform) {
+    const std::string sheet = m_folder.write(
+        "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/><xsl:template "
+                            "match='/'><xsl:value-of select='$p'/></xsl:template>"));
+    m_transformer.setStylesheetParam("p", "kept");
+    for (int i = 0; i < 2; ++i) {
+        // What the engine has been told is gone; what the facade remembers counts.
+        Inspector::engine(m_transformer).clearStylesheetParams();
+        EXPECT_EQ(onFileRoad(source(), sheet).output, "kept");
+        Inspector::engine(m_transformer).clearStylesheetParams();
+        EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("kept"));
+    }
 }
 
 TEST_F(FileTransformTest, ServesTheCallersFunctions) {
@@ -132,13 +147,37 @@ TEST_F(FileTransformTest, LetsAForeignExceptionPassAndWorksOn) {
     EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
 }
 
-TEST_F(FileTransformTest, GivesTheSameResultOverAXercesDom) {
-    const std::string sheet = sheetWithRootTemplate("<b><xsl:copy-of select='a'/></b>");
+namespace {
+
+/** Tells whether the document is a Xerces DOM. */
+class TreeFunction : public BracketFunction {
+public:
+    xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
+                               const XObjectArgVectorType&, const xalanc::Locator*) const override {
+        const auto* const document =
+            dynamic_cast<const xalanc::XercesDocumentWrapper*>(node->getOwnerDocument());
+        return context.getXObjectFactory().createString(
+            xalanc::XalanDOMString(document ? "Xerces" : "Xalan"));
+    }
+    TreeFunction* clone() const override { return new TreeFunction(*this); }
+};
+
+} // namespace
+
+TEST_F(FileTransformTest, ParsesIntoAXercesDomOnBothRoadsIfAskedTo) {
+    m_transformer.installExternalFunction("Tree", TreeFunction());
+    const std::string sheet = m_folder.write(
+        "tree.xsl", stylesheetWithRootTemplate("<xsl:for-each select='a'><b>"
+                                               "<xsl:value-of select='vexa:Tree()'/></b>"
+                                               "</xsl:for-each>"));
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b>Xalan</b>");
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("<b>Xalan</b>"));
     VEXAXslTransformer::m_bUseXercesDOM = true;
-    const auto withXercesDom = onFileRoad(source("<a i='1'>x<c/></a>"), sheet);
+    const auto files = onFileRoad(source(), sheet);
+    const auto streams = onStreamRoad("<a/>", sheet);
     VEXAXslTransformer::m_bUseXercesDOM = false;
-    EXPECT_EQ(withXercesDom.output, "<b><a i=\"1\">x<c/></a></b>");
-    EXPECT_EQ(withXercesDom.output, onFileRoad(source("<a i='1'>x<c/></a>"), sheet).output);
+    EXPECT_EQ(files.output, "<b>Xerces</b>");
+    EXPECT_EQ(streams.output, withNul("<b>Xerces</b>"));
 }
 
 TEST_F(FileTransformTest, ReportsAFullDisk) {

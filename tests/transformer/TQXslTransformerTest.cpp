@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
 #include <thread>
 #include <vector>
 
@@ -152,4 +153,12 @@ TEST(TQXslTransformer, AStartThatThrowsDoesNotCountAndIsTriedAgain) {
     xercesc::XMLPlatformUtils::Terminate();
     EXPECT_FALSE(enginesAreRunning());
     EXPECT_EQ(memory.blocks(), 0U);
+}
+
+TEST(TQXslTransformer, IsFoundByItsPlainNames) {
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "TQXslTransformer_Initialize"),
+              reinterpret_cast<void*>(&TQXslTransformer_Initialize));
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "TQXslTransformer_Terminate"),
+              reinterpret_cast<void*>(&TQXslTransformer_Terminate));
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "nrbVersionInfo"), &nrbVersionInfo);
 }
