@@ -1,7 +1,17 @@
-# Fails unless the README shows the example program word for word: -D README=... -D EXAMPLE=...
+# Fails unless the README shows an example program word for word, or its part between two lines
+# "// [shown in the README]": -D README=... -D EXAMPLE=...
+set(MARK "    // [shown in the README]\n")
 file(READ "${README}" readme)
-file(READ "${EXAMPLE}" example)
-string(FIND "${readme}" "```cpp\n${example}```" position)
+file(READ "${EXAMPLE}" shown)
+string(FIND "${shown}" "${MARK}" begin)
+string(FIND "${shown}" "${MARK}" end REVERSE)
+if(NOT begin EQUAL -1)
+  string(LENGTH "${MARK}" mark_length)
+  math(EXPR begin "${begin} + ${mark_length}")
+  math(EXPR length "${end} - ${begin}")
+  string(SUBSTRING "${shown}" ${begin} ${length} shown)
+endif()
+string(FIND "${readme}" "```cpp\n${shown}```" position)
 if(position EQUAL -1)
-  message(FATAL_ERROR "${README} does not show ${EXAMPLE} as it is")
+  message(FATAL_ERROR "${README} does not show this of ${EXAMPLE}:\n${shown}")
 endif()

@@ -1,0 +1,69 @@
+/**
+ * @file
+ * Operations that would take all memory, in a process that may not.
+ */
+#include "support/EngineTest.h"
+#include "support/TestFiles.h"
+
+#include <vexa/Dom2Dom.h>
+#include <vexa/VEXAXslTransformer.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace {
+
+/** A limit on memory is none where a checker takes memory of its own without end. */
+bool isUnderAMemoryChecker() {
+#ifdef __SANITIZE_ADDRESS__
+    return true;
+#else
+    const char* const preloaded = std::getenv("LD_PRELOAD");
+    return preloaded && std::strstr(preloaded, "vgpreload");
+#endif
+}
+
+void limitMemory() {
+    constexpr rlim_t LIMIT = 300u * 1024 * 1024;
+    const struct rlimit limit { LIMIT, LIMIT };
+    setrlimit(RLIMIT_AS, &limit);
+}
+
+/** @return 0 if an endless recursion is reported as -5 and the facade then serves a good input */
+int recurseThenRun(const char* endless, const char* good) {
+    limitMemory();
+    VEXAXslTransformer transformer;
+    auto in = transformer.createDom2Dom();
+    auto out = transformer.createDom2Dom();
+    in->InitializeInputSource("<a>x</a>");
+    out->InitializeOutputTarget();
+    if (transformer.doTransform(*in, endless, *out) != -5 ||
+        std::strcmp(transformer.getLastError(), "\nUnhandled Exception\n\n") != 0) {
+        return 1;
+    }
+    std::ostringstream text;
+    auto stream = transformer.createDom2Dom();
+    stream->InitializeOutputTarget(text);
+    return transformer.doTransform(*in, good, *stream) == 0 && text.str() == "<b>x</b>" ? 0 : 2;
+}
+
+} // namespace
+
+using MemoryLimitTest = EngineTest;
+
+TEST_F(MemoryLimitTest, AnEndlessRecursionIsReportedAndTheFacadeWorksOn) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker needs memory without a limit";
+    }
+    const TemporaryFolder folder;
+    const std::string endless = folder.write(
+        "endless.xsl", stylesheet("<xsl:template match='/' name='t'><b><xsl:call-template "
+                                  "name='t'/></b></xsl:template>"));
+    const std::string good =
+        folder.write("good.xsl", stylesheetWithRootTemplate("<b><xsl:value-of select='a'/></b>"));
+    ::testing::FLAGS_gtest_death_test_style = "fast";
+    EXPECT_EXIT(std::_Exit(recurseThenRun(endless.c_str(), good.c_str())),
+                ::testing::ExitedWithCode(0), "");
+}
