@@ -12,8 +12,6 @@ protected:
                                   "<xsl:template match='/'>[<xsl:value-of select='c'/> \xCE\xB1]"
                                   "</xsl:template>"));
     }
-
-    std::string file(const std::string& name) const { return readFile(m_folder.path(name)); }
 };
 
 TEST_F(ChainCommandTest, RunsStylesheetAfterStylesheet) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 ToolTest::ToolTest() {
@@ -30,4 +31,14 @@ void ToolTest::expectFailure(const Outcome& outcome, int status, const std::stri
     EXPECT_NE(outcome.error.find(part), std::string::npos) << outcome.error;
     EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
     EXPECT_EQ(outcome.error.back(), '\n');
+}
+
+void ToolTest::writeSheet(const std::string& content) {
+    m_folder.write("sheet.xsl", stylesheetWithRootTemplate(content));
+}
+
+unsigned ToolTest::permissions(const std::string& name) const {
+    struct stat status {};
+    EXPECT_EQ(stat(m_folder.path(name).c_str(), &status), 0);
+    return status.st_mode & 07777;
 }

@@ -30,5 +30,14 @@ protected:
     void expectFailure(const Outcome& outcome, int status, const std::string& begin,
                        const std::string& part = "");
 
+    /** Writes "sheet.xsl" with a template for the document node. */
+    void writeSheet(const std::string& content);
+
+    /** What a file in the test's folder holds. */
+    std::string file(const std::string& name) const { return readFile(m_folder.path(name)); }
+
+    /** The permission bits of a file in the test's folder. */
+    unsigned permissions(const std::string& name) const;
+
     TemporaryFolder m_folder;
 };

@@ -1,0 +1,146 @@
+#include "ToolTest.h"
+
+#include <unistd.h>
+
+/** A result appears whole or not at all. */
+using OutputFileTest = ToolTest;
+
+TEST_F(OutputFileTest, TellsOfAPlaceThatCannotBeWritten) {
+    shell("mkdir folder; ln -s loop loop");
+    expectFailure(tool("transform ok.xsl ok.xml -o none/out"), 1,
+                  "none/out: No such file or directory\n");
+    expectFailure(tool("transform ok.xsl ok.xml -o folder"), 1, "folder: Is a directory\n");
+    expectFailure(tool("transform ok.xsl ok.xml -o loop"), 1, "loop: ", "symbolic links");
+    expectFailure(tool("transform ok.xsl ok.xml -o /dev/full"), 1,
+                  "/dev/full: ", "No space left on device");
+    expectFailure(tool("transform ok.xsl ok.xml > /dev/full"), 1,
+                  "standard output: ", "No space left on device");
+    expectFailure(tool("transform ok.xsl -o /dev/full < ok.xml"), 1, "/dev/full: ");
+}
+
+TEST_F(OutputFileTest, LeavesAnEarlierFileAsItWasWhenTheTransformFails) {
+    writeSheet("<b>part</b><xsl:message terminate='yes'>enough</xsl:message>");
+    m_folder.write("out", "earlier");
+    for (const char* arguments :
+         {"transform sheet.xsl ok.xml -o out", "transform sheet.xsl -o out <ok.xml"}) {
+        const auto outcome = tool(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(file("out"), "earlier");
+        EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl out sheet.xsl");
+    }
+}
+
+TEST_F(OutputFileTest, LeavesAnEarlierFileAsItWasWhenTheDiskIsFull) {
+    writeSheet("<b>" + std::string(100'000, 'x') + "</b>");
+    m_folder.write("out", "earlier");
+    for (const char* arguments :
+         {"transform sheet.xsl ok.xml -o out", "transform sheet.xsl -o out <ok.xml"}) {
+        // A limit of 8 KiB on the size of files stands in for a full disk.
+        const auto outcome =
+            shell(std::string("trap '' XFSZ; ulimit -f 8; vexa-xslt ") + arguments);
+        EXPECT_EQ(outcome.status, 1) << outcome.error;
+        EXPECT_EQ(outcome.error.rfind("vexa-xslt: out: ", 0), 0U) << outcome.error;
+        EXPECT_EQ(outcome.error.find(".vexa-xslt-"), std::string::npos) << outcome.error;
+        EXPECT_EQ(file("out"), "earlier");
+        EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl out sheet.xsl");
+    }
+}
+
+TEST_F(OutputFileTest, RemovesTheUnfinishedFileWhenInterrupted) {
+    // The source never ends, so that the program can only be interrupted.
+    shell("mkfifo pipe; (exec 3>pipe; exec sleep 30) & sleeper=$!; "
+          "vexa-xslt transform ok.xsl -o out <pipe & tool=$!; "
+          "for i in $(seq 100); do ls -A | grep -q '^.vexa-xslt-' && break; sleep 0.05; done; "
+          "ls -A >seen; kill -TERM $tool; wait $tool; echo $? >status; kill $sleeper");
+    EXPECT_NE(file("seen").find(".vexa-xslt-"), std::string::npos) << file("seen");
+    EXPECT_EQ(file("status"), "143\n");
+    EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl pipe seen status");
+}
+
+TEST_F(OutputFileTest, GivesANewFileThePermissionsThatItWouldHaveHad) {
+    shell("umask 027; vexa-xslt transform ok.xsl ok.xml -o out");
+    EXPECT_EQ(permissions("out"), 0640U);
+    shell("umask 022; vexa-xslt transform ok.xsl ok.xml -o out2");
+    EXPECT_EQ(permissions("out2"), 0644U);
+}
+
+TEST_F(OutputFileTest, KeepsThePermissionsOfAnExistingFile) {
+    m_folder.write("out", "earlier");
+    shell("chmod 606 out");
+    EXPECT_EQ(tool("transform ok.xsl ok.xml -o out").status, 0);
+    EXPECT_EQ(permissions("out"), 0606U);
+    EXPECT_EQ(file("out"), "<b>x</b>");
+}
+
+TEST_F(OutputFileTest, FollowsASymbolicLink) {
+    shell("mkdir far; echo earlier >far/out; ln -s far/out link; ln -s far/new dangling");
+    EXPECT_EQ(tool("transform ok.xsl ok.xml -o link").status, 0);
+    EXPECT_EQ(file("far/out"), "<b>x</b>");
+    EXPECT_EQ(tool("transform ok.xsl ok.xml -o dangling").status, 0);
+    EXPECT_EQ(file("far/new"), "<b>x</b>");
+    EXPECT_EQ(shell("[ -L link ] && [ -L dangling ]").status, 0);
+}
+
+TEST_F(OutputFileTest, WritesDirectlyToWhatIsNoRegularFile) {
+    EXPECT_EQ(tool("transform ok.xsl ok.xml -o /dev/null").status, 0);
+    EXPECT_EQ(shell("test -c /dev/null").status, 0);
+    const auto outcome =
+        shell("mkfifo pipe; cat pipe & vexa-xslt transform ok.xsl ok.xml -o pipe; wait");
+    EXPECT_EQ(outcome.output, "<b>x</b>");
+}
+
+TEST_F(OutputFileTest, WritesDirectlyToAnOpenDescriptor) {
+    const std::string run = "vexa-xslt transform ok.xsl ok.xml -o ";
+    EXPECT_EQ(shell(run + "/dev/stdout | cat").output, "<b>x</b>");
+    EXPECT_EQ(shell(run + "/dev/fd/3 3>&1 | cat").output, "<b>x</b>");
+    EXPECT_EQ(shell(run + ">(cat >seen); sleep 0.3; cat seen").output, "<b>x</b>");
+    // A file behind the descriptor keeps its place: the shell goes on writing to it.
+    EXPECT_EQ(shell("{ " + run + "/dev/stdout; echo after; } >>file; cat file").output.substr(8),
+              "after\n");
+}
+
+TEST_F(OutputFileTest, RemovesTheUnfinishedFileHoweverTheProcessEnds) {
+    m_folder.write("messages.xsl",
+                   stylesheetWithRootTemplate("<xsl:for-each select='//i'><xsl:message>" +
+                                              std::string(1000, 'm') +
+                                              "</xsl:message></xsl:for-each><b/>"));
+    std::string items = "<a>";
+    for (int i = 0; i < 500; ++i) {
+        items += "<i/>";
+    }
+    m_folder.write("items.xml", items + "</a>");
+    shell("vexa-xslt transform messages.xsl items.xml -o out 2>&1 | head -1");
+    // A number that the engine cannot write aborts the process.
+    m_folder.write("abort.xsl", stylesheetWithRootTemplate("<xsl:value-of select='1 div 0." +
+                                                           std::string(120, '0') + "1'/>"));
+    EXPECT_NE(tool("transform abort.xsl ok.xml -o out").status, 0);
+    for (const char* signal : {"HUP", "INT", "QUIT", "USR1"}) {
+        shell("mkfifo pipe; (exec 3>pipe; exec sleep 30) & sleeper=$!; set -m; "
+              "vexa-xslt transform ok.xsl -o out <pipe & tool=$!; "
+              "for i in $(seq 100); do ls -A | grep -q '^.vexa-xslt-' && break; sleep 0.05; done; "
+              "kill -" +
+              std::string(signal) + " $tool; wait $tool; kill $sleeper; rm pipe");
+    }
+    EXPECT_EQ(m_folder.list(), "abort.xsl items.xml messages.xsl ok.xml ok.xsl");
+}
+
+TEST_F(OutputFileTest, GoesOnWhereASignalIsIgnoredFromOutside) {
+    shell("mkfifo pipe; (sleep 0.5; cat ok.xml >pipe) & "
+          "(trap '' HUP; exec vexa-xslt transform ok.xsl -o out <pipe) & tool=$!; sleep 0.2; "
+          "kill -HUP $tool; wait $tool; echo $? >status");
+    EXPECT_EQ(file("status"), "0\n");
+    EXPECT_EQ(file("out"), "<b>x</b>");
+}
+
+TEST_F(OutputFileTest, KeepsTheOwnerOfAnExistingFileAsFarAsItMay) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
+    shell("echo earlier >out; chown 65534:65533 out; vexa-xslt transform ok.xsl ok.xml -o out");
+    EXPECT_EQ(shell("stat -c %u:%g out").output, "65534:65533\n");
+    // Without the right to give files away, the group is kept if it is one's own.
+    shell("echo earlier >own; chown 65534:0 own; setpriv --bounding-set=-chown vexa-xslt transform "
+          "ok.xsl ok.xml -o own");
+    EXPECT_EQ(shell("stat -c %g own").output, "0\n");
+    EXPECT_EQ(file("own"), "<b>x</b>");
+}
