@@ -1,5 +1,6 @@
 #include <vexa/Dom2Dom.h>
 
+#include "DocumentFormatter.h"
 #include "TextViewBuffer.h"
 
 #include <vexa/VEXAXslTransformer.h>
@@ -8,7 +9,6 @@
 
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
-#include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
 #include <xalanc/XalanTransformer/XalanDocumentBuilder.hpp>
 #include <xalanc/XalanTransformer/XalanParsedSource.hpp>
@@ -71,7 +71,7 @@ bool Dom2Dom::InitializeOutputTarget() {
     m_strLastError = "";
     m_pDocumentBuilder.reset(m_pTransformer->createDocumentBuilder(XalanDOMString()));
     m_pDocument = m_pDocumentBuilder->getDocument();
-    m_pFormatter = std::make_unique<xalanc::FormatterToSourceTree>(
+    m_pFormatter = std::make_unique<DocumentFormatter>(
         xalanc::XalanMemMgrs::getDefaultXercesMemMgr(),
         static_cast<xalanc::XalanSourceTreeDocument*>(m_pDocument));
     m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(*m_pFormatter);

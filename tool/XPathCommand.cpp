@@ -5,6 +5,7 @@
 #include "FailedFile.h"
 #include "Failure.h"
 #include "HolderInput.h"
+#include "document/DocumentPrefixes.h"
 #include "document/XmlWriter.h"
 
 #include <vexa/TqXsltFunction.h>
@@ -17,7 +18,6 @@
 #include <memory>
 #include <sstream>
 
-#include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
 #include <xalanc/XPath/NodeRefListBase.hpp>
 #include <xalanc/XPath/XPathEvaluator.hpp>
 #include <xalanc/XalanDOM/XalanDocument.hpp>
@@ -56,9 +56,9 @@ void printNode(const xalanc::XalanNode& node) {
 void printOtherResult(xalanc::XalanDocument* document, const std::string& expression) {
     xalanc::XalanSourceTreeDOMSupport domSupport;
     xalanc::XPathEvaluator evaluator;
-    const xalanc::XalanDocumentPrefixResolver prefixResolver(document);
+    const DocumentPrefixes prefixes(document);
     const xalanc::XObjectPtr result = evaluator.evaluate(
-        domSupport, document, xalanc::XalanDOMString(expression.c_str()).c_str(), prefixResolver);
+        domSupport, document, xalanc::XalanDOMString(expression.c_str()).c_str(), prefixes);
     if (result->getType() != xalanc::XObject::eTypeNodeSet) {
         std::cout << TqXsltFunction::XalanDOMStringToI18NString(result->str()).c_str() << '\n';
         return;

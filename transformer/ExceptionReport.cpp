@@ -1,5 +1,6 @@
 #include "ExceptionReport.h"
 
+#include <locale>
 #include <ostream>
 #include <string>
 #include <strstream>
@@ -19,7 +20,9 @@ constexpr int UNKNOWN_EXCEPTION = -5;
 /** Composes one report. */
 class Report {
 public:
-    explicit Report(const ReportSite& site) : m_site(site) {}
+    explicit Report(const ReportSite& site) : m_site(site) {
+        m_stream.imbue(std::locale::classic()); // plain numbers, whatever the host's locale
+    }
 
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;

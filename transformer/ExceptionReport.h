@@ -10,6 +10,8 @@
 
 #include <nrb/I18NString.h>
 
+#include <cxxabi.h>
+
 #include <xalanc/PlatformSupport/XSLException.hpp>
 
 /** Where reports differ from one operation to another. */
@@ -64,6 +66,8 @@ int runGuarded(const ReportSite& site, I18NString& error, Work work) {
     try {
         work();
         return 0;
+    } catch (const abi::__forced_unwind&) {
+        throw; // no exception: the thread is being ended
     } catch (...) {
         return reportCurrentException(site, error);
     }

@@ -7,10 +7,10 @@
 #include <string_view>
 
 /**
- * Refuses an XPath expression that would overflow the stack: the engine goes one level deeper for
- * each nested bracket, and for each operator in a row of arithmetic operators or comparisons. The
- * limits are far above what people and programs write, and low enough for a thread with a stack of
- * 1 MiB.
+ * Refuses an XPath expression that would overflow the stack. The engine goes deeper with each open
+ * bracket, and with each further member of a row of steps, of operators, of "and" or of "or". What
+ * all that takes at the deepest place is to fit into a thread with a stack of 1 MiB, which is far
+ * more than people and programs write.
  *
  * @throws an XSLException
  */

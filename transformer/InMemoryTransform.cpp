@@ -13,6 +13,7 @@
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTProcessorException.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
+#include <xalanc/XalanDOM/XalanDOMException.hpp>
 #include <xalanc/XalanDOM/XalanDocument.hpp>
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
@@ -28,6 +29,13 @@ void refuseWithoutDocumentElement(const xalanc::XalanDocument* document) {
     if (document && !document->getDocumentElement()) {
         throw xalanc::XSLTProcessorException(
             engineMemory(), XalanDOMString("The input document has no document element."));
+    }
+}
+
+/** A document holds one result. The engine would find that out only when it comes to an element. */
+void refuseSecondResult(const xalanc::FormatterToSourceTree* formatter) {
+    if (formatter && formatter->getDocument()->getDocumentElement()) {
+        throw xalanc::XalanDOMException(xalanc::XalanDOMException::HIERARCHY_REQUEST_ERR);
     }
 }
 
@@ -82,6 +90,7 @@ int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, D
 void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& stylesheet,
                                            Dom2Dom& out) {
     refuseWithoutDocumentElement(in.GetDocument());
+    refuseSecondResult(out.m_pFormatter.get());
     // Messages of the stylesheet go where the engine transformer of the other transforms puts them.
     xalanc::XalanTransformerProblemListener messages(engineMemory(), &std::cerr, nullptr);
     PrivateEngine engine(&m_mapFunctions);

@@ -4,6 +4,7 @@
 #include "ExceptionReport.h"
 #include "ExpressionGuard.h"
 #include "PrivateEngine.h"
+#include "document/DocumentPrefixes.h"
 #include "document/XmlWriter.h"
 
 #include <vexa/Dom2Dom.h>
@@ -11,7 +12,6 @@
 
 #include <ostream>
 
-#include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
 #include <xalanc/XPath/NodeRefListBase.hpp>
 #include <xalanc/XPath/XObject.hpp>
 #include <xalanc/XPath/XPathEvaluator.hpp>
@@ -39,7 +39,10 @@ void print(const xalanc::XObject& result, std::ostream& out) {
         }
     } else if (result.getType() == xalanc::XObject::eTypeString) {
         // The engine's own output would break characters beyond the basic plane.
-        out << TqXsltFunction::XalanDOMStringToI18NString(result.str()).c_str();
+        int length = 0;
+        const I18NString text = TqXsltFunction::XalanDOMStringToI18NString(result.str());
+        const char* const narrow = text.c_str(nullptr, &length);
+        out.write(narrow, length); // whatever width the caller's stream is set to
     }
 }
 
@@ -48,11 +51,11 @@ void query(xalanc::XalanDocument* document, const I18NString& expression, std::o
     PrivateEngine engine(nullptr);
     engine.domSupport.setParserLiaison(&engine.parserLiaison);
     xalanc::XPathEvaluator evaluator;
-    const xalanc::XalanDocumentPrefixResolver prefixResolver(document, XalanDOMString());
+    const DocumentPrefixes prefixes(document);
     const XalanDOMString xpath = toEngineString(expression);
     refuseTooDeepExpression({xpath.c_str(), xpath.length()});
     const xalanc::XObjectPtr result =
-        evaluator.evaluate(engine.domSupport, document, xpath.c_str(), prefixResolver);
+        evaluator.evaluate(engine.domSupport, document, xpath.c_str(), prefixes);
     print(*result, out);
 }
 

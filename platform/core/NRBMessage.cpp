@@ -2,6 +2,8 @@
 
 #include <unicode/uloc.h>
 
+#include <algorithm>
+#include <cctype>
 #include <string>
 
 namespace {
@@ -20,7 +22,10 @@ std::string runIcu(LocaleOperation operation, const std::string& locale) {
 std::string canonicalLocale(const char* language) {
     std::string locale = runIcu(uloc_getBaseName, runIcu(uloc_canonicalize, language));
     locale.erase(locale.find_last_not_of('_') + 1);
-    return locale;
+    // The text may come from anywhere, and the identifier may become a part of a file's name.
+    const bool isIdentifier = std::all_of(
+        locale.begin(), locale.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
+    return isIdentifier ? locale : "";
 }
 
 } // namespace

@@ -115,6 +115,8 @@ TEST_F(LocalizedStringTest, ReportsAWrongNumberOfArguments) {
 TEST_F(LocalizedStringTest, GoesOnWithWhatItWasGivenShouldTheReportReturn) {
     EXPECT_EQ(callLeniently(FunctionGetLocalizedString(), {"4"}), "Total");
     EXPECT_EQ(lenientContext().m_strProblem, WRONG_ARITY);
+    EXPECT_EQ(lenientContext().m_pNode, contextNode());
+    EXPECT_FALSE(lenientContext().m_bHadLocator);
     EXPECT_EQ(callLeniently(FunctionGetLocalizedString(), {"4", "de", "more"}), "Summe");
 }
 

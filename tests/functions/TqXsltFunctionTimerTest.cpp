@@ -104,6 +104,7 @@ TEST_P(TimerTableTest, GoesOnWithWhatItWasGivenShouldTheReportReturn) {
     const std::string result = callLeniently(row.function, {"77", "88"});
     EXPECT_EQ(lenientContext().m_strProblem, row.arityMessage);
     EXPECT_FALSE(lenientContext().m_bHadLocator);
+    EXPECT_EQ(lenientContext().m_pNode, contextNode());
     EXPECT_NE(result, "");
     EXPECT_TRUE(isAbsent(88));
     const bool usesId = row.arity == 1 && std::string(row.name) != "TimerDestroy";

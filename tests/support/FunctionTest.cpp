@@ -1,5 +1,7 @@
 #include "FunctionTest.h"
 
+#include <vexa/Dom2Dom.h>
+
 std::string narrow(const xalanc::XalanDOMString& text) {
     return TqXsltFunction::XalanDOMStringToI18NString(text).c_str();
 }
@@ -22,7 +24,7 @@ std::string FunctionTest::callLeniently(const TqXsltFunction& function,
         values.push_back(
             m_objectFactory.createString(TqXsltFunction::I18NStringToXalanDOMString(arg.c_str())));
     }
-    return narrow(function.execute(m_context, nullptr, values, nullptr)->str(m_context));
+    return narrow(function.execute(m_context, m_pContextNode, values, &m_locator)->str(m_context));
 }
 
 void FunctionTest::callWithNull(const TqXsltFunction& function) {
@@ -35,6 +37,7 @@ std::string FunctionTest::evaluate(const std::string& expression) {
     const std::string sheet = sheetThatPrints(expression);
     const auto files = onFileRoad(source(), sheet);
     EXPECT_EQ(files.result, 0) << files.error;
+    EXPECT_EQ(inMemory(sheet), files.output);
     return files.output;
 }
 
@@ -53,4 +56,15 @@ std::string FunctionTest::sheetThatPrints(const std::string& expression) {
                           stylesheet("<xsl:output method='text'/><xsl:template match='/'>"
                                      "<xsl:value-of select=\"" +
                                      expression + "\"/></xsl:template>"));
+}
+
+std::string FunctionTest::inMemory(const std::string& sheet) {
+    const auto in = m_transformer.createDom2Dom();
+    const auto out = m_transformer.createDom2Dom();
+    std::ostringstream text;
+    in->InitializeInputSource("<a>x</a>");
+    out->InitializeOutputTarget(text);
+    EXPECT_EQ(m_transformer.doTransform(*in, sheet.c_str(), *out), 0)
+        << m_transformer.getLastError();
+    return text.str();
 }

@@ -15,6 +15,8 @@
 #include <xalanc/XPath/XPathEnvSupportDefault.hpp>
 #include <xalanc/XPath/XPathExecutionContextDefault.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
+#include <xercesc/sax/Locator.hpp>
 
 /** An execution context whose error operation takes a note and returns. */
 class LenientExecutionContext : public xalanc::XPathExecutionContextDefault {
@@ -37,7 +39,7 @@ protected:
     /** Calls `execute` with one argument that is no object. */
     void callWithNull(const TqXsltFunction& function);
 
-    /** The value of an XPath expression, by the file road; checks that the stream road agrees. */
+    /** The value of an XPath expression, by the file road; checks that it is the same in memory. */
     std::string evaluate(const std::string& expression);
 
     /** The error text of a stylesheet that evaluates the expression, the same on both roads. */
@@ -45,12 +47,27 @@ protected:
 
     LenientExecutionContext& lenientContext() { return m_context; }
 
+    /** The node in whose context functions are called leniently. */
+    const xalanc::XalanNode* contextNode() const { return m_pContextNode; }
+
 private:
+    /** A place of a call, which functions do not pass on. */
+    class CallLocator : public xercesc::Locator {
+        const XMLCh* getPublicId() const override { return nullptr; }
+        const XMLCh* getSystemId() const override { return nullptr; }
+        XMLFileLoc getLineNumber() const override { return 1; }
+        XMLFileLoc getColumnNumber() const override { return 1; }
+    };
+
     std::string sheetThatPrints(const std::string& expression);
+    std::string inMemory(const std::string& sheet);
 
     xalanc::XalanSourceTreeDOMSupport m_domSupport;
     xalanc::XPathEnvSupportDefault m_envSupport;
     xalanc::XObjectFactoryDefault m_objectFactory;
+    CallLocator m_locator;
+    xalanc::XalanSourceTreeDocument m_document{xalanc::XalanMemMgrs::getDefaultXercesMemMgr()};
+    xalanc::XalanNode* m_pContextNode = &m_document;
     LenientExecutionContext m_context{m_envSupport, m_domSupport, m_objectFactory};
 };
 

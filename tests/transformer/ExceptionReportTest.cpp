@@ -7,7 +7,9 @@
 #include "support/ThrowingFunctions.h"
 #include "support/VEXAXslTransformerInspector.h"
 
+#include <atomic>
 #include <functional>
+#include <locale>
 #include <new>
 #include <stdexcept>
 
@@ -22,6 +24,9 @@
 using xalanc::XalanDOMString;
 
 namespace {
+
+/** Arrays allocated and not freed: nothing but a report's buffer is one here. */
+std::atomic<int> g_liveArrays{0};
 
 constexpr XMLFileLoc UNKNOWN_LOCATION = static_cast<XMLFileLoc>(-1);
 
@@ -125,6 +130,32 @@ const ReportCase CASES[] = {
     {"Number", [] { throw 42; }, -5, "\nUnhandled Exception\n\n", "\nUnhandled Exception\n"},
 };
 
+} // namespace
+
+void* operator new[](std::size_t size) {
+    ++g_liveArrays;
+    return ::operator new(size);
+}
+
+void operator delete[](void* memory) noexcept {
+    if (memory) {
+        --g_liveArrays;
+    }
+    ::operator delete(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept {
+    operator delete[](memory);
+}
+
+namespace {
+
+/** A host's locale, with numbers that a report must not follow. */
+class GroupingNumbers : public std::numpunct<char> {
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
 class ExceptionReportTest : public EngineTest, public ::testing::WithParamInterface<ReportCase> {
 protected:
     ExceptionReportTest() {
@@ -142,6 +173,7 @@ protected:
 
 TEST_P(ExceptionReportTest, InMemoryTransform) {
     const ReportCase& report = GetParam();
+    const int arrays = g_liveArrays;
     m_transformer.installExternalFunction("Throw", ThrowingFunctionOf(report.thrower));
     const std::string sheet = m_folder.write(
         "sheet.xsl", stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:Throw()'/></b>"));
@@ -150,6 +182,9 @@ TEST_P(ExceptionReportTest, InMemoryTransform) {
     EXPECT_EQ(VEXAXslTransformerInspector::ownError(m_transformer),
               I18NString(report.inMemoryTransform));
     EXPECT_STREQ(m_out->getLastError(), "");
+
+    // One row keeps its report's buffer for good.
+    EXPECT_EQ(g_liveArrays - arrays, report.name == std::string("SaxException") ? 1 : 0);
 
     // A report replaces the one before, and a success clears it.
     m_transformer.installExternalFunction("Throw", ThrowingFunctionOf([] { throw 1; }));
@@ -166,6 +201,7 @@ TEST_P(ExceptionReportTest, InMemoryTransform) {
 
 TEST_P(ExceptionReportTest, XPathQuery) {
     const ReportCase& report = GetParam();
+    const int arrays = g_liveArrays;
     const XalanDOMString ns("urn:throwing"), name("Throw");
     xalanc::XalanTransformer::installExternalFunctionGlobal(ns, name,
                                                             ThrowingFunctionOf(report.thrower));
@@ -174,11 +210,32 @@ TEST_P(ExceptionReportTest, XPathQuery) {
     EXPECT_STREQ(m_transformer.getLastError(), report.xpathQuery);
     EXPECT_EQ(VEXAXslTransformerInspector::ownError(m_transformer), I18NString(report.xpathQuery));
     EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(g_liveArrays, arrays);
     xalanc::XalanTransformer::uninstallExternalFunctionGlobal(ns, name);
 
     EXPECT_EQ(m_transformer.doXPath(*m_in, "string(name(/*))", out), 0);
     EXPECT_EQ(out.str(), "a");
     EXPECT_STREQ(m_transformer.getLastError(), "");
+}
+
+TEST_F(EngineTest, ReportsHavePlainNumbersInEveryLocale) {
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new GroupingNumbers));
+    const TemporaryFolder folder;
+    const std::string sheet = folder.write(
+        "sheet.xsl", stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:Throw()'/></b>"));
+    VEXAXslTransformer transformer;
+    transformer.installExternalFunction(
+        "Throw", ThrowingFunctionOf([] { throwSaxParseException(u"s", 123456, 5'000'000'000); }));
+    const Holder in = transformer.createDom2Dom(), out = transformer.createDom2Dom();
+    in->InitializeInputSource("<a/>");
+    out->InitializeOutputTarget();
+    EXPECT_EQ(transformer.doTransform(*in, sheet.c_str(), *out), -2);
+    // The numbers are written as long.
+    const std::string column = std::to_string(static_cast<long>(5'000'000'000));
+    EXPECT_EQ(transformer.getLastError(),
+              "SAXParseException: message \xCE\xB1 (s, line 123456, column " + column + ")\n");
+    std::locale::global(before);
 }
 
 INSTANTIATE_TEST_SUITE_P(, ExceptionReportTest, ::testing::ValuesIn(CASES),

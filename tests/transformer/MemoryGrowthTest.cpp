@@ -65,10 +65,15 @@ TEST_F(MemoryGrowthTest, ThousandsOfOperationsInMemoryLeaveNothingBehind) {
         "bad.xsl", stylesheetWithRootTemplate("<b><c><xsl:message terminate='yes'/></c></b>"));
     VEXAXslTransformer transformer;
     transformer.installExternalFunction("B", BracketFunction());
-    runOnce(transformer, good, bad);
-    const std::size_t blocks = m_memory.blocks();
-    for (int i = 0; i < 1000; ++i) { // five operations each
+    for (const bool useXercesDom : {false, true}) {
+        VEXAXslTransformer::m_bUseXercesDOM = useXercesDom;
         runOnce(transformer, good, bad);
     }
+    const std::size_t blocks = m_memory.blocks();
+    for (int i = 0; i < 1000; ++i) { // five operations each
+        VEXAXslTransformer::m_bUseXercesDOM = i % 2 != 0;
+        runOnce(transformer, good, bad);
+    }
+    VEXAXslTransformer::m_bUseXercesDOM = false;
     EXPECT_EQ(m_memory.blocks(), blocks);
 }

@@ -2,6 +2,8 @@
 #include "support/VEXAXslTransformerInspector.h"
 
 #include <fstream>
+#include <functional>
+#include <pthread.h>
 #include <vector>
 
 using XPathQueryTest = InMemoryTest;
@@ -78,6 +80,19 @@ TEST_P(XPathQueryTest, KnowsThePrefixesThatTheDocumentDeclares) {
     EXPECT_EQ(queried(*holder, "string(/p:a/q:b)"), "x");
 }
 
+TEST_P(XPathQueryTest, KnowsThePrefixXmlWithoutADeclaration) {
+    const Holder holder = parsed("<a xml:lang='en'/>");
+    EXPECT_EQ(queried(*holder, "string(/a/@xml:lang)"), "en");
+}
+
+TEST_P(XPathQueryTest, WritesAStringAsItIsWhateverTheStreamsWidth) {
+    const Holder holder = parsed("<a/>");
+    std::ostringstream out;
+    out.width(9);
+    EXPECT_EQ(m_transformer.doXPath(*holder, "'ab'", out), 0);
+    EXPECT_EQ(out.str(), "ab");
+}
+
 TEST_P(XPathQueryTest, CallsNoFunctionsOfTheTransformer) {
     const Holder holder = parsed("<a xmlns:v='" VEXA_XSL_EXTENSION_NAMESPACE "'/>");
     std::string result;
@@ -152,7 +167,7 @@ std::string repeated(const std::string& text, int times) {
 
 TEST_P(XPathQueryTest, RefusesExpressionsThatWouldOverflowTheStack) {
     const Holder holder = parsed("<a/>");
-    for (int depth : {1001, 30'000, 300'000}) {
+    for (int depth : {1030, 30'000, 300'000}) {
         for (const std::string& expression : {
                  repeated("(", depth) + "1" + repeated(")", depth),
                  "a" + repeated("[a", depth) + repeated("]", depth),
@@ -174,12 +189,93 @@ TEST_P(XPathQueryTest, RefusesExpressionsThatWouldOverflowTheStack) {
     }
 }
 
+namespace {
+
+/** A way to write ever deeper expressions. */
+struct Deepening {
+    const char* begin;
+    const char* repeatedPart;
+    const char* middle;
+    const char* repeatedEnd;
+
+    std::string expression(int depth) const {
+        return begin + repeated(repeatedPart, depth) + middle + repeated(repeatedEnd, depth);
+    }
+};
+
+const std::string& longSum() {
+    static const std::string sum = "(1" + repeated("+1", 990) + "+";
+    return sum;
+}
+
+/** Runs on a thread with a stack of 1 MiB. */
+void* findDeepest(void* work) {
+    (*static_cast<std::function<void()>*>(work))();
+    return nullptr;
+}
+
+void runOnSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, 1024 * 1024);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, findDeepest, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+} // namespace
+
+TEST_P(XPathQueryTest, WhatIsNotRefusedFitsIntoASmallStack) {
+    const Holder holder = parsed("<a><or/><and/></a>");
+    const Deepening ways[] = {
+        {"", "(", "1", ")"},
+        {"a", "[a", "", "]"},
+        {"", "string(", "1", ")"},
+        {"1", "+1", "", ""},
+        {"1", "*1", "", ""},
+        {"1", "=1", "", ""},
+        {"a", " and a", "", ""},
+        {"a", " or a", "", ""},
+        {".", "/.", "", ""},
+        {"a", "//a", "", ""},
+        {"", "self::node()/", ".", ""},
+        {"or", "+or", "", ""},
+        {"and", "=and", "", ""},
+        {"", "- or ", "1", ""},
+        {"", longSum().c_str(), "1", ")"},
+        {"a", "[1=1=1 and ./. or a", "", "]"},
+    };
+    for (const Deepening& way : ways) {
+        runOnSmallStack([&] {
+            int accepted = 0, refused = 400'000;
+            while (refused - accepted > 1 + accepted / 50) {
+                const int depth = (accepted + refused) / 2;
+                std::string result;
+                query(*holder, way.expression(depth), result);
+                const bool isRefused =
+                    std::string(m_transformer.getLastError()).find("nested too deeply") !=
+                    std::string::npos;
+                (isRefused ? refused : accepted) = depth;
+            }
+            EXPECT_GT(accepted,
+                      way.begin == std::string() && way.repeatedEnd != std::string() ? 4 : 500)
+                << way.expression(1).substr(0, 20);
+        });
+    }
+}
+
 TEST_P(XPathQueryTest, TakesLongExpressionsThatAreNotDeep) {
     const Holder holder = parsed("<a i='1'/>");
     EXPECT_EQ(queried(*holder, "string(" + repeated("(", 900) + "1" + repeated(")", 900) + ")"),
               "1");
     EXPECT_EQ(queried(*holder, "string(1" + repeated("+1", 4000) + ")"), "4001");
     EXPECT_EQ(queried(*holder, "string(count(a[@i=0" + repeated(" or @i=1", 10'000) + "]))"), "1");
+    EXPECT_EQ(
+        queried(*holder, "string(concat('', " + repeated("(1+1)+1=3,", 2'000) + "'x'))").size(),
+        8001U);
+    EXPECT_EQ(queried(*holder, "string(count(a" + repeated("[1+1=2]", 2'000) + "))"), "1");
+    EXPECT_EQ(queried(*holder, "string(count(a" + repeated("|a/. ", 10'000) + "))"), "1");
     EXPECT_EQ(queried(*holder, "string(count(a" + repeated("|a", 10'000) + "))"), "1");
     EXPECT_EQ(queried(*holder, "string(string-length('" + repeated("((", 10'000) + "'))"), "20000");
     EXPECT_EQ(queried(*holder, "string(string-length(\"" + repeated("+[", 10'000) + "\"))"),
