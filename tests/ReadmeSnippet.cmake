@@ -1,5 +1,7 @@
 # Fails unless the README shows an example program word for word, or its part between two lines
 # "// [shown in the README]": -D README=... -D EXAMPLE=...
+cmake_minimum_required(VERSION 3.25)
+
 set(MARK "    // [shown in the README]\n")
 file(READ "${README}" readme)
 file(READ "${EXAMPLE}" shown)

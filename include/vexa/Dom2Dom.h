@@ -65,7 +65,8 @@ public:
     /**
      * Takes the input role: parses a document from a stream.
      *
-     * @param stream   is read to its end
+     * @param stream   is read to its end. If it throws (see std::ios::exceptions), that exception
+     *                 passes, and the holder has no role
      * @param systemId the document's URI or file name, in the platform's default encoding: relative
      *                 references in the document are resolved against it, and error texts name it;
      *                 null is taken as an empty one
@@ -75,7 +76,11 @@ public:
 
     /**
      * Takes the output role: a transform builds its result as a document here. It receives one
-     * result; a transform that would add a second one fails and leaves the first intact.
+     * result: a transform into a holder that has a document element fails with -4 and adds nothing.
+     * A transform that fails half way leaves what it had built, and the holder is spent.
+     *
+     * Of a stylesheet's output settings none applies to a document: no output method, no encoding,
+     * no CDATA sections (their text is kept).
      *
      * @return false if the holder has a role already
      */
@@ -111,8 +116,10 @@ public:
 
     /**
      * The reason of the last failure, in the platform's default encoding: the holder's own, or else
-     * the last message of the transformer's engine. Empty if there is none; never null. The pointer
-     * lives until the next operation of the holder or its transformer: copy the text.
+     * the last message of the transformer's engine, which is that of its last parse or transform of
+     * a file or stream: read the reason of a failed parse before the next one. Empty if there is
+     * none; never null. The pointer lives until the next operation of the holder or its
+     * transformer: copy the text.
      */
     const char* getLastError() const;
 

@@ -2,7 +2,7 @@
 #   cmake -D IDENTIFIERS=identifiers.txt -D LANGUAGE_FILE=de.txt -P CheckCatalogue.cmake
 # A message that is missing would be told in another language, and nobody would know.
 
-set(ENTRY "^[ \t]*([0-9A-Za-z]+)[ \t]*{")
+cmake_minimum_required(VERSION 3.25)
 
 file(STRINGS "${IDENTIFIERS}" lines REGEX "^[0-9A-F]+ " ENCODING UTF-8)
 foreach(line IN LISTS lines)
@@ -13,31 +13,50 @@ endforeach()
 
 cmake_path(GET LANGUAGE_FILE STEM language)
 cmake_path(GET LANGUAGE_FILE FILENAME name)
-file(STRINGS "${LANGUAGE_FILE}" lines REGEX "${ENTRY}" ENCODING UTF-8)
+set(fault FALSE)
+macro(tell text)
+  message("${name}: error: language '${language}' ${text}")
+  set(fault TRUE)
+endmacro()
+
+# Only the plain form that the files have: whatever else ICU would read (comments that hold messages,
+# messages over several lines) could hide one.
+file(READ "${LANGUAGE_FILE}" content)
+string(REGEX REPLACE "[][;\\]" "." content "${content}") # these mean something in a list
+string(REPLACE "\n" ";" lines "${content}")
 set(found "")
+set(heads 0)
 foreach(line IN LISTS lines)
-  string(REGEX MATCH "${ENTRY}" _ "${line}")
-  list(APPEND found "${CMAKE_MATCH_1}")
+  if(line MATCHES "^[ \t]+([0-9A-Za-z]+)[ \t]*{[ \t]*\"(.*)\"[ \t]*}[ \t]*$")
+    set(identifier "${CMAKE_MATCH_1}")
+    if(CMAKE_MATCH_2 STREQUAL "")
+      tell("has an empty text for ${identifier}")
+    endif()
+    if(identifier IN_LIST found)
+      tell("has ${identifier} twice")
+    endif()
+    list(APPEND found "${identifier}")
+  elseif(line MATCHES "^${language}:table\\(nofallback\\) {$")
+    math(EXPR heads "${heads} + 1")
+  elseif(NOT line MATCHES "^(//.*|})?$")
+    tell("has a line that is no message: ${line}")
+  endif()
 endforeach()
+if(NOT heads EQUAL 1)
+  tell("has to begin with '${language}:table(nofallback) {'")
+endif()
 
 set(missing ${wanted})
 list(REMOVE_ITEM missing ${found})
+foreach(identifier IN LISTS missing)
+  tell("misses ${identifier} (\"${meaning_${identifier}}\")")
+endforeach()
 set(unknown ${found})
 list(REMOVE_ITEM unknown ${wanted})
-
-foreach(identifier IN LISTS missing)
-  message("${name}: error: language '${language}' misses ${identifier} "
-          "(\"${meaning_${identifier}}\")")
-endforeach()
 foreach(identifier IN LISTS unknown)
-  message("${name}: error: language '${language}' has ${identifier}, which identifiers.txt lacks")
+  tell("has ${identifier}, which identifiers.txt lacks")
 endforeach()
 
-file(STRINGS "${LANGUAGE_FILE}" heads REGEX "^${language}:table\\(nofallback\\)")
-if(NOT heads)
-  message("${name}: error: language '${language}' must begin with '${language}:table(nofallback) {'")
-endif()
-
-if(missing OR unknown OR NOT heads)
+if(fault)
   message(FATAL_ERROR "The message catalogue is not complete.")
 endif()

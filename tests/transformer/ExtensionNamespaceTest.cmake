@@ -1,4 +1,6 @@
 # Configuring takes an absolute http URI whose path ends in /wol, and nothing else: -D CHECK=script
+cmake_minimum_required(VERSION 3.25)
+
 foreach(uri "http://vexa.example/xslt/wol" "http://a/wol" "http://host.example:8080/a/b-c/wol"
             "http://a/b%20c/wol")
   execute_process(COMMAND "${CMAKE_COMMAND}" -D "VEXA_XSL_EXTENSION_NAMESPACE=${uri}" -P "${CHECK}"

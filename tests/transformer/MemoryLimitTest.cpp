@@ -3,6 +3,7 @@
  * Operations that would take all memory, in a process that may not.
  */
 #include "support/EngineTest.h"
+#include "support/MemoryChecker.h"
 #include "support/TestFiles.h"
 
 #include <vexa/Dom2Dom.h>
@@ -14,16 +15,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-/** A limit on memory is none where a checker takes memory of its own without end. */
-bool isUnderAMemoryChecker() {
-#ifdef __SANITIZE_ADDRESS__
-    return true;
-#else
-    const char* const preloaded = std::getenv("LD_PRELOAD");
-    return preloaded && std::strstr(preloaded, "vgpreload");
-#endif
-}
 
 void limitMemory() {
     constexpr rlim_t LIMIT = 300u * 1024 * 1024;

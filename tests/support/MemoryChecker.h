@@ -1,0 +1,17 @@
+/**
+ * @file
+ * Whether a memory checker is at work: it takes memory and time of its own.
+ */
+#pragma once
+
+#include <cstdlib>
+#include <cstring>
+
+inline bool isUnderAMemoryChecker() {
+#ifdef __SANITIZE_ADDRESS__
+    return true;
+#else
+    const char* const preloaded = std::getenv("LD_PRELOAD");
+    return preloaded && std::strstr(preloaded, "vgpreload");
+#endif
+}
