@@ -11,9 +11,18 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# Every program finds the libraries beside it in the build tree.
+# Every program finds the libraries beside it, in the build tree and where it is installed. Debian's own
+# folders need no such path.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  file(RELATIVE_PATH to_libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${to_libraries}")
+endif()
+
+# Two builds of the same sources are the same to the bit, wherever they are made.
+add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build")
 
 # vexa_own_code(TARGET): the rules for a target of ours; nothing of them reaches its users.
 function(vexa_own_code target)
@@ -31,9 +40,12 @@ function(vexa_shared_library target alias)
                      "$<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>"
                      "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
   target_compile_features(${target} PUBLIC cxx_std_17)
-  target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  target_link_options(
+    ${target} PRIVATE -Wl,--no-undefined
+    "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/hide-standard-library.map")
   set_target_properties(
     ${target}
-    PROPERTIES VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
+    PROPERTIES LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/hide-standard-library.map"
+               VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
                SOVERSION ${PROJECT_VERSION_MAJOR})
 endfunction()

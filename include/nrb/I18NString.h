@@ -132,12 +132,12 @@ public:
     }
 
 private:
-    struct NarrowForm;
+    struct NRB_LOCAL NarrowForm;
 
     explicit I18NString(std::u16string text) noexcept : m_strText(std::move(text)) {}
-    static const NarrowForm* findForm(const NarrowForm* newest, const char* encoding,
-                                      I18NNarrowConverter converter);
-    void dropNarrowForms() noexcept;
+    NRB_LOCAL static const NarrowForm* findForm(const NarrowForm* newest, const char* encoding,
+                                                I18NNarrowConverter converter);
+    NRB_LOCAL void dropNarrowForms() noexcept;
 
     std::u16string m_strText;
     /** Narrow forms handed out so far: a list that only grows until the text changes. */

@@ -48,5 +48,5 @@ protected:
     virtual bool findText(const char* locale, I18NString& out) const = 0;
 
 private:
-    bool formatInLanguageOrParent(const char* language, I18NString& out) const;
+    NRB_LOCAL bool formatInLanguageOrParent(const char* language, I18NString& out) const;
 };

@@ -128,14 +128,14 @@ private:
     friend struct Dom2DomInspector; // for tests
 
     /** Gives objects of the engine back to the engine transformer that made them. */
-    struct EngineRelease {
+    struct VEXA_LOCAL EngineRelease {
         VEXA_ENGINE_NAMESPACE::XalanTransformer* engine;
         void operator()(const VEXA_ENGINE_NAMESPACE::XalanParsedSource* source) const;
         void operator()(VEXA_ENGINE_NAMESPACE::XalanDocumentBuilder* builder) const;
     };
 
     bool hasRole() const { return m_bInputInitialized || m_bOutputInitialized; }
-    bool parse(std::istream& stream, const char* systemId);
+    VEXA_LOCAL bool parse(std::istream& stream, const char* systemId);
 
     // Destroyed from the last to the first: the builder with its document, the formatter that wrote
     // to it, the target that fed the formatter, the parsed source.

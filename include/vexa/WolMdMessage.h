@@ -23,7 +23,7 @@ public:
     ~WolMdMessage() override;
 
 private:
-    bool findText(const char* locale, I18NString& out) const override;
+    VEXA_LOCAL bool findText(const char* locale, I18NString& out) const override;
 
     std::uint32_t m_nId;
 };
