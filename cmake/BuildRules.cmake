@@ -18,7 +18,8 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   file(RELATIVE_PATH to_libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-  set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${to_libraries}")
+  set(VEXA_PROGRAM_INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  set(CMAKE_INSTALL_RPATH "$ORIGIN")
 endif()
 
 # Two builds of the same sources are the same to the bit, wherever they are made.
@@ -47,5 +48,12 @@ function(vexa_shared_library target alias)
     ${target}
     PROPERTIES LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/hide-standard-library.map"
                VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
-               SOVERSION ${PROJECT_VERSION_MAJOR})
+               SOVERSION ${PROJECT_VERSION_MAJOR}
+               EXPORT_NAME ${alias})
+  if(VEXA_INSTALL)
+    install(
+      TARGETS ${target}
+      EXPORT VEXA_XSLTransformerTargets
+      LIBRARY COMPONENT libraries NAMELINK_COMPONENT development)
+  endif()
 endfunction()
