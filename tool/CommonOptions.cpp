@@ -40,11 +40,13 @@ parseParameters(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         const auto equals = argument.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw WrongUsage("-p " + argument, "a parameter has the form NAME=VALUE");
+            throw WrongUsage("-p " + argument,
+                             "a parameter has the form NAME=VALUE, such as title=Orders");
         }
         const I18NString name = toText(argument.substr(0, equals));
         if (!isName(name)) {
-            throw WrongUsage("-p " + argument, "a parameter's name is a plain XML name");
+            throw WrongUsage("-p " + argument,
+                             "a parameter's name is a plain XML name, such as title");
         }
         const std::string value = argument.substr(equals + 1);
         if (value.find('\'') != std::string::npos) {

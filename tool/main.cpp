@@ -1,6 +1,7 @@
 #include "ChainCommand.h"
 #include "Failure.h"
 #include "TransformCommand.h"
+#include "UsageReason.h"
 #include "VersionText.h"
 #include "XPathCommand.h"
 
@@ -23,15 +24,6 @@ constexpr const char* EXAMPLES = R"(Examples:
 
 Exit status: 0 done; 1 a transform, query or file failed; 2 wrong usage.
 'vexa-xslt COMMAND --help' tells more about a command.)";
-
-/** CLI11 tells of a mistyped command only that one is missing. */
-std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
-    const auto unknown = app.remaining();
-    if (app.get_subcommands().empty() && !unknown.empty()) {
-        return unknown.front() + ": there is no such command or option";
-    }
-    return error.what();
-}
 
 /** One line, in the form of every other error, and where to read on. */
 int tellWrongUsage(const CLI::App& app, const std::string& reason) {
@@ -101,7 +93,7 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool asked = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        return asked ? printHelp(app, error) : tellWrongUsage(app, reasonOf(app, error));
+        return asked ? printHelp(app, error) : tellWrongUsage(app, usageReason(app, error));
     }
     return runCommand(app, command);
 }
