@@ -46,7 +46,7 @@ std::string listed(const Words& words, const std::string& beforeLast) {
 std::string unknownCommand(const CLI::App& app, const std::string& word) {
     const Words names = commandNames(app);
     const std::string meant = nearestWord(word, names);
-    return word + ": there is no such command" +
+    return (word.empty() ? "''" : word) + ": there is no such command" +
            (meant.empty() ? "; there are " + listed(names, "and") : didYouMean(meant));
 }
 
@@ -65,18 +65,23 @@ std::string unknownOption(const CLI::App& command, const std::string& argument) 
            (mayBeArgument ? "; an argument that begins with - stands after --" : didYouMean(meant));
 }
 
+/** What the parser left over; it counts the mark for the end of the options too. */
+Words leftOver(const CLI::App& app) {
+    Words words = app.remaining();
+    words.erase(std::remove(words.begin(), words.end(), "--"), words.end());
+    return words;
+}
+
 /** What the parser did not know; empty where that was not the fault. */
 std::string unknownArgument(const CLI::App& app, const CLI::App& command) {
     const Words before = app.remaining();
-    if (!before.empty()) {
+    if (!before.empty() && before.front() != "--") {
         return isOption(before.front()) ? unknownOption(app, before.front())
                                         : unknownCommand(app, before.front());
     }
     // A mistyped option comes first: what would have been its value is then an argument too many.
-    const Words unknown = command.remaining();
-    const auto option = std::find_if(unknown.begin(), unknown.end(), [](const auto& argument) {
-        return isOption(argument) && argument != "--";
-    });
+    const Words unknown = leftOver(command);
+    const auto option = std::find_if(unknown.begin(), unknown.end(), isOption);
     return option == unknown.end() ? "" : unknownOption(command, *option);
 }
 
@@ -112,7 +117,7 @@ std::string usageReason(const CLI::App& app, const CLI::ParseError& error) {
     if (asked.empty()) {
         return "a command is missing: " + listed(commandNames(app), "or");
     }
-    const Words tooMany = command.remaining();
+    const Words tooMany = leftOver(command);
     if (dynamic_cast<const CLI::ExtrasError*>(&error) && !tooMany.empty()) {
         return tooMany.front() + ": this is an argument too many";
     }

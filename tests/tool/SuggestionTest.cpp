@@ -84,6 +84,9 @@ TEST_F(SuggestionTest, TellsWhatElseIsWrongWithACommandLine) {
     expectFailure(tool("help chain"), 2, "help: ", "see 'vexa-xslt chain --help'");
     expectFailure(tool("--quiet transform ok.xsl ok.xml"), 2,
                   "--quiet: this option stands after the command");
+    expectFailure(tool("''"), 2, "'': there is no such command;");
+    expectFailure(tool("-- transform"), 2, "a command is missing: ");
+    expectFailure(tool("transform -- ok.xsl ok.xml more"), 2, "more: this is an argument too many");
     expectFailure(tool("transform ok.xsl ok.xml more"), 2, "more: this is an argument too many");
     expectFailure(tool("transform ok.xsl ok.xml -o"), 2, "--output: its OUTPUT is missing");
     expectFailure(tool("transform ok.xsl ok.xml -p a=b -p"), 2,
