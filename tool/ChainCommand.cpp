@@ -25,11 +25,14 @@ constexpr const char* DESCRIPTION = "Run stylesheet after stylesheet over one do
 constexpr const char* MORE_HELP =
     R"(Each stylesheet works on the result of the one before, without turning it into
 text. The last one's output settings say how the result is written. Parameters
-go to every stylesheet.
+go to every stylesheet. An output file appears whole or not at all.
 
 Examples:
-  vexa-xslt chain orders.xml open-only.xsl report.xsl -o report.html
-  generate-orders | vexa-xslt chain - clean.xsl report.xsl -p currency=EUR)";
+  # Keep the open orders only, and turn these into a page
+  vexa-xslt chain orders.xml open-only.xsl report.xsl -o open.html
+
+  # As a filter, with a parameter
+  generate-orders | vexa-xslt chain - open-only.xsl report.xsl -p title=Open)";
 
 struct ChainOptions {
     std::string source;
@@ -115,14 +118,15 @@ void addChainCommand(CLI::App& app, std::function<void()>& command) {
     const auto options = std::make_shared<ChainOptions>();
     CLI::App* const chain = app.add_subcommand("chain", DESCRIPTION);
     chain->footer(MORE_HELP);
-    chain->add_option("SOURCE", options->source, "The document; -: standard input")
+    chain->add_option("SOURCE", options->source, "The document; standard input if it is -")
         ->type_name("")
         ->required();
-    chain->add_option("STYLESHEET", options->stylesheets, "The stylesheets, in their order")
+    chain
+        ->add_option("STYLESHEET", options->stylesheets,
+                     "The stylesheets, in the order in which they run")
         ->type_name("")
         ->required();
-    chain->add_option("-o,--output", options->output, "The result; none, or -: standard output")
-        ->type_name("OUTPUT");
+    addOutputOption(*chain, options->output);
     addParameterOption(*chain, options->common);
     addEngineOptions(*chain, options->common);
     chain->callback([options, &command] { command = [options] { ChainRun(*options).run(); }; });

@@ -18,20 +18,36 @@ bool isName(const I18NString& text) {
 
 } // namespace
 
+void addSourceArgument(CLI::App& command, std::string& source) {
+    command.add_option("SOURCE", source, "The document; standard input if it is - or left out")
+        ->type_name("");
+}
+
+void addOutputOption(CLI::App& command, std::string& output) {
+    command
+        .add_option("-o,--output", output,
+                    "Write the result to this file; to standard output if it is - or left out")
+        ->type_name("OUTPUT");
+}
+
 void addParameterOption(CLI::App& command, CommonOptions& options) {
     command
-        .add_option("-p,--param", options.parameters,
-                    "Set the stylesheet parameter NAME to the string VALUE (may be repeated)")
+        .add_option(
+            "-p,--param", options.parameters,
+            "Set the stylesheet parameter NAME to the string VALUE; once for each parameter")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
 }
 
 void addEngineOptions(CLI::App& command, CommonOptions& options) {
+    constexpr const char* MESSAGES = "Messages, on standard error";
     command.add_flag("--xerces-dom", options.useXercesDom,
-                     "Parse the source into the XML parser's own tree (takes more memory)");
-    command.add_flag("--timing", options.timing, "Tell on standard error where the time went");
-    command.add_flag("--quiet", options.quiet,
-                     "Print no messages of the stylesheet and no timing, only errors");
+                     "Parse the source into the XML parser's own tree, which takes more memory");
+    command.add_flag("--timing", options.timing, "Tell where the time went")->group(MESSAGES);
+    command
+        .add_flag("--quiet", options.quiet,
+                  "Tell of errors only: no texts of xsl:message, no timing")
+        ->group(MESSAGES);
 }
 
 std::vector<std::pair<I18NString, I18NString>>
@@ -40,11 +56,13 @@ parseParameters(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         const auto equals = argument.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw WrongUsage("-p " + argument, "a parameter has the form NAME=VALUE");
+            throw WrongUsage("-p " + argument,
+                             "a parameter has the form NAME=VALUE, such as title=Orders");
         }
         const I18NString name = toText(argument.substr(0, equals));
         if (!isName(name)) {
-            throw WrongUsage("-p " + argument, "a parameter's name is a plain XML name");
+            throw WrongUsage("-p " + argument,
+                             "a parameter's name is a plain XML name, such as title");
         }
         const std::string value = argument.substr(equals + 1);
         if (value.find('\'') != std::string::npos) {

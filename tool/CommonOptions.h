@@ -22,7 +22,9 @@ struct CommonOptions {
     bool quiet = false;
 };
 
-/** Adds the options to a command; `options` must outlive the parse. */
+/** Adds an argument, or options, to a command; what they are to fill must outlive the parse. */
+void addSourceArgument(CLI::App& command, std::string& source);
+void addOutputOption(CLI::App& command, std::string& output);
 void addParameterOption(CLI::App& command, CommonOptions& options);
 void addEngineOptions(CLI::App& command, CommonOptions& options);
 

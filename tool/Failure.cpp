@@ -1,11 +1,14 @@
 #include "Failure.h"
 
+#include "TerminalStyle.h"
+
 #include <iostream>
 #include <system_error>
+#include <unistd.h>
 
 void tellFailure(const std::string& text) {
     std::cout.flush();
-    std::cerr << "vexa-xslt: " + foldLines(text) + "\n";
+    std::cerr << styled("vexa-xslt:", Style::Error, STDERR_FILENO) + " " + foldLines(text) + "\n";
 }
 
 std::string foldLines(const std::string& text) {

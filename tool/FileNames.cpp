@@ -1,7 +1,9 @@
 #include "FileNames.h"
 
 #include "Failure.h"
+#include "Suggestion.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -10,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -64,6 +67,34 @@ std::string unescape(const std::string& text) {
     return plain;
 }
 
+/** A name that would reach into the terminal must not come from a folder into a message. */
+bool isPrintable(const std::string& name) {
+    return std::none_of(name.begin(), name.end(),
+                        [](unsigned char c) { return c < ' ' || c == 0x7F; });
+}
+
+/** The names of files in a folder, not of all if there are very many; none if it is unreadable. */
+std::vector<std::string> filesIn(const fs::path& folder) {
+    constexpr std::size_t MOST_NAMES = 10'000;
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end;
+         !error && entry != end && names.size() < MOST_NAMES; entry.increment(error)) {
+        std::error_code ignored;
+        if (isPrintable(entry->path().filename().string()) && entry->is_regular_file(ignored)) {
+            names.push_back(entry->path().filename().string());
+        }
+    }
+    return names;
+}
+
+/** A file of a nearly equal name in the same folder, written as the missing one was. */
+std::string nearestFile(const fs::path& missing) {
+    const std::string name =
+        nearestName(missing.filename().string(), filesIn(missing.parent_path()));
+    return name.empty() ? name : (missing.parent_path() / name).string();
+}
+
 } // namespace
 
 InputName::InputName(std::string argument)
@@ -91,7 +122,10 @@ void InputName::checkReadable() const {
     const std::string path = displayName(m_strUri);
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) {
-        throw Failure(m_strArgument, systemReason(errno));
+        const int error = errno;
+        const bool isMissing = error == ENOENT && m_bFile;
+        throw Failure(m_strArgument, systemReason(error) +
+                                         (isMissing ? didYouMean(nearestFile(m_strArgument)) : ""));
     }
     if (S_ISDIR(status.st_mode)) {
         throw Failure(m_strArgument, systemReason(EISDIR));

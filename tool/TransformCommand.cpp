@@ -26,12 +26,17 @@ constexpr const char* DESCRIPTION = "Run one stylesheet over one document";
 
 constexpr const char* MORE_HELP =
     R"(Names are file names, taken literally; a URI (file:, http:) is taken as well.
-An output file appears whole or not at all. Texts of xsl:message go to
-standard error.
+An output file appears whole or not at all: after a failure, what was there
+before is there still. Texts of xsl:message go to standard error.
 
 Examples:
+  # A page in a file
   vexa-xslt transform report.xsl orders.xml -o report.html
-  vexa-xslt transform report.xsl orders.xml -p currency=EUR -p lang=de
+
+  # With parameters; to standard output
+  vexa-xslt transform report.xsl orders.xml -p title=May -p currency=EUR
+
+  # As a filter
   generate-orders | vexa-xslt transform report.xsl > report.html)";
 
 struct TransformOptions {
@@ -158,10 +163,8 @@ void addTransformCommand(CLI::App& app, std::function<void()>& command) {
     transform->add_option("STYLESHEET", options->stylesheet, "The stylesheet")
         ->type_name("")
         ->required();
-    transform->add_option("SOURCE", options->source, "The document; none, or -: standard input")
-        ->type_name("");
-    transform->add_option("-o,--output", options->output, "The result; none, or -: standard output")
-        ->type_name("OUTPUT");
+    addSourceArgument(*transform, options->source);
+    addOutputOption(*transform, options->output);
     addParameterOption(*transform, options->common);
     addEngineOptions(*transform, options->common);
     transform->callback(

@@ -29,13 +29,25 @@ constexpr const char* DESCRIPTION = "Evaluate an XPath expression over a documen
 
 constexpr const char* MORE_HELP =
     R"(Prints a string, a number or a boolean as its text, and of a node-set each node
-on a line of its own: an attribute as its value, any other node as XML. Prefixes
-are those that the document declares.
+on a line of its own: an attribute as its value, any other node as XML. Nothing
+found is nothing printed, and no failure.
+
+Prefixes are those that the document declares. A name without a prefix is in no
+namespace, even where the document declares one for such names: then ask for
+*[local-name() = "order"] instead of order.
 
 Examples:
+  # How many?
   vexa-xslt xpath 'count(//order)' orders.xml
+
+  # Which? One line for each
   vexa-xslt xpath '//order[@state = "open"]/@id' orders.xml
-  curl -s http://host/orders.xml | vexa-xslt xpath 'string(//title[1])')";
+
+  # Of what comes through a pipe
+  curl -s http://host/orders.xml | vexa-xslt xpath 'string(//title)'
+
+  # Where a namespace is declared for names without a prefix
+  vexa-xslt xpath 'count(//*[local-name() = "order"])' orders.xml)";
 
 struct XPathOptions {
     std::string expression;
@@ -102,11 +114,12 @@ void addXPathCommand(CLI::App& app, std::function<void()>& command) {
     const auto options = std::make_shared<XPathOptions>();
     CLI::App* const xpath = app.add_subcommand("xpath", DESCRIPTION);
     xpath->footer(MORE_HELP);
-    xpath->add_option("EXPRESSION", options->expression, "The expression")
+    xpath
+        ->add_option("EXPRESSION", options->expression,
+                     "The XPath 1.0 expression; in apostrophes, so that the shell leaves it alone")
         ->type_name("")
         ->required();
-    xpath->add_option("SOURCE", options->source, "The document; none, or -: standard input")
-        ->type_name("");
+    addSourceArgument(*xpath, options->source);
     addEngineOptions(*xpath, options->common);
     xpath->callback([options, &command] { command = [options] { runXPath(*options); }; });
 }

@@ -1,6 +1,8 @@
 #include "ChainCommand.h"
 #include "Failure.h"
+#include "Help.h"
 #include "TransformCommand.h"
+#include "UsageReason.h"
 #include "VersionText.h"
 #include "XPathCommand.h"
 
@@ -15,23 +17,26 @@
 
 namespace {
 
-constexpr const char* EXAMPLES = R"(Examples:
+constexpr const char* MORE_HELP =
+    R"(Examples:
+  # Turn an order book into a page
   vexa-xslt transform report.xsl orders.xml -o report.html
-  vexa-xslt transform report.xsl orders.xml -p currency=EUR > report.html
-  vexa-xslt chain orders.xml open-only.xsl report.xsl -o report.html
+
+  # The same as a filter, with a parameter for the stylesheet
+  generate-orders | vexa-xslt transform report.xsl -p title=May > report.html
+
+  # Keep the open orders only, and turn these into a page
+  vexa-xslt chain orders.xml open-only.xsl report.xsl -o open.html
+
+  # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
 
-Exit status: 0 done; 1 a transform, query or file failed; 2 wrong usage.
-'vexa-xslt COMMAND --help' tells more about a command.)";
+Exit status:
+  0  done
+  1  a transform, a query or a file failed
+  2  the command line is wrong
 
-/** CLI11 tells of a mistyped command only that one is missing. */
-std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
-    const auto unknown = app.remaining();
-    if (app.get_subcommands().empty() && !unknown.empty()) {
-        return unknown.front() + ": there is no such command or option";
-    }
-    return error.what();
-}
+'vexa-xslt COMMAND --help' tells all about a command, 'man vexa-xslt' the rest.)";
 
 /** One line, in the form of every other error, and where to read on. */
 int tellWrongUsage(const CLI::App& app, const std::string& reason) {
@@ -72,7 +77,8 @@ int runCommand(const CLI::App& app, const std::function<void()>& command) {
 }
 
 int printHelp(const CLI::App& app, const CLI::ParseError& request) {
-    app.exit(request);
+    const bool isVersion = request.get_name() == "CallForVersion";
+    std::cout << (isVersion ? request.what() + std::string("\n") : helpText(app));
     if (std::cout.flush()) {
         return EXIT_DONE;
     }
@@ -86,10 +92,11 @@ int main(int argc, char** argv) {
     holdStandardStreams();
     std::ios::sync_with_stdio(false);
 
-    CLI::App app("Runs XSLT 1.0 stylesheets and XPath expressions over XML documents.",
-                 "vexa-xslt");
+    CLI::App app("Run XSLT 1.0 stylesheets and XPath expressions over XML documents", "vexa-xslt");
+    app.formatter(helpLayout());
+    app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", versionText, "Print the version and exit");
-    app.footer(EXAMPLES);
+    app.footer(MORE_HELP);
     app.require_subcommand(1);
 
     std::function<void()> command;
@@ -101,7 +108,7 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool asked = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        return asked ? printHelp(app, error) : tellWrongUsage(app, reasonOf(app, error));
+        return asked ? printHelp(app, error) : tellWrongUsage(app, usageReason(app, error));
     }
     return runCommand(app, command);
 }

@@ -1,0 +1,17 @@
+/**
+ * @file
+ * Colour and weight, for people only.
+ */
+#pragma once
+
+#include <string>
+
+enum class Style { Heading, Error };
+
+/**
+ * The text in a style, or as it is where nobody would see it: where the stream is no terminal, the
+ * terminal can show none, or the user wants none (NO_COLOR is set, be it to nothing).
+ *
+ * @param descriptor of the very stream that the text goes to
+ */
+std::string styled(const std::string& text, Style style, int descriptor);
