@@ -108,10 +108,12 @@ public:
      * @param stylesheetFile file name or URI of the stylesheet, under the same rules
      * @param outputFile     file name of the result, taken literally. After a failure it may hold a
      *                       part of the result
-     * @return 0 on success. Otherwise what the engine reports: -1 the stylesheet is wrong or ended
-     *         the transform, or the result could not be written; -2 the document or the stylesheet
-     *         is missing or not well-formed, or the source name is empty; -3 another error of the
-     *         XML parser; -4 an error of the document tree
+     * @retval 0  done
+     * @retval -1 the stylesheet is wrong or ended the transform, or the result could not be written
+     * @retval -2 the document or the stylesheet is missing or not well-formed, or the name of the
+     *            document is empty
+     * @retval -3 another error of the XML parser
+     * @retval -4 an error of the document tree
      */
     int doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
                     const I18NString& outputFile);
@@ -128,7 +130,7 @@ public:
      *                       escape
      * @param output         receives the result, followed by one NUL character. A failed transform
      *                       leaves the part written so far, and the NUL. A document that is not
-     *                       well-formed, or an exception, leaves no NUL
+     *                       well-formed leaves it untouched, and an exception leaves no NUL
      * @return as for the transform of files
      */
     int doTransform(std::istream& source, const I18NString& stylesheetFile, std::ostream& output);
@@ -137,17 +139,22 @@ public:
      * Transforms a document in memory into another, or onto a stream, without turning the source
      * into text. Every exception is caught and reported.
      *
+     * If the parse of `in` had failed, its result is given again, and getLastError() has the
+     * engine's last message.
+     *
      * @param in         an input holder, or a document output that has received a result; not
      *                   changed
      * @param stylesheet file name or URI of the stylesheet; a "%" is read as the start of a URI
      *                   escape
      * @param out        a holder with the output role
-     * @return 0 on success; the parse result of `in` if its parse had failed (the reason is then
-     * the engine's last message); otherwise by the exception: -1 an XSLException (the stylesheet is
-     * wrong or ended the transform, the result could not be written, `in` has no document element,
-     * `out` has no output role); -2 a SAXParseException or SAXException (the stylesheet is missing
-     * or not well-formed, `in` has no document); -3 an XMLException; -4 a XalanDOMException (a
-     * second result or a mere text for a document output); -5 any other
+     * @retval 0  done
+     * @retval -1 an XSLException: the stylesheet is wrong or ended the transform, the result could
+     *            not be written, `in` has no document element, or `out` no output role
+     * @retval -2 a SAXParseException or SAXException: the stylesheet is missing or not well-formed,
+     *            or `in` has no document
+     * @retval -3 an XMLException
+     * @retval -4 a XalanDOMException: a second result, or a mere text, for a document output
+     * @retval -5 any other exception
      */
     int doTransform(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
 
@@ -165,8 +172,8 @@ public:
      * @param expression the expression. One that would overflow a stack of 1 MiB (some 1,000 nested
      *                   brackets, 3,000 steps, or 5,000 operators in a row) is refused with -1
      * @param out        receives the text
-     * @return as for the in-memory transform; a wrong expression, or a holder without a document,
-     *         is -1
+     * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without
+     * a document
      */
     int doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out);
 
