@@ -11,7 +11,7 @@
 #include <utility>
 
 /**
- * A caller's own conversion into UTF-16, used by I18NString in place of the built-in one.
+ * A caller's own conversion into UTF-16, used by I18NString in place of ICU's.
  *
  * @param input   the text as it was handed to the I18NString constructor; never null
  * @param length  the length as it was handed to the constructor; negative: up to its terminator
@@ -21,8 +21,7 @@
 using I18NConverter = std::u16string (*)(const void* input, int length, void* context);
 
 /**
- * A caller's own conversion into narrow text, used by I18NString::c_str in place of the built-in
- * one.
+ * A caller's own conversion into narrow text, used by I18NString::c_str() in place of ICU's.
  *
  * @param text     the string's UTF-16 text; never null, NUL-terminated
  * @param length   its length in UTF-16 code units
@@ -36,17 +35,17 @@ using I18NNarrowConverter = std::string (*)(const char16_t* text, int length, co
  *
  * Ownership: a value type that owns its text and every narrow form it has handed out.
  *
- * Encodings: narrow text without a named encoding travels in the platform's default encoding
- * (I18NGetPlatformDefaultEncoding). A named encoding is any name or alias that ICU knows, in upper
- * or lower case. Malformed input becomes U+FFFD. A lone surrogate is written as U+FFFD; a character
- * that a target encoding lacks as "?".
+ * Encodings: narrow text travels in the platform's default encoding
+ * (see I18NGetPlatformDefaultEncoding()) where none is named. A named encoding is any name or alias
+ * that ICU knows, in upper or lower case. Malformed input becomes U+FFFD. A lone surrogate is
+ * written as U+FFFD; a character that a target encoding lacks as "?".
  *
  * Threads: as for a standard container, any number of threads may call const operations of one
  * string at once (c_str included, although it caches); a change needs the string for itself.
  *
  * Exceptions: std::invalid_argument for an unknown encoding name, std::length_error for a text
- * whose other form could take 2 GiB or more, std::runtime_error where ICU fails, std::bad_alloc. An
- * operation that throws leaves the string as it was.
+ * whose other form could take 2 GiB or more, std::runtime_error where ICU fails, std::bad_alloc,
+ * and what a caller's own converter throws. An operation that throws leaves the string as it was.
  */
 class NRB_EXPORT I18NString {
 public:
@@ -66,7 +65,7 @@ public:
                I18NConverter converter = nullptr);
 
     /**
-     * A text from a buffer in the external form (see getExternalBuffer), which is copied.
+     * A text from a buffer in the external form (see getExternalBuffer()), which is copied.
      *
      * @param externalBuffer   the buffer; null stands for an empty text
      * @param length           number of UTF-16 code units; negative: up to the terminating NUL
@@ -76,14 +75,23 @@ public:
     I18NString(const void* externalBuffer, int length, I18NConverter converter,
                void* converterContext);
 
+    /** A copy of the text, without the narrow forms that `other` has handed out. */
     I18NString(const I18NString& other);
+    /** Takes the text over; `other` is empty afterwards. */
     I18NString(I18NString&& other) noexcept;
+    /** Copies the text. */
     I18NString& operator=(const I18NString& other);
+    /** Takes the text over; `other` is empty afterwards. */
     I18NString& operator=(I18NString&& other) noexcept;
-    /** Takes the text of a NUL-terminated narrow text in the default encoding; null: empty. */
+    /**
+     * Takes a narrow text in the default encoding, up to its terminating NUL; null gives an empty
+     * text. The narrow text may be one of this string's own forms.
+     */
     I18NString& operator=(const char* text);
+    /** Ends the life of every pointer that the string has handed out. */
     ~I18NString();
 
+    /** Appends a text, which may be this one. */
     I18NString& operator+=(const I18NString& tail);
 
     /** Whether the text has no characters. */
@@ -96,7 +104,7 @@ public:
      * arguments and lives until the string is assigned to, appended to, moved from or destroyed.
      *
      * @param encoding  an ICU encoding name; null: the platform's default encoding
-     * @param length    if not null, receives the number of bytes without the terminator
+     * @param length    if not null, receives the number of bytes, without the terminator
      * @param converter if not null, makes the narrow text in place of ICU
      * @return the bytes, followed by a NUL; never null
      */
@@ -111,8 +119,8 @@ public:
 
     /**
      * The part from `start` up to but not including `end`, counted in UTF-16 code units. Positions
-     * outside the text are moved to its nearest end, so that a start past the text, or an end
-     * before the start, gives an empty text.
+     * outside the text are moved to its nearest end. A start past the text, or an end before the
+     * start, gives an empty text.
      */
     I18NString substring(int start, int end) const;
 
@@ -120,12 +128,15 @@ public:
     friend bool operator<(const I18NString& left, const I18NString& right) noexcept {
         return left.m_strText < right.m_strText;
     }
+    /** Whether both have the same UTF-16 code units. */
     friend bool operator==(const I18NString& left, const I18NString& right) noexcept {
         return left.m_strText == right.m_strText;
     }
+    /** Whether any UTF-16 code unit differs. */
     friend bool operator!=(const I18NString& left, const I18NString& right) noexcept {
         return left.m_strText != right.m_strText;
     }
+    /** One text after the other. */
     friend I18NString operator+(I18NString left, const I18NString& right) {
         left += right;
         return left;
@@ -154,7 +165,7 @@ NRB_EXPORT const char* I18NGetPlatformDefaultEncoding();
  * Gives the UTF-16 text of a buffer in the external form.
  *
  * @param utf16          receives the NUL-terminated text; an empty one where the buffer is null
- * @param externalBuffer the buffer, as I18NString::getExternalBuffer returns it
+ * @param externalBuffer the buffer, as I18NString::getExternalBuffer() returns it
  * @param copy           false: a view of the buffer, which lives as long as the buffer and is not
  *                       to be released; true: a copy that the caller releases with std::free
  * @throws std::bad_alloc only where a copy is asked for
@@ -163,7 +174,7 @@ NRB_EXPORT void I18NExternalBufferToUTF16(const char16_t*& utf16, const void* ex
                                           bool copy);
 
 /**
- * Gives the external form of a UTF-16 text: the reverse of I18NExternalBufferToUTF16, under the
+ * Gives the external form of a UTF-16 text: the reverse of I18NExternalBufferToUTF16(), under the
  * same rules.
  *
  * @param externalBuffer receives the buffer; an empty one where the text is null

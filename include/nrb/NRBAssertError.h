@@ -21,6 +21,7 @@ public:
 
     /** The file name, as long as this object lives. Never null. */
     const char* getFile() const noexcept { return m_strFile.c_str(); }
+    /** The line number, counted from 1; 0 if unknown. */
     int getLine() const noexcept { return m_nLine; }
 
 private:
@@ -53,6 +54,7 @@ public:
      */
     [[noreturn]] void hurl(const NRBFileLocation& location, const char* detail, const char* origin);
 
+    /** The code given at construction. */
     long getCode() const noexcept { return m_lCode; }
     /** The text given at construction, the same as what(). Never null. */
     const char* getText() const noexcept { return what(); }

@@ -11,8 +11,12 @@
  * The base of catalogue messages: finds the language in which a message can be told. Where the
  * texts are kept is the business of the class derived from it.
  *
- * Threads: any number of threads may format at once, as far as the derived class's findText allows
- * it.
+ * Ownership: a value without state of its own.
+ *
+ * Threads: any number of threads may format at once, as far as the derived class's findText()
+ * allows it.
+ *
+ * Exceptions: what findText() throws, and std::bad_alloc.
  */
 class NRB_EXPORT NRBMessage {
 public:
@@ -29,13 +33,14 @@ public:
      * @param language         narrow text; null or empty: go straight to the fallback
      * @param fallbackLanguage narrow text; null or empty: no fallback
      * @param out              receives the text
-     * @throws what findText throws, std::bad_alloc
      */
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const;
 
 protected:
     NRBMessage() = default;
+    /** Copies nothing, as there is nothing to copy. */
     NRBMessage(const NRBMessage&) = default;
+    /** Copies nothing, as there is nothing to copy. */
     NRBMessage& operator=(const NRBMessage&) = default;
 
     /**

@@ -9,7 +9,7 @@
 
 #include <mutex>
 
-/** Something that one thread at a time may hold. Works with std::lock_guard and its kin too. */
+/** Something that one thread at a time may hold. std::lock_guard and its kin can hold it, too. */
 class NRB_EXPORT NRBThreadLockableResource {
 public:
     NRBThreadLockableResource() = default;
@@ -17,16 +17,24 @@ public:
     NRBThreadLockableResource& operator=(const NRBThreadLockableResource&) = delete;
     virtual ~NRBThreadLockableResource();
 
-    /** Waits until the calling thread holds the resource. @throws std::system_error */
+    /**
+     * Waits until the calling thread holds the resource.
+     * @throws std::system_error where the system cannot lock it
+     */
     virtual void lock() = 0;
-    /** Gives the resource back; only the thread that holds it may call this. */
+    /** Gives the resource back. Only the thread that holds it may call this, once for each lock. */
     virtual void unlock() = 0;
 };
 
-/** A lock within one process. The thread that holds it may take it again. */
+/**
+ * A lock within one process. The thread that holds it may take it again, and then has to give it
+ * back as often.
+ */
 class NRB_EXPORT NRBThreadCriticalSection : public NRBThreadLockableResource {
 public:
-    /** @param attempts how often lock() tries to get hold of it before it puts the thread to sleep
+    /**
+     * An open lock.
+     * @param attempts how often lock() tries before it puts the thread to sleep
      */
     explicit NRBThreadCriticalSection(int attempts);
     ~NRBThreadCriticalSection() override;
@@ -42,9 +50,11 @@ private:
 /** Holds a resource from its construction to its destruction; the resource must live longer. */
 class NRB_EXPORT NRBThreadGuard {
 public:
+    /** Waits until the calling thread holds the resource; throws what its lock() throws. */
     explicit NRBThreadGuard(NRBThreadLockableResource& resource);
     NRBThreadGuard(const NRBThreadGuard&) = delete;
     NRBThreadGuard& operator=(const NRBThreadGuard&) = delete;
+    /** Gives the resource back. */
     ~NRBThreadGuard();
 
 private:

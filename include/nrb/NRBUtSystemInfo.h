@@ -19,6 +19,7 @@ public:
      * one that the C library knows: after a change of the variable TZ, call tzset.
      *
      * @param kind which time stamp; 0 is the only kind there is, others are treated as 0
+     * @return the digits
      */
     static std::string getTimeStamp(int kind);
 };

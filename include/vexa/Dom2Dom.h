@@ -41,24 +41,31 @@ class XSLTResultTarget;
  *
  * Threads: a holder belongs to its transformer's thread.
  *
- * Failures: what is told by `false` has its reason in getLastError, unless the holder had a role
- * already. No exception is caught but where it is said.
+ * Failures: a failed parse has its reason in getLastError(); a role taken a second time is refused
+ * without one.
+ *
+ * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself.
  */
 class VEXA_EXPORT Dom2Dom {
 public:
-    /** An empty holder. @param transformer must not be null, and must outlive the holder */
+    /**
+     * A holder without a role; VEXAXslTransformer::createDom2Dom() makes one, too.
+     * @param transformer must not be null, and must outlive the holder
+     */
     explicit Dom2Dom(VEXAXslTransformer* transformer);
     Dom2Dom(const Dom2Dom&) = delete;
     Dom2Dom& operator=(const Dom2Dom&) = delete;
+    /** Destroys the document with the holder, whatever state it is in. */
     ~Dom2Dom();
 
     /**
      * Takes the input role: parses a document.
      *
-     * @param text the whole document, NUL-terminated, in the encoding that it declares (UTF-8 where
-     * it declares none); null is taken as an empty text
-     * @return whether there is a document now; false, too, if the holder has a role already. After
-     * a failed parse the holder keeps the input role: take a new one to try again
+     * @param text the whole document, NUL-terminated, in the encoding that it declares, or in UTF-8
+     *             where it declares none. Null is taken as an empty text. Not needed afterwards
+     * @return true if there is a document now; false if the parse failed, or if the holder had a
+     *         role already. After a failed parse the holder keeps the input role: take a new one to
+     *         try again
      */
     bool InitializeInputSource(const char* text);
 
@@ -70,7 +77,7 @@ public:
      * @param systemId the document's URI or file name, in the platform's default encoding: relative
      *                 references in the document are resolved against it, and error texts name it;
      *                 null is taken as an empty one
-     * @return as above
+     * @return as for the parse of a text
      */
     bool InitializeInputSource(std::istream& stream, const char* systemId);
 
@@ -82,16 +89,16 @@ public:
      * Of a stylesheet's output settings none applies to a document: no output method, no encoding,
      * no CDATA sections (their text is kept).
      *
-     * @return false if the holder has a role already
+     * @return true if the holder has taken the role; false if it had one already
      */
     bool InitializeOutputTarget();
 
     /**
      * Takes the output role: a transform writes its result to a stream as text, as the stylesheet's
-     * output settings say.
+     * output settings say. Several results follow one another.
      *
-     * @param stream is kept and must live as long as the holder is used
-     * @return false if the holder has a role already
+     * @param stream is kept, and must live as long as the holder is used
+     * @return true if the holder has taken the role; false if it had one already
      */
     bool InitializeOutputTarget(std::ostream& stream);
 
@@ -100,26 +107,30 @@ public:
      * its subtree (comments and processing instructions beside it are left out), a line feed and
      * one NUL character. A holder of another role writes only the line feed and the NUL.
      *
+     * The text is in UTF-8. A document output without a result gives the declaration, the line feed
+     * and the NUL.
+     *
      * @param os its error state is cleared first; its state afterwards tells whether it took the
-     * text
-     * @return 0; -1 if the engine reported an error, with the reason in getLastError: then the line
-     *         feed and the NUL are missing. A success leaves an earlier reason in place
-     * @throws any exception but the engine's XSLException
+     *           text
+     * @return 0; -1 if the engine reported an XSLException, with the reason in getLastError(): then
+     *         the line feed and the NUL are missing. A success leaves an earlier reason in place
      */
     int Serialize(std::ostream& os);
 
     /**
-     * The document: null before a successful initialisation, and for a stream output. It belongs to
-     * the holder and lives as long as it.
+     * The document; null before a successful initialisation, and for a stream output. It belongs to
+     * the holder and lives as long as the holder does.
      */
     VEXA_ENGINE_NAMESPACE::XalanDocument* GetDocument() const { return m_pDocument; }
 
     /**
-     * The reason of the last failure, in the platform's default encoding: the holder's own, or else
-     * the last message of the transformer's engine, which is that of its last parse or transform of
-     * a file or stream: read the reason of a failed parse before the next one. Empty if there is
-     * none; never null. The pointer lives until the next operation of the holder or its
-     * transformer: copy the text.
+     * The reason of the last failure, in the platform's default encoding. It is the holder's own
+     * (from Serialize), or else the last message of the transformer's engine: that of its last
+     * parse, or of its last transform of a file or a stream. Read the reason of a failed parse
+     * before the next one.
+     *
+     * Empty if there is none; never null. The pointer lives until the next operation of the holder
+     * or its transformer: copy the text.
      */
     const char* getLastError() const;
 

@@ -18,7 +18,7 @@
  * (VEXA_XSL_EXTENSION_NAMESPACE).
  *
  * A function of your own overrides three operations, and is handed to
- * VEXAXslTransformer::installExternalFunction:
+ * VEXAXslTransformer::installExternalFunction():
  *
  *     class FunctionShout : public TqXsltFunction {
  *     public:
@@ -38,17 +38,21 @@
  *         }
  *     };
  *
- * Ownership: the transformer and the engine work on clones, several of each function.
+ * Ownership: the transformer and the engine work on clones, several of each function. The caller's
+ * own object may go as soon as it is installed.
  *
  * Threads: a clone is called on the thread that runs the transform. It must not call the
  * transformer that is running it.
  *
- * Exceptions: what `execute` throws ends the transform. An exception that is not one of the
- * engines' leaves the file and stream transforms as it is.
+ * Exceptions: what `execute` throws ends the transform. The transforms of files and of streams
+ * report an exception of the engines', and let any other pass to their caller. The in-memory
+ * transform reports every one.
  */
 class VEXA_EXPORT TqXsltFunction : public xalanc::Function {
 public:
+    /** For derived classes; the base has no state. */
     TqXsltFunction();
+    /** For derived classes, whose `clone` may copy. */
     TqXsltFunction(const TqXsltFunction& other);
     ~TqXsltFunction() override;
 
@@ -68,15 +72,19 @@ public:
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
                                const xalanc::Locator* locator) const override = 0;
 
-    /** Gives a copy of this function, made with plain `new`, that belongs to the caller. */
+    /** Gives a copy of this function, made with plain `new`. It belongs to the caller. Never null.
+     */
     virtual TqXsltFunction* clone() const = 0;
 
     /** The text that tells how the function is to be called. Needs a started library. */
     virtual xalanc::XalanDOMString getError() const = 0;
 
     /**
-     * Gives the engine a copy of this function in the engine's own memory.
-     * @throws what clone() throws, std::bad_alloc or the memory manager's own exception
+     * Gives the engine a copy of this function in the engine's own memory; functions leave it as it
+     * is. It throws what clone() throws, and what the memory manager throws.
+     *
+     * @param memoryManager the engine's own
+     * @return belongs to the engine, which gives its memory back to that manager
      */
     Function* clone(xercesc::MemoryManager& memoryManager) const final;
 
@@ -87,5 +95,6 @@ public:
     static I18NString XalanDOMStringToI18NString(const xalanc::XalanDOMString& text);
 
 protected:
+    /** Tells the engine the text of getError(); functions leave it as it is. */
     const xalanc::XalanDOMString& getError(xalanc::XalanDOMString& buffer) const final;
 };

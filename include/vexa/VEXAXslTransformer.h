@@ -30,20 +30,22 @@ class XSLTResultTarget;
  *         std::cerr << transformer.getLastError() << '\n';
  *     }
  *
- * Ownership: a transformer owns its engine. It keeps every document that it has parsed until it is
- * destroyed: 10 to 13 times the source's size plus about 120 KB for each transform. A process that
- * runs on and on should therefore renew its transformer now and then. The clones made by
- * installExternalFunction are never freed.
+ * Ownership: a transformer owns its engine. It keeps the source of every transform of files or
+ * streams until it is destroyed: 10 to 13 times the source's size, plus about 120 KB for each
+ * transform. A process that runs on and on should therefore renew its transformer now and then.
+ * Documents in memory go with their holders. The clones made by installExternalFunction() are never
+ * freed.
  *
  * Threads: one transformer is used by one thread at a time. Transformers in different threads work
- * side by side. Create them after TQXslTransformer_Initialize and destroy them before the matching
- * TQXslTransformer_Terminate.
+ * side by side. Create them after TQXslTransformer_Initialize(), and destroy them before the
+ * matching TQXslTransformer_Terminate().
  *
- * Failures: an operation tells of a failure by a non-zero result, and getLastError then gives the
- * reason. The transformer stays usable. The transforms of files and of streams catch no exception:
- * what the string class, the memory allocation or an extension function throws passes to the
- * caller, and so does what the engine throws and does not catch itself. The operations over
- * documents in memory catch every exception.
+ * Failures: an operation tells of a failure by a non-zero result, and getLastError() then gives the
+ * reason. The transformer stays usable.
+ *
+ * Exceptions: the operations over documents in memory catch every exception and report it. All
+ * others catch none: what the string class, the memory allocation or an extension function throws
+ * passes to the caller, and so does what the engine throws and does not catch itself.
  *
  * The engine prints some diagnostics on std::cerr by itself: texts of xsl:message, warnings and
  * parse errors.
@@ -58,6 +60,7 @@ public:
     VEXAXslTransformer();
     VEXAXslTransformer(const VEXAXslTransformer&) = delete;
     VEXAXslTransformer& operator=(const VEXAXslTransformer&) = delete;
+    /** Its holders must be gone, and the library still started. */
     ~VEXAXslTransformer();
 
     /**
@@ -66,7 +69,8 @@ public:
      *
      * @param name     the function's name there, without a prefix; a function that has that name
      *                 already, one of the library's own too, is replaced for this transformer only
-     * @param function is cloned; the clone, and one that it replaces, is never freed
+     * @param function is cloned; the clone, and one that it replaces, is never freed. If the clone
+     *                 throws, nothing is installed
      */
     void installExternalFunction(const I18NString& name, const TqXsltFunction& function);
 
@@ -74,22 +78,25 @@ public:
      * Sets a top-level parameter for the stylesheets of all later transforms.
      *
      * @param name  the parameter's name
-     * @param value its value, which the stylesheet sees as a string; it must not hold an
-     * apostrophe, as it is passed on between apostrophes and nothing is escaped: with one inside,
-     *              the engine refuses or misreads it at the next transform
+     * @param value its value, which the stylesheet sees as a string. It must not hold an
+     * apostrophe: it is passed on between apostrophes, and nothing is escaped. The engine refuses
+     *              or misreads such a value at the next transforms
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
 
     /**
-     * Makes a holder for a document in memory; include <vexa/Dom2Dom.h> to use it.
+     * Makes a holder for a document in memory. Include vexa/Dom2Dom.h to use it.
      *
-     * @return the caller's own; to be destroyed before this transformer
+     * @return belongs to the caller, and must be destroyed before this transformer; never null
      */
     std::unique_ptr<Dom2Dom> createDom2Dom();
 
     /**
-     * The reason for the last failure, in the platform's default encoding; empty if there was none.
-     * Never null. The pointer lives until the next operation of this transformer: copy the text.
+     * The reason of the last failure, in the platform's default encoding. Look at it after a
+     * failure: a success need not clear it.
+     *
+     * Empty if there was no failure; never null. The pointer lives until the next operation of this
+     * transformer or of one of its holders: copy the text.
      */
     const char* getLastError() const;
 
@@ -101,9 +108,12 @@ public:
      * @param stylesheetFile file name or URI of the stylesheet, under the same rules
      * @param outputFile     file name of the result, taken literally. After a failure it may hold a
      *                       part of the result
-     * @return 0 on success. Otherwise what the engine reports: -2 a document or stylesheet is
-     * missing or not well-formed, -1 the stylesheet is wrong or ended the transform, or the result
-     *         could not be written. -2 as well for an empty source name
+     * @retval 0  done
+     * @retval -1 the stylesheet is wrong or ended the transform, or the result could not be written
+     * @retval -2 the document or the stylesheet is missing or not well-formed, or the name of the
+     *            document is empty
+     * @retval -3 another error of the XML parser
+     * @retval -4 an error of the document tree
      */
     int doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
                     const I18NString& outputFile);
@@ -111,16 +121,17 @@ public:
     /**
      * Transforms a stream into a stream.
      *
-     * Unlike the file transform, it leaves an earlier error text of an in-memory transform in
-     * place.
+     * An earlier error text of an in-memory transform or a query stays in place, and getLastError()
+     * goes on to give it: the other transforms clear it.
      *
      * @param source         the document, read to its end. It has no base: relative references in
-     * it are resolved against the working directory
-     * @param stylesheetFile file name or URI of the stylesheet
-     * @param output         receives the result followed by one NUL character. A failed transform
-     *                       leaves the part written so far, and the NUL; a document that is not
-     *                       well-formed leaves it untouched
-     * @return as above
+     *                       it are resolved against the working directory
+     * @param stylesheetFile file name or URI of the stylesheet; a "%" is read as the start of a URI
+     *                       escape
+     * @param output         receives the result, followed by one NUL character. A failed transform
+     *                       leaves the part written so far, and the NUL. A document that is not
+     *                       well-formed leaves it untouched, and an exception leaves no NUL
+     * @return as for the transform of files
      */
     int doTransform(std::istream& source, const I18NString& stylesheetFile, std::ostream& output);
 
@@ -128,14 +139,22 @@ public:
      * Transforms a document in memory into another, or onto a stream, without turning the source
      * into text. Every exception is caught and reported.
      *
+     * If the parse of `in` had failed, its result is given again, and getLastError() has the
+     * engine's last message.
+     *
      * @param in         an input holder, or a document output that has received a result; not
-     * changed
-     * @param stylesheet file name or URI of the stylesheet
+     *                   changed
+     * @param stylesheet file name or URI of the stylesheet; a "%" is read as the start of a URI
+     *                   escape
      * @param out        a holder with the output role
-     * @return 0 on success; the parse result of `in` if that had failed (the reason is the
-     * engine's); -1 the engine's XSLException, -2 a SAXParseException or SAXException (the
-     * stylesheet is missing or not well-formed), -3 an XMLException, -4 a XalanDOMException (such
-     * as a second result or a mere text for a document output), -5 any other exception
+     * @retval 0  done
+     * @retval -1 an XSLException: the stylesheet is wrong or ended the transform, the result could
+     *            not be written, `in` has no document element, or `out` no output role
+     * @retval -2 a SAXParseException or SAXException: the stylesheet is missing or not well-formed,
+     *            or `in` has no document
+     * @retval -3 an XMLException
+     * @retval -4 a XalanDOMException: a second result, or a mere text, for a document output
+     * @retval -5 any other exception
      */
     int doTransform(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
 
@@ -143,21 +162,25 @@ public:
      * Evaluates an XPath expression over a document in memory. Stylesheet parameters and extension
      * functions play no part. Every exception is caught and reported.
      *
+     * A string is written as text in the platform's default encoding, without a line end. A
+     * node-set of exactly one node is written as XML in UTF-8, without a declaration; of an
+     * attribute or a namespace node alone nothing is written. Nothing is written for any other
+     * result: wrap a number or a boolean in string().
+     *
      * @param holder     holds the document, which is the context node; prefixes in the expression
-     * are those that the document declares
-     * @param expression the expression; one with more than 1,000 nested brackets, or more than
-     * 5,000 arithmetic operators or comparisons in a row, is refused with -1
-     * @param out        receives a string as text in the platform's default encoding, without a
-     * line end; a node-set of exactly one node as XML without a declaration; nothing for any other
-     * result: wrap a number or a boolean in string(). Nothing is written for an attribute or a
-     * namespace node alone
-     * @return as for the in-memory transform
+     *                   are those that the document declares
+     * @param expression the expression. One that would overflow a stack of 1 MiB (some 1,000 nested
+     *                   brackets, 3,000 steps, or 5,000 operators in a row) is refused with -1
+     * @param out        receives the text
+     * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without
+     * a document
      */
     int doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out);
 
     /**
      * Whether documents are parsed into the XML parser's own tree (a Xerces DOM) instead of the
-     * XSLT processor's, which is several times smaller. Set it while no transformer is at work.
+     * XSLT processor's, which is several times smaller; false unless a host sets it. It holds for
+     * the whole process: set it while no transformer is at work.
      */
     static bool m_bUseXercesDOM;
 

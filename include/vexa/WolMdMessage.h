@@ -12,13 +12,17 @@
 /**
  * One message of the catalogue, named by its numeric identifier. NRBMessage::format gives its text.
  *
- * A value without resources of its own: making one looks nothing up, and an unknown identifier is
- * no error, its message just has no text in any language. Any number of threads may use messages at
- * once.
+ * Ownership: a value without resources of its own. Making one looks nothing up. An unknown
+ * identifier is no error: its message just has no text in any language.
+ *
+ * Threads: any number of threads may use messages at once.
  */
 class VEXA_EXPORT WolMdMessage : public NRBMessage {
 public:
-    /** @param id the message's identifier; only the low 32 bits count */
+    /**
+     * The message of that identifier.
+     * @param id only its low 32 bits count
+     */
     explicit WolMdMessage(unsigned long id);
     ~WolMdMessage() override;
 
