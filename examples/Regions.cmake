@@ -17,14 +17,6 @@ function(read_region variable file name)
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# list_regions(VARIABLE FILE): the names of all parts of a file.
-function(list_regions variable file)
-  file(READ "${file}" text)
-  string(REGEX MATCHALL "(//|#|<!--) \\[[a-z][a-z0-9 ]*\\]" marks "${text}")
-  list(TRANSFORM marks REPLACE ".*\\[(.*)\\]" "\\1")
-  set(${variable} "${marks}" PARENT_SCOPE)
-endfunction()
-
 # unindent(VARIABLE TEXT): the text without the blanks that its first line begins with.
 function(unindent variable text)
   string(REGEX MATCH "^ *" blanks "${text}")
