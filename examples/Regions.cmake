@@ -19,7 +19,9 @@ endfunction()
 
 # unindent(VARIABLE TEXT): the text without the blanks that its first line begins with.
 function(unindent variable text)
-  string(REGEX MATCH "^ *" blanks "${text}")
-  string(REGEX REPLACE "(^|\n)${blanks}" "\\1" text "${text}")
+  if(text MATCHES "^ +")
+    string(REPLACE "\n${CMAKE_MATCH_0}" "\n" text "\n${text}")
+    string(SUBSTRING "${text}" 1 -1 text)
+  endif()
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()

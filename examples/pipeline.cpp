@@ -21,8 +21,10 @@ int failed(const char* name, const char* reason) {
 }
 
 int run(const char* since, const char* source, const std::vector<const char*>& stylesheets) {
+    // [parameter]
     VEXAXslTransformer transformer;
     transformer.setStylesheetParam("since", since);
+    // [/parameter]
     std::ifstream stream(source);
     auto current = transformer.createDom2Dom();
     if (!current->InitializeInputSource(stream, source)) {
