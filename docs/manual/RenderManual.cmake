@@ -1,7 +1,15 @@
 # Renders the manual as one page, by vexa-xslt:
-# -D VEXA_XSLT=... -D DOCBOOK_XSL=... -D PROJECT_FOLDER=... -D OUTPUT=FOLDER [-D MANUAL=FOLDER]
+# -D VEXA_XSLT=... -D PROJECT_FOLDER=... -D OUTPUT=FOLDER [-D MANUAL=FOLDER]
 cmake_minimum_required(VERSION 3.25)
 include("${PROJECT_FOLDER}/examples/Regions.cmake")
+
+find_file(
+  DOCBOOK_XSL html/docbook.xsl
+  PATHS /usr/share/xml/docbook/stylesheet/docbook-xsl
+  NO_CACHE)
+if(NOT DOCBOOK_XSL)
+  message(FATAL_ERROR "The manual needs the DocBook stylesheets (Debian's package docbook-xsl)")
+endif()
 
 if(NOT MANUAL)
   set(MANUAL "${CMAKE_CURRENT_LIST_DIR}")

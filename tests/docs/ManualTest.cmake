@@ -1,5 +1,5 @@
 # Renders the manual into a scratch folder and looks whether the page is whole:
-# -D VEXA_XSLT=... -D DOCBOOK_XSL=... -D PROJECT_FOLDER=... -D OUTPUT=...
+# -D VEXA_XSLT=... -D PROJECT_FOLDER=... -D OUTPUT=...
 cmake_minimum_required(VERSION 3.25)
 
 set(MANUAL "${PROJECT_FOLDER}/docs/manual")
