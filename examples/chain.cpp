@@ -1,4 +1,6 @@
 // Two stylesheets in memory, and a query of what lies between them.
+//
+//     chain orders.xml open-only.xsl report.xsl > report.html
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -19,7 +21,7 @@ int chain(const char* sourceFile, const char* firstSheet, const char* secondShee
         std::cerr << source->getLastError() << '\n';
         return EXIT_FAILURE;
     }
-    // [shown in the README]
+    // [two stylesheets]
     between->InitializeOutputTarget();
     result->InitializeOutputTarget(std::cout);
     if (transformer.doTransform(*source, firstSheet, *between) != 0 ||
@@ -28,7 +30,7 @@ int chain(const char* sourceFile, const char* firstSheet, const char* secondShee
         std::cerr << transformer.getLastError() << '\n';
         return EXIT_FAILURE;
     }
-    // [shown in the README]
+    // [/two stylesheets]
     std::cerr << " elements between the two\n";
     return EXIT_SUCCESS;
 }

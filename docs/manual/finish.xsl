@@ -1,0 +1,26 @@
+<?xml version="1.0" encoding="UTF-8"?>
+<!--
+  The last step: plain HTML 5 from what the DocBook stylesheets made. Their pages carry namespace
+  declarations that no browser wants, and a table of contents that is not marked as navigation.
+-->
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+
+  <xsl:output method="html" encoding="UTF-8" indent="no" doctype-system="about:legacy-compat"/>
+
+  <xsl:template match="*">
+    <xsl:element name="{local-name()}">
+      <xsl:copy-of select="@*"/>
+      <xsl:apply-templates/>
+    </xsl:element>
+  </xsl:template>
+
+  <xsl:template match="div[@class = 'toc']">
+    <nav class="toc">
+      <xsl:apply-templates/>
+    </nav>
+  </xsl:template>
+
+  <!-- The engine writes a charset of its own. -->
+  <xsl:template match="meta[@http-equiv = 'Content-Type']"/>
+
+</xsl:stylesheet>

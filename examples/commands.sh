@@ -1,0 +1,17 @@
+# What vexa-xslt is mostly used for. Run it in a copy of the folder samples.
+set -euo pipefail
+
+# [transform]
+vexa-xslt transform report.xsl orders.xml -o report.html          # appears whole or not at all
+vexa-xslt transform report.xsl orders.xml -p title=Books > b.html # a parameter; standard output
+cat orders.xml | vexa-xslt transform open-only.xsl > open.xml     # the source from a pipe
+# [/transform]
+
+# [chain]
+vexa-xslt chain orders.xml open-only.xsl line-amounts.xsl totals.xsl -p since=2025-12-29
+# [/chain]
+
+# [xpath]
+vexa-xslt xpath 'count(//cat:product)' orders-small.xml
+vexa-xslt xpath '//cat:product[@price > 28]/@id' orders-small.xml
+# [/xpath]

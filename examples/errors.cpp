@@ -1,0 +1,138 @@
+// Every result code, provoked on purpose, and what a host does about it:
+//
+//     errors errors.xsl
+//
+// The advice goes to standard output, the engine's reasons to standard error.
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vexa/Dom2Dom.h>
+#include <vexa/TQXslTransformer.h>
+#include <vexa/TqXsltFunction.h>
+#include <vexa/VEXAXslTransformer.h>
+
+#include <xercesc/util/XMLURL.hpp>
+
+namespace {
+
+/** vexa:HostOf(address): lets pass what goes wrong inside it. */
+class FunctionHostOf : public TqXsltFunction {
+public:
+    xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
+                               const XObjectArgVectorType& args,
+                               const xalanc::Locator* locator) const override {
+        if (args.size() != 1) {
+            context.problem(context.eXPATH, context.eError, getError(), locator, node);
+        }
+        const xercesc::XMLURL url(args[0]->str(context).c_str()); // throws an XMLException
+        if (!url.getHost() || !*url.getHost()) {
+            throw std::runtime_error("the address names no host");
+        }
+        return context.getXObjectFactory().createString(url.getHost());
+    }
+    FunctionHostOf* clone() const override { return new FunctionHostOf(*this); }
+    xalanc::XalanDOMString getError() const override {
+        return xalanc::XalanDOMString("HostOf() takes one address");
+    }
+};
+
+// [advice]
+const char* advice(int result) {
+    switch (result) {
+    case 0:
+        return "use the result";
+    case -1:
+        return "mend the stylesheet or the expression; look whether the result can be written";
+    case -2:
+        return "mend or find the document or the stylesheet that the reason names";
+    case -3:
+        return "look into the reason: the XML parser met something else";
+    case -4:
+        return "take a new holder for the result";
+    default:
+        return "look for memory, or into your own extension functions";
+    }
+}
+// [/advice]
+
+class Tour {
+public:
+    explicit Tour(const char* stylesheet) : m_stylesheet(stylesheet) {
+        m_transformer.installExternalFunction("HostOf", FunctionHostOf());
+    }
+
+    void takeAll() {
+        query("string(/address");           // a bracket is missing
+        transformFiles("no-such-file.xml"); // nothing to read
+        transform("<address>pigeon://loft</address>");
+        transformTwiceIntoOneHolder();
+        transform("<address>file:///home</address>");
+        transformOnStreamRoad("<address>file:///home</address>");
+        transform("<address>http://vexa.example/</address>"); // still usable after all that
+    }
+
+private:
+    void tell(int result) {
+        std::cout << result << ": " << advice(result) << '\n';
+        if (result != 0) {
+            std::cerr << m_transformer.getLastError() << '\n';
+        }
+    }
+
+    void query(const char* expression) {
+        auto document = m_transformer.createDom2Dom();
+        document->InitializeInputSource("<address/>");
+        tell(m_transformer.doXPath(*document, expression, std::cerr));
+    }
+
+    void transformFiles(const char* source) {
+        tell(m_transformer.doTransform(source, m_stylesheet, "/dev/null"));
+    }
+
+    void transform(const char* text) {
+        auto source = m_transformer.createDom2Dom();
+        auto result = m_transformer.createDom2Dom();
+        source->InitializeInputSource(text);
+        result->InitializeOutputTarget();
+        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
+    }
+
+    void transformTwiceIntoOneHolder() {
+        auto source = m_transformer.createDom2Dom();
+        auto result = m_transformer.createDom2Dom();
+        source->InitializeInputSource("<address>http://vexa.example/</address>");
+        result->InitializeOutputTarget();
+        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
+        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
+    }
+
+    void transformOnStreamRoad(const char* text) {
+        // [exceptions pass]
+        std::istringstream source(text);
+        std::ostringstream result;
+        try {
+            tell(m_transformer.doTransform(source, m_stylesheet, result));
+        } catch (const std::exception& failure) { // thrown by the extension function
+            std::cout << "exception: " << failure.what() << '\n';
+        }
+        // [/exceptions pass]
+    }
+
+    VEXAXslTransformer m_transformer;
+    const char* m_stylesheet;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::cerr << "usage: errors STYLESHEET\n";
+        return EXIT_FAILURE;
+    }
+    TQXslTransformer_Initialize(nullptr);
+    Tour(argv[1]).takeAll();
+    TQXslTransformer_Terminate(nullptr);
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,21 @@
+<?xml version="1.0" encoding="UTF-8"?>
+<!-- Takes the time of a part of a stylesheet:
+
+         vexa-xslt transform timers.xsl orders.xml -->
+<!-- [timers] -->
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+                xmlns:vexa="http://vexa.example/xslt/wol" xmlns:o="http://vexa.example/orders">
+  <xsl:output method="text" encoding="UTF-8"/>
+  <xsl:template match="/">
+    <xsl:variable name="stopwatch" select="vexa:TimerCreate()"/>
+    <xsl:variable name="start" select="vexa:TimerStart($stopwatch)"/>
+    <xsl:for-each select="//o:order">
+      <xsl:sort select="@customer"/>
+      <xsl:value-of select="concat(@customer, ' ', @id, '&#10;')"/>
+    </xsl:for-each>
+    <xsl:variable name="lap" select="vexa:TimerStop($stopwatch)"/>
+    <xsl:value-of select="concat('Sorted in ', normalize-space($lap), ' s.&#10;')"/>
+    <xsl:variable name="total" select="vexa:TimerDestroy($stopwatch)"/>
+  </xsl:template>
+</xsl:stylesheet>
+<!-- [/timers] -->

@@ -1,0 +1,11 @@
+# Runs a script of commands in a fresh copy of the samples, with the program under test in the path,
+# and fails unless it leaves the files that it should: RunCommands.sh SCRIPT FOLDER SAMPLES PROGRAM
+set -euo pipefail
+
+rm -rf "$2"
+cp -R "$3" "$2"
+cd "$2"
+PATH="$(dirname "$4"):$PATH" bash "$1"
+grep -q '<title>Books</title>' b.html
+cmp -s <(grep -c 'id="order-' report.html) <(grep -c '<order ' orders.xml)
+[ "$(grep -c '<order ' open.xml)" = "$(grep -c 'state="open"' orders.xml)" ]
