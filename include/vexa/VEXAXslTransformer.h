@@ -170,7 +170,7 @@ public:
      * @param holder     holds the document, which is the context node; prefixes in the expression
      *                   are those that the document declares
      * @param expression the expression. One that would overflow a stack of 1 MiB (some 1,000 nested
-     *                   brackets, 3,000 steps, or 5,000 operators in a row) is refused with -1
+     *                   brackets, 3,000 steps, or 4,000 operators in a row) is refused with -1
      * @param out        receives the text
      * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without
      * a document

@@ -263,7 +263,7 @@ TEST_P(XPathQueryTest, WhatIsNotRefusedFitsIntoASmallStack) {
                 (isRefused ? refused : accepted) = depth;
             }
             EXPECT_GT(accepted,
-                      way.begin == std::string() && way.repeatedEnd != std::string() ? 4 : 500)
+                      way.begin == std::string() && way.repeatedEnd != std::string() ? 3 : 500)
                 << way.expression(1).substr(0, 20);
         });
     }
