@@ -10,7 +10,8 @@ namespace {
 
 /**
  * Bytes of stack, measured. What is counted is two thirds of what is taken where most of it is
- * taken, on 32 bits, and one count serves both word sizes, so that both refuse the same expressions.
+ * taken, on 32 bits, and one count serves both word sizes, so that both refuse the same
+ * expressions.
  */
 constexpr std::size_t MOST_STACK = 600 * 1024;
 constexpr std::size_t STACK_OF_BRACKET = 600;
