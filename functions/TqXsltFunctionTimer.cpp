@@ -49,6 +49,7 @@ I18NString formatSeconds(double seconds) {
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): so is its interface
 std::uint32_t MyConvertTimeString(I18NString stamp) {
     constexpr std::uint32_t MSEC_SEC = 1000;
     constexpr std::uint32_t MSEC_MIN = 60 * MSEC_SEC;
@@ -91,7 +92,7 @@ XalanDOMString FunctionTimerCreate::getError() const {
 
 I18NString FunctionTimerCreate::TimerCreate() {
     ++gnIndexTimerID;
-    const I18NString id = formatNumber(gnIndexTimerID);
+    I18NString id = formatNumber(gnIndexTimerID);
     // A stylesheet may have used this number already, on its own account.
     gmapTimers[gnIndexTimerID] = timeStopwatch();
     return id;
@@ -214,7 +215,7 @@ XalanDOMString FunctionTimerDestroy::getError() const {
 }
 
 I18NString FunctionTimerDestroy::TimerDestroy(const I18NString& id) {
-    const I18NString total = FunctionTimerTotal::TimerTotal(id);
+    I18NString total = FunctionTimerTotal::TimerTotal(id);
     gmapTimers.erase(parseNumber(id));
     return total;
 }

@@ -13,7 +13,7 @@ namespace {
  * taken, on 32 bits, and one count serves both word sizes, so that both refuse the same
  * expressions.
  */
-constexpr std::size_t MOST_STACK = 600 * 1024;
+constexpr std::size_t MOST_STACK = std::size_t{600} * 1024;
 constexpr std::size_t STACK_OF_BRACKET = 600;
 constexpr std::size_t STACK_OF_STEP = 180;
 constexpr std::size_t STACK_OF_OPERATOR = 150;
