@@ -1,5 +1,5 @@
-// A host as its developer would write it, built against an installation: a chain of two stylesheets with a
-// function of its own, and a message of the catalogue.
+// A host as its developer would write it, built against an installation: a chain of two stylesheets
+// with a function of its own, and a message of the catalogue.
 #include <nrb/NRBUtSystemInfo.h>
 #include <vexa/Dom2Dom.h>
 #include <vexa/TQXslTransformer.h>
@@ -55,7 +55,7 @@ int main(int, char** argv) {
     I18NString heading;
     WolMdMessage(0xA2E8CFB4).format("de", "en", heading);
     std::cout << greeting << '\n' << heading.c_str() << '\n';
-    const bool isRight =
-        greeting.find("<greeting>hello!!</greeting>") != std::string::npos && heading == "Auftragsbuch";
+    const bool isRight = greeting.find("<greeting>hello!!</greeting>") != std::string::npos &&
+                         heading == "Auftragsbuch";
     return isRight && !NRBUtSystemInfo::getTimeStamp(0).empty() ? 0 : 1;
 }
