@@ -24,6 +24,16 @@ std::string withoutLastLineEnd(std::string text) {
     throw std::runtime_error(file.string() + ": " + reason);
 }
 
+/** Takes a result, or "fails CODE TEXT" apart. */
+void setExpected(CorpusCase& corpusCase, const std::string& text) {
+    const std::string mark = "fails ";
+    const auto end = text.rfind(mark, 0) == 0 ? text.find(' ', mark.size()) : std::string::npos;
+    corpusCase.expected = text.substr(0, end);
+    if (end != std::string::npos) {
+        corpusCase.errorText = text.substr(end + 1);
+    }
+}
+
 /** Adds what a heading "ROAD ROAD: REASON" says of a result. */
 void addDifferences(CorpusCase& corpusCase, const fs::path& file, const std::string& heading,
                     const std::string& result) {
@@ -55,6 +65,9 @@ void readDifferences(CorpusCase& corpusCase, const fs::path& file) {
     if (corpusCase.differences.empty()) {
         refuse(file, "no difference in it");
     }
+    if (corpusCase.differences.count("engine") != 0 && !corpusCase.expected) {
+        refuse(file, "nothing is expected that the engine could differ from");
+    }
 }
 
 /** The nearest of the documents that may be meant. */
@@ -77,7 +90,7 @@ CorpusCase readStylesheetCase(const fs::path& stylesheet) {
     corpusCase.stylesheet = stylesheet.string();
     fs::path beside = stylesheet;
     if (fs::exists(beside.replace_extension(".expected"))) {
-        corpusCase.expected = withoutLastLineEnd(readFile(beside.string()));
+        setExpected(corpusCase, withoutLastLineEnd(readFile(beside.string())));
     }
     if (fs::exists(beside.replace_extension(".differs"))) {
         readDifferences(corpusCase, beside);
@@ -120,7 +133,7 @@ void readExpressionCases(std::vector<CorpusCase>& cases, const fs::path& file) {
         cases.back().name = nameOf(file) + "-" + name;
         cases.back().source = sourceOf(file);
         cases.back().expression = expression;
-        cases.back().expected = wanted;
+        setExpected(cases.back(), wanted);
         begun = true;
     }
 }

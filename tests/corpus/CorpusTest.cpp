@@ -10,27 +10,44 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <iostream>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
 
 const std::string ENGINE = "engine";
 
+std::vector<CorpusCase> readCorpusOrGiveUp() {
+    try {
+        return readCorpus(projectFile("tests/corpus"));
+    } catch (const std::runtime_error& error) {
+        std::cerr << error.what() << '\n';
+        std::exit(EXIT_FAILURE);
+    }
+}
+
 const std::vector<CorpusCase>& corpus() {
-    static const std::vector<CorpusCase> cases = readCorpus(projectFile("tests/corpus"));
+    static const std::vector<CorpusCase> cases = readCorpusOrGiveUp();
     return cases;
 }
 
 /** A result as the corpus writes it. */
-std::string written(const BareEngineResult& result) {
+std::string written(const EngineResult& result) {
     return result.code == 0 ? result.output : "fails " + std::to_string(result.code);
 }
 
-bool agree(const Road& road, const BareEngineResult& result, const BareEngineResult& engine) {
+bool holds(const std::string& text, const std::string& piece) {
+    return text.find(piece) != std::string::npos;
+}
+
+/** How far a failed transform came is compared only where the engine's own transformer writes. */
+bool agree(const Road& road, const EngineResult& result, const EngineResult& engine) {
     return written(result) == written(engine) &&
-           (result.code == 0 || !road.keepsErrorText || result.error == engine.error);
+           (result.code == 0 || !road.keepsErrorText ||
+            (result.error == engine.error && result.output == engine.output));
 }
 
 /** What the engine prints by itself would hide the names of failing cases. */
@@ -69,33 +86,20 @@ protected:
         }
     }
 
-    /** The result that a case expects of the engine, "fails CODE" with what follows it cut off. */
-    std::string withoutErrorText(const std::string& expected) const {
-        return expected.rfind("fails ", 0) == 0 ? expected.substr(0, expected.find(' ', 6))
-                                                : expected;
-    }
-
-    void expectOfEngine(const BareEngineResult& engine) {
-        if (const auto difference = m_case.differences.find(ENGINE);
-            difference != m_case.differences.end()) {
-            ASSERT_TRUE(m_case.expected);
-            EXPECT_NE(written(engine), *m_case.expected) << "The engine is right now.";
+    void expectOfEngine(const EngineResult& engine) {
+        const auto difference = m_case.differences.find(ENGINE);
+        if (difference != m_case.differences.end()) {
+            EXPECT_NE(written(engine), m_case.expected) << "The engine does not differ.";
             EXPECT_TRUE(sameBytes(written(engine), difference->second.result)) << engine.error;
         } else if (m_case.expected) {
-            const std::string result = withoutErrorText(*m_case.expected);
-            EXPECT_TRUE(sameBytes(written(engine), result)) << engine.error;
-            if (result.size() < m_case.expected->size()) {
-                EXPECT_NE(engine.error.find(m_case.expected->substr(result.size() + 1)),
-                          std::string::npos)
-                    << engine.error;
-            }
+            EXPECT_TRUE(sameBytes(written(engine), *m_case.expected)) << engine.error;
+            EXPECT_TRUE(holds(engine.error, m_case.errorText)) << engine.error;
         } else {
             EXPECT_EQ(engine.code, 0) << engine.error;
         }
     }
 
-    void expectOfRoad(const Road& road, const BareEngineResult& result,
-                      const BareEngineResult& engine) {
+    void expectOfRoad(const Road& road, const EngineResult& result, const EngineResult& engine) {
         const auto difference = m_case.differences.find(road.name);
         if (difference == m_case.differences.end()) {
             EXPECT_TRUE(agree(road, result, engine))
@@ -151,7 +155,7 @@ private:
 } // namespace
 
 TEST_P(CorpusTest, IsTheSameOnEveryRoad) {
-    const BareEngineResult engine = runBareEngine(m_case.source, m_case.stylesheet);
+    const EngineResult engine = runBareEngine(m_case.source, m_case.stylesheet);
     expectOfEngine(engine);
     for (const Road& road : allRoads()) {
         if (!road.forExpressions || !m_case.expression.empty()) {

@@ -15,7 +15,7 @@ public:
     ~TreeChoice() { VEXAXslTransformer::m_bUseXercesDOM = false; }
 };
 
-BareEngineResult throughFiles(const CorpusCase& corpusCase, Tree tree) {
+EngineResult throughFiles(const CorpusCase& corpusCase, Tree tree) {
     const TreeChoice choice(tree);
     const TemporaryFolder folder;
     const std::string output = folder.path("out");
@@ -26,7 +26,7 @@ BareEngineResult throughFiles(const CorpusCase& corpusCase, Tree tree) {
             transformer.getLastError()};
 }
 
-BareEngineResult throughStreams(const CorpusCase& corpusCase) {
+EngineResult throughStreams(const CorpusCase& corpusCase) {
     std::ifstream source(corpusCase.source, std::ios::binary);
     std::ostringstream output;
     VEXAXslTransformer transformer;
@@ -50,7 +50,7 @@ Holder parsed(VEXAXslTransformer& transformer, const CorpusCase& corpusCase) {
     return holder;
 }
 
-BareEngineResult throughMemory(const CorpusCase& corpusCase, Tree tree) {
+EngineResult throughMemory(const CorpusCase& corpusCase, Tree tree) {
     const TreeChoice choice(tree);
     std::ostringstream output;
     VEXAXslTransformer transformer;
@@ -61,7 +61,7 @@ BareEngineResult throughMemory(const CorpusCase& corpusCase, Tree tree) {
     return {code, output.str(), transformer.getLastError()};
 }
 
-BareEngineResult throughQuery(const CorpusCase& corpusCase, Tree tree) {
+EngineResult throughQuery(const CorpusCase& corpusCase, Tree tree) {
     const TreeChoice choice(tree);
     std::ostringstream output;
     VEXAXslTransformer transformer;

@@ -18,7 +18,7 @@ struct Road {
     bool forExpressions;
     /** Whether a failure's text is the engine's own. */
     bool keepsErrorText;
-    std::function<BareEngineResult(const CorpusCase&)> run;
+    std::function<EngineResult(const CorpusCase&)> run;
 };
 
 const std::vector<Road>& allRoads();

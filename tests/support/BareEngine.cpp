@@ -6,8 +6,8 @@
 
 #include <xalanc/XalanTransformer/XalanTransformer.hpp>
 
-BareEngineResult runBareEngine(const std::string& source, const std::string& stylesheet,
-                               const std::map<std::string, std::string>& params) {
+EngineResult runBareEngine(const std::string& source, const std::string& stylesheet,
+                           const std::map<std::string, std::string>& params) {
     xalanc::XalanTransformer engine;
     for (const auto& [name, value] : params) {
         engine.setStylesheetParam(name.c_str(), ("'" + value + "'").c_str());
@@ -19,7 +19,7 @@ BareEngineResult runBareEngine(const std::string& source, const std::string& sty
 
 std::string bareEngineTransform(const std::string& source, const std::string& stylesheet,
                                 const std::map<std::string, std::string>& params) {
-    const BareEngineResult result = runBareEngine(source, stylesheet, params);
+    const EngineResult result = runBareEngine(source, stylesheet, params);
     EXPECT_EQ(result.code, 0) << result.error;
     return result.output;
 }
