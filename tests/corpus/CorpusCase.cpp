@@ -47,21 +47,25 @@ void addDifferences(CorpusCase& corpusCase, const fs::path& file, const std::str
     }
 }
 
-/** Headings that begin with "@ ", each followed by a result. */
+/** Headings that begin with "@ ", each followed by the lines of a result. */
 void readDifferences(CorpusCase& corpusCase, const fs::path& file) {
-    const std::string text = "\n" + readFile(file.string());
-    const std::string mark = "\n@ ";
-    for (auto begin = text.find(mark); begin != std::string::npos;) {
-        begin += mark.size();
-        const auto lineEnd = text.find('\n', begin);
-        const auto end = text.find(mark, lineEnd);
-        const std::string result =
-            end == std::string::npos
-                ? withoutLastLineEnd(text.substr(std::min(lineEnd + 1, text.size())))
-                : text.substr(lineEnd + 1, end - lineEnd - 1);
-        addDifferences(corpusCase, file, text.substr(begin, lineEnd - begin), result);
-        begin = end;
+    std::istringstream lines(readFile(file.string()));
+    std::string heading, result;
+    const auto close = [&] {
+        if (!heading.empty()) {
+            addDifferences(corpusCase, file, heading, withoutLastLineEnd(result));
+        }
+        result.clear();
+    };
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("@ ", 0) == 0) {
+            close();
+            heading = line.substr(2);
+        } else {
+            result += line + "\n";
+        }
     }
+    close();
     if (corpusCase.differences.empty()) {
         refuse(file, "no difference in it");
     }
