@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:template match="/">
+    <a><xsl:copy-of select="//price"/></a>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,7 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns:n="urn:n">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:template match="/">
+    <xsl:element name="n:a"/>
+  </xsl:template>
+</xsl:stylesheet>

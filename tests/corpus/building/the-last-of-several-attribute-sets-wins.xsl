@@ -1,0 +1,8 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:attribute-set name="s"><xsl:attribute name="b">s</xsl:attribute></xsl:attribute-set>
+  <xsl:attribute-set name="t"><xsl:attribute name="b">t</xsl:attribute></xsl:attribute-set>
+  <xsl:template match="/">
+    <a xsl:use-attribute-sets="s t"/>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="xml" omit-xml-declaration="yes" indent="no" encoding="ISO-8859-7"/>
+  <xsl:template match="/">
+    <a>α</a>
+  </xsl:template>
+</xsl:stylesheet>

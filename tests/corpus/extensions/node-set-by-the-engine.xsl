@@ -1,0 +1,8 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns:x="http://xml.apache.org/xalan">
+  <xsl:output method="text"/>
+  <xsl:template match="/">
+    <xsl:variable name="v"><a>1</a><a>2</a></xsl:variable>
+    <xsl:value-of select="sum(x:nodeset($v)/a)"/>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,7 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns:s="http://exslt.org/sets">
+  <xsl:output method="text"/>
+  <xsl:template match="/">
+    <xsl:value-of select="count(s:intersection(//book | //title, //title))"/>
+  </xsl:template>
+</xsl:stylesheet>

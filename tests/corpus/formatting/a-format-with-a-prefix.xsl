@@ -1,0 +1,8 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns:one="urn:f" xmlns:two="urn:f">
+  <xsl:output method="text"/>
+  <xsl:decimal-format name="one:eu" decimal-separator="," grouping-separator="."/>
+  <xsl:template match="/">
+    <xsl:value-of select="format-number(1.5, '0,0', 'two:eu')"/>
+  </xsl:template>
+</xsl:stylesheet>

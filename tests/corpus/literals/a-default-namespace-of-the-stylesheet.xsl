@@ -1,0 +1,7 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns="urn:d">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:template match="/">
+    <a><b/></a>
+  </xsl:template>
+</xsl:stylesheet>

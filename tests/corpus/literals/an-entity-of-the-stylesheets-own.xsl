@@ -1,0 +1,5 @@
+<!DOCTYPE xsl:stylesheet [<!ENTITY n "three">]>
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="text"/>
+  <xsl:template match="/">&n; books</xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,8 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:import href="parts/parameter.xsl"/>
+  <xsl:output method="text"/>
+  <xsl:param name="p" select="'own'"/>
+  <xsl:template match="/">
+    <xsl:value-of select="$p"/>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,7 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:import href="parts/strip.xsl"/>
+  <xsl:output method="text"/>
+  <xsl:template match="/">
+    <xsl:value-of select="count(//text())"/>
+  </xsl:template>
+</xsl:stylesheet>

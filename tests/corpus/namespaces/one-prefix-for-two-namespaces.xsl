@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:template match="/">
+    <p:a xmlns:p="urn:1"><p:b xmlns:p="urn:2"/></p:a>
+  </xsl:template>
+</xsl:stylesheet>

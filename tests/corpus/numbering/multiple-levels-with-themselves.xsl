@@ -1,0 +1,5 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="text"/>
+  <xsl:template match="t"><xsl:number level="multiple" count="sec|t" format="1.1.1"/>;</xsl:template>
+  <xsl:template match="text()"/>
+</xsl:stylesheet>

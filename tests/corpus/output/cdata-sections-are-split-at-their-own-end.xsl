@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output omit-xml-declaration="yes" cdata-section-elements="b"/>
+  <xsl:template match="/">
+    <b>x]]&gt;y</b>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="html" indent="no"/>
+  <xsl:template match="/">
+    <p>a &lt; b &amp; c</p>
+  </xsl:template>
+</xsl:stylesheet>

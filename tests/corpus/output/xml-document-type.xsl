@@ -1,0 +1,6 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output omit-xml-declaration="yes" doctype-system="a.dtd"/>
+  <xsl:template match="/">
+    <a/>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,5 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="text"/>
+  <xsl:template match="/"><xsl:apply-templates select="//price | //title"/></xsl:template>
+  <xsl:template match="*"><xsl:value-of select="name()"/><xsl:text> </xsl:text></xsl:template>
+</xsl:stylesheet>

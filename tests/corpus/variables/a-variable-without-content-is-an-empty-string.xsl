@@ -1,0 +1,7 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+  <xsl:output method="text"/>
+  <xsl:template match="/">
+    <xsl:variable name="v"/>
+    <xsl:value-of select="concat('[', $v, ']', boolean($v))"/>
+  </xsl:template>
+</xsl:stylesheet>

@@ -1,0 +1,8 @@
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+    xmlns:n="urn:n">
+  <xsl:output omit-xml-declaration="yes"/>
+  <xsl:strip-space elements="n:*"/>
+  <xsl:template match="/">
+    <xsl:value-of select="count(//text())"/>
+  </xsl:template>
+</xsl:stylesheet>
