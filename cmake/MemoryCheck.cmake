@@ -23,3 +23,13 @@ function(add_memory_test name target filter)
   # The longest tests begin first.
   set_tests_properties(${name} PROPERTIES TIMEOUT 1200 COST 1000)
 endfunction()
+
+# vexa_thread_check(TARGET): runs the tests with "Thread" in their names under helgrind, which sees into the
+# engine, as ThreadSanitizer cannot.
+function(vexa_thread_check target)
+  add_test(NAME Threads.${target}
+           COMMAND "${VALGRIND}" --tool=helgrind --quiet --error-exitcode=99
+                   "--suppressions=${PROJECT_SOURCE_DIR}/tests/valgrind.supp" "$<TARGET_FILE:${target}>"
+                   --gtest_brief=1 "--gtest_filter=*Thread*")
+  set_tests_properties(Threads.${target} PROPERTIES TIMEOUT 1200 COST 100)
+endfunction()
