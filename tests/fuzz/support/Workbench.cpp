@@ -5,7 +5,18 @@
 
 #include <sstream>
 
+#include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
+
+namespace {
+
+/** The reason of a failed parse is in the engine that parsed, until that does something else. */
+void checkUse(const Dom2Dom& in, int code, const VEXAXslTransformer& transformer) {
+    const bool isParseFailure = !in.GetDocument() && code == -2;
+    checkResult(code, isParseFailure ? "told before" : transformer.getLastError());
+}
+
+} // namespace
 
 void checkResult(int code, const char* lastError) {
     require(code <= 0 && code >= -5, "a result is one of the documented codes");
@@ -31,20 +42,27 @@ StreamResult transformStream(VEXAXslTransformer& transformer, const std::string&
 int transformInMemory(VEXAXslTransformer& transformer, Dom2Dom& in,
                       const std::string& stylesheetFile, Dom2Dom& out) {
     const int code = transformer.doTransform(in, stylesheetFile.c_str(), out);
-    checkResult(code, transformer.getLastError());
+    checkUse(in, code, transformer);
     return code;
 }
 
 int query(VEXAXslTransformer& transformer, Dom2Dom& holder, const I18NString& expression) {
     BoundedOutput out;
     const int code = transformer.doXPath(holder, expression, out);
-    checkResult(code, transformer.getLastError());
+    checkUse(holder, code, transformer);
     return code;
 }
 
 std::string serialize(Dom2Dom& holder) {
     BoundedOutput out;
-    const int code = holder.Serialize(out);
+    int code = 0;
+    try {
+        code = holder.Serialize(out);
+    } catch (const xercesc::SAXException&) { // a character that XML 1.0 has not
+        return out.text();
+    } catch (const xercesc::OutOfMemoryException&) {
+        return out.text();
+    }
     checkResult(code, holder.getLastError());
     const std::string& text = out.text();
     require(code != 0 || !out.good() ||
