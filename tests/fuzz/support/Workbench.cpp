@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 
@@ -79,6 +80,8 @@ bool parse(Dom2Dom& holder, const std::string& text) {
         require(parsed || *holder.getLastError() != '\0', "a failed parse has a reason");
         return parsed;
     } catch (const xercesc::OutOfMemoryException&) {
+        return false;
+    } catch (const xercesc::DOMException&) { // Xerces' tree refuses an odd version of XML
         return false;
     }
 }
