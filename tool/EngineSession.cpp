@@ -9,6 +9,7 @@
 #include <iostream>
 #include <new>
 
+#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 
 namespace {
@@ -22,15 +23,24 @@ public:
     ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
 };
 
-/** Neither of the exceptions for a lack of memory tells whose fault it was. */
-void tellLackOfMemory(const std::string& sourceName, const std::function<void()>& work) {
-    constexpr const char* REASON = "there is not enough memory";
+/**
+ * Makes failures of the engine's exceptions while it still runs: they use its memory, and must not
+ * outlive it.
+ */
+void tellEngineExceptions(const std::string& sourceName, const std::function<void()>& work) {
+    constexpr const char* LACK_OF_MEMORY = "there is not enough memory";
     try {
         work();
     } catch (const std::bad_alloc&) {
-        throw Failure(sourceName, REASON);
+        throw Failure(sourceName, LACK_OF_MEMORY);
     } catch (const xercesc::OutOfMemoryException&) {
-        throw Failure(sourceName, REASON);
+        throw Failure(sourceName, LACK_OF_MEMORY);
+    } catch (const xercesc::DOMException& exception) { // an odd version in the XML declaration
+        throw Failure(sourceName, I18NString(exception.getMessage(), -1, nullptr, nullptr).c_str());
+    } catch (const std::exception&) {
+        throw;
+    } catch (...) {
+        throw Failure(sourceName, "the engine gave up without a reason");
     }
 }
 
@@ -50,7 +60,7 @@ void runWithTransformer(const CommonOptions& options, const std::string& sourceN
         for (const auto& [name, value] : parameters) {
             transformer.setStylesheetParam(name, value);
         }
-        tellLackOfMemory(sourceName, [&] { work(transformer); });
+        tellEngineExceptions(sourceName, [&] { work(transformer); });
         timing.endPhase(phase);
     }
     timing.endPhase("stop of the engines");

@@ -21,6 +21,14 @@ TEST_P(SerializeTest, WritesTheSameTextAgain) {
     EXPECT_EQ(serialized(*out), text);
 }
 
+TEST_P(SerializeTest, WritesWhatAParserWouldChangeAsReferences) {
+    const std::string element = "<b c=\"&#9;&#10;&#13;\">&#13;&#127;&#133;\t\n</b>";
+    const Holder in = parsed(element);
+    const Holder out = output();
+    transform(*in, sheet("<xsl:copy-of select='/'/>"), *out);
+    EXPECT_EQ(serialized(*out), asSerialized(element));
+}
+
 TEST_P(SerializeTest, LeavesOutWhatStandsBesideTheDocumentElement) {
     const Holder in = parsed("<a/>");
     const Holder out = output();

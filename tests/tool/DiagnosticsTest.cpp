@@ -47,6 +47,18 @@ TEST_F(DiagnosticsTest, TellsOfMalformedDocumentsOnceAndByName) {
     EXPECT_EQ(shell("ls out").status, 2);
 }
 
+TEST_F(DiagnosticsTest, TellsOfAVersionOfXmlThatXercesTreeRefuses) {
+    m_folder.write("later.xml", "<?xml version='1.2'?><a/>");
+    expectFailure(tool("transform --xerces-dom ok.xsl later.xml"), 1,
+                  "later.xml: implementation does not support");
+    expectFailure(tool("transform --xerces-dom ok.xsl <later.xml"), 1,
+                  "standard input: implementation does");
+    expectFailure(tool("chain --xerces-dom later.xml ok.xsl"), 1,
+                  "later.xml: implementation does not support");
+    expectFailure(tool("xpath --xerces-dom / later.xml"), 1,
+                  "later.xml: implementation does not support");
+}
+
 TEST_F(DiagnosticsTest, TellsOfFaultsOfTheStylesheetUnderItsName) {
     m_folder.write("foo.xsl", stylesheetWithRootTemplate("<xsl:foo/>"));
     m_folder.write("xpath.xsl", stylesheetWithRootTemplate("<xsl:value-of select='a['/>"));

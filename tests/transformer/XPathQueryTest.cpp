@@ -26,6 +26,11 @@ TEST_P(XPathQueryTest, WritesASingleNodeAsXmlWithoutADeclaration) {
     EXPECT_EQ(queried(*parsed("<r/>"), "/").find("<?xml"), std::string::npos);
 }
 
+TEST_P(XPathQueryTest, WritesWhatAParserWouldChangeAsReferences) {
+    const std::string element = "<a b=\"&#9;&#10;&#13;\">&#13;&#133;</a>";
+    EXPECT_EQ(queried(*parsed("<r>" + element + "</r>"), "/r/a"), element);
+}
+
 TEST_P(XPathQueryTest, WritesNothingForNoneOrSeveralNodes) {
     const Holder holder = parsed("<a><item/><item/></a>");
     EXPECT_EQ(queried(*holder, "/a/item"), "");

@@ -1,0 +1,1 @@
+<a xsl:version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"><xsl:value-of select="orders/order/@id"/></a>
