@@ -41,6 +41,12 @@ bool isHalfAnEntry(const Outcome& outcome) {
            areIn(outcome.failedIn, "XalanTransformer::setStylesheetParam(");
 }
 
+/** A start that failed half way leaves the engine's constants half made, for the next one too. */
+bool isHalfAStart(const Outcome& outcome) {
+    return areIn(outcome.failedIn, "XSLTInit::XSLTInit(") ||
+           areIn(outcome.failedIn, "XMLPlatformUtils::Initialize(");
+}
+
 bool isKeptClone(const Calls& calls) {
     return areIn(calls, "VEXAXslTransformer::installExternalFunction(");
 }
@@ -57,7 +63,7 @@ bool isTheEngines(const Outcome& outcome) {
         return isInEngine(outcome.failedIn) &&
                std::all_of(outcome.lostIn.begin(), outcome.lostIn.end(), isInEngine);
     case Trouble::WrongBehaviour:
-        return isHalfAnEntry(outcome);
+        return isHalfAnEntry(outcome) || isHalfAStart(outcome);
     case Trouble::None:
         break;
     }
