@@ -14,7 +14,12 @@
 
 #include <cctype>
 #include <iostream>
+#include <ostream>
 #include <string>
+
+std::ostream& operator<<(std::ostream& stream, const Operation& operation) {
+    return stream << operation.name;
+}
 
 namespace {
 

@@ -120,7 +120,7 @@ private:
 };
 
 struct CallOfGetLocalizedString : CallTrial {
-    // Message 12 has a digit in it in no language; the catalogue's language is asked for by number.
+    // A digit beside the message, as the other results have one.
     CallOfGetLocalizedString() : CallTrial("GetLocalizedString(0, 'de_AT'), 1") {}
 };
 
