@@ -22,6 +22,8 @@ class Report {
 public:
     explicit Report(const ReportSite& site) : m_site(site) {
         m_stream.imbue(std::locale::classic()); // plain numbers, whatever the host's locale
+        // A stream swallows lack of memory, and half a report would look like a whole one.
+        m_stream.exceptions(std::ios_base::badbit);
     }
 
     Report(const Report&) = delete;

@@ -29,8 +29,14 @@ void VEXAXslTransformer::installExternalFunction(const I18NString& name,
 
 void VEXAXslTransformer::setStylesheetParam(const I18NString& name, const I18NString& value) {
     const I18NString quoted = "'" + value + "'";
-    m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
-    m_mapParams[name] = quoted;
+    try {
+        m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
+        m_mapParams.insert_or_assign(name, quoted);
+    } catch (...) {
+        // The engine may have half of it. All that was set before is set again at each transform.
+        m_pTransformer->clearStylesheetParams();
+        throw;
+    }
 }
 
 std::unique_ptr<Dom2Dom> VEXAXslTransformer::createDom2Dom() {

@@ -80,7 +80,8 @@ public:
      * @param name  the parameter's name
      * @param value its value, which the stylesheet sees as a string. It must not hold an
      * apostrophe: it is passed on between apostrophes, and nothing is escaped. The engine refuses
-     *              or misreads such a value at the next transforms
+     *              or misreads such a value at the next transforms. If memory runs out, all
+     *              parameters stay as they were
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
 
