@@ -1,6 +1,9 @@
 #include "EngineSession.h"
 
+#include "ChildProcess.h"
 #include "Failure.h"
+#include "NoNetwork.h"
+#include "Sandbox.h"
 #include "Timing.h"
 
 #include <vexa/TQXslTransformer.h>
@@ -22,35 +25,51 @@ public:
     ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
 };
 
-/** Neither of the exceptions for a lack of memory tells whose fault it was. */
-void tellLackOfMemory(const std::string& sourceName, const std::function<void()>& work) {
-    constexpr const char* REASON = "there is not enough memory";
+/** Whatever the engines made of it, a lack of memory and a refusal are told as such. */
+void tellLimits(const Limits& limits, const std::string& sourceName,
+                const std::function<void()>& work) {
     try {
         work();
     } catch (const std::bad_alloc&) {
-        throw Failure(sourceName, REASON);
+        throw Failure(sourceName, lackOfMemory(limits));
     } catch (const xercesc::OutOfMemoryException&) {
-        throw Failure(sourceName, REASON);
+        throw Failure(sourceName, lackOfMemory(limits));
+    } catch (...) {
+        tellRefusedNetwork();
+        throw;
+    }
+}
+
+void reachOnly(const Limits& limits, const NamedFiles& files) {
+    if (limits.forbidNetwork()) {
+        forbidNetwork();
+    }
+    if (limits.sandbox) {
+        enterSandbox(files);
     }
 }
 
 } // namespace
 
-void runWithTransformer(const CommonOptions& options, const std::string& sourceName,
+void runWithTransformer(const CommonOptions& options, const NamedFiles& files,
                         const std::string& phase,
                         const std::function<void(VEXAXslTransformer&)>& work) {
     const auto parameters = parseParameters(options.parameters);
     VEXAXslTransformer::m_bUseXercesDOM = options.useXercesDom;
+    if (options.limits.needChild()) {
+        goOnInChild(options.limits, files.sourceName);
+    }
 
     Timing timing;
     {
         const EngineSession session;
+        reachOnly(options.limits, files);
         timing.endPhase("start of the engines");
         VEXAXslTransformer transformer;
         for (const auto& [name, value] : parameters) {
             transformer.setStylesheetParam(name, value);
         }
-        tellLackOfMemory(sourceName, [&] { work(transformer); });
+        tellLimits(options.limits, files.sourceName, [&] { work(transformer); });
         timing.endPhase(phase);
     }
     timing.endPhase("stop of the engines");
