@@ -68,3 +68,7 @@ void keepCrashNotes(CrashNotes& notes) {
     std::set_terminate(std::abort);
     silenceSystemLibraries();
 }
+
+bool hasLackedMemory() {
+    return g_pNotes && g_pNotes->lackedMemory;
+}

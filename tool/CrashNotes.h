@@ -20,3 +20,6 @@ CrashNotes& shareCrashNotes();
 
 /** Has this process keep the notes from now on, and say nothing else when it crashes. */
 void keepCrashNotes(CrashNotes& notes);
+
+/** Whether this process keeps notes and was refused memory. */
+bool hasLackedMemory();

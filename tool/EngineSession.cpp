@@ -1,6 +1,7 @@
 #include "EngineSession.h"
 
 #include "ChildProcess.h"
+#include "CrashNotes.h"
 #include "Failure.h"
 #include "NoNetwork.h"
 #include "Sandbox.h"
@@ -36,6 +37,9 @@ void tellLimits(const Limits& limits, const std::string& sourceName,
         throw Failure(sourceName, lackOfMemory(limits));
     } catch (...) {
         tellRefusedNetwork();
+        if (hasLackedMemory()) {
+            throw Failure(sourceName, lackOfMemory(limits));
+        }
         throw;
     }
 }

@@ -38,7 +38,10 @@ Examples:
   vexa-xslt transform report.xsl orders.xml -p title=May -p currency=EUR
 
   # As a filter
-  generate-orders | vexa-xslt transform report.xsl > report.html)";
+  generate-orders | vexa-xslt transform report.xsl > report.html
+
+  # Over the document of a stranger
+  vexa-xslt transform report.xsl orders.xml --no-network --max-seconds 60)";
 
 struct TransformOptions {
     std::string stylesheet;
