@@ -37,7 +37,7 @@ struct RulesetAttributes {
 
 class Descriptor {
 public:
-    explicit Descriptor(long descriptor) : m_nDescriptor(static_cast<int>(descriptor)) {}
+    explicit Descriptor(int descriptor) : m_nDescriptor(descriptor) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() {
@@ -46,7 +46,7 @@ public:
         }
     }
 
-    operator int() const { return m_nDescriptor; }
+    int get() const { return m_nDescriptor; }
 
 private:
     int m_nDescriptor;
@@ -107,16 +107,17 @@ int Sandbox::createRuleset() const {
 void Sandbox::allow(const fs::path& place, std::uint64_t rights) const {
     const Descriptor descriptor(open(place.c_str(), O_PATH | O_CLOEXEC));
     struct stat status {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
+    if (descriptor.get() < 0 || fstat(descriptor.get(), &status) != 0) {
         return;
     }
     constexpr std::uint64_t FOLDER_RIGHTS =
         LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
     landlock_path_beneath_attr rule{};
     rule.allowed_access = rights & m_nHandled & ~(S_ISDIR(status.st_mode) ? 0 : FOLDER_RIGHTS);
-    rule.parent_fd = descriptor;
+    rule.parent_fd = descriptor.get();
     // What has no place in any folder, such as a pipe, needs no rule and can have none.
-    if (syscall(SYS_landlock_add_rule, m_ruleset + 0, LANDLOCK_RULE_PATH_BENEATH, &rule, 0) != 0 &&
+    if (syscall(SYS_landlock_add_rule, m_ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &rule, 0) !=
+            0 &&
         errno != EBADFD) {
         fail(place.string());
     }
@@ -124,7 +125,7 @@ void Sandbox::allow(const fs::path& place, std::uint64_t rights) const {
 
 void Sandbox::enter() const {
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-        syscall(SYS_landlock_restrict_self, m_ruleset + 0, 0) != 0) {
+        syscall(SYS_landlock_restrict_self, m_ruleset.get(), 0) != 0) {
         fail("the sandbox cannot be entered");
     }
 }
