@@ -122,6 +122,21 @@ TEST_F(SandboxTest, UsesNoNetwork) {
                   "http://127.0.0.1:9/a.xml: the network is not to be used\n");
 }
 
+TEST_F(SandboxTest, KnowsTheTimeZone) {
+    if (access("/usr/share/zoneinfo/Asia/Tokyo", R_OK) != 0) {
+        GTEST_SKIP() << "this system has no time zones";
+    }
+    m_folder.write("sheets/now.xsl",
+                   stylesheetWithRootTemplate("<xsl:value-of select='vexa:GetDateTime()'/>"));
+    const auto outcome = shell("export TZ=Asia/Tokyo; date +%H; "
+                               "vexa-xslt transform sheets/now.xsl sources/ok.xml --sandbox "
+                               "| cut -c 1-2; date +%H");
+    const std::string before = outcome.output.substr(0, 3);
+    const std::string told = outcome.output.substr(3, 3);
+    const std::string after = outcome.output.substr(6);
+    EXPECT_TRUE(told == before || told == after) << outcome.output;
+}
+
 TEST_F(SandboxTest, TellsOfAPlaceThatCannotBeWritten) {
     expectFailure(tool("transform sheets/ok.xsl sources/ok.xml --sandbox -o none/out"), 1,
                   "none/out: No such file or directory\n");
