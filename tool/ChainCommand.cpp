@@ -5,6 +5,7 @@
 #include "FailedFile.h"
 #include "Failure.h"
 #include "HolderInput.h"
+#include "NoNetwork.h"
 #include "OutputFile.h"
 
 #include <vexa/VEXAXslTransformer.h>
@@ -64,10 +65,12 @@ private:
 
 void ChainRun::run() {
     m_source.checkReadable();
+    NamedFiles files(m_source, m_options.output);
     for (const InputName& stylesheet : m_stylesheets) {
         stylesheet.checkReadable();
+        files.inputs.push_back(&stylesheet);
     }
-    runWithTransformer(m_options.common, m_source.name(), "transforms",
+    runWithTransformer(m_options.common, files, "transforms",
                        [this](VEXAXslTransformer& transformer) { chain(transformer); });
 }
 
@@ -104,6 +107,7 @@ void ChainRun::runStep(VEXAXslTransformer& transformer, const InputName& stylesh
                        Dom2Dom& out, const std::string& outputName) {
     EngineDiagnostics diagnostics(m_options.common.quiet);
     if (transformer.doTransform(in, stylesheet.forEngine(), out) == 0) {
+        tellRefusedNetwork();
         return;
     }
     const std::string reason = transformer.getLastError();
@@ -129,5 +133,6 @@ void addChainCommand(CLI::App& app, std::function<void()>& command) {
     addOutputOption(*chain, options->output);
     addParameterOption(*chain, options->common);
     addEngineOptions(*chain, options->common);
+    addLimitOptions(*chain, options->common.limits);
     chain->callback([options, &command] { command = [options] { ChainRun(*options).run(); }; });
 }

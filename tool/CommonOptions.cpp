@@ -16,6 +16,30 @@ bool isName(const I18NString& text) {
     return xercesc::XMLChar1_0::isValidNCName(utf16, std::char_traits<char16_t>::length(utf16));
 }
 
+constexpr const char* LIMITS = "Against hostile input";
+
+/** Without a description, which would show in the help. */
+CLI::Validator wholeNumberUpTo(unsigned largest) {
+    return CLI::Validator(
+        [largest](const std::string& text) {
+            const bool isNumber = !text.empty() && text.size() <= std::to_string(largest).size() &&
+                                  text.find_first_not_of("0123456789") == std::string::npos;
+            const unsigned long number = isNumber ? std::stoul(text) : 0;
+            return number >= 1 && number <= largest
+                       ? std::string()
+                       : text + " is no whole number from 1 to " + std::to_string(largest);
+        },
+        "");
+}
+
+void addLimit(CLI::App& command, const std::string& name, unsigned& limit, unsigned largest,
+              const std::string& unit, const std::string& description) {
+    command.add_option(name, limit, description)
+        ->check(wholeNumberUpTo(largest))
+        ->type_name(unit)
+        ->group(LIMITS);
+}
+
 } // namespace
 
 void addSourceArgument(CLI::App& command, std::string& source) {
@@ -48,6 +72,22 @@ void addEngineOptions(CLI::App& command, CommonOptions& options) {
         .add_flag("--quiet", options.quiet,
                   "Tell of errors only: no texts of xsl:message, no timing")
         ->group(MESSAGES);
+}
+
+void addLimitOptions(CLI::App& command, Limits& limits) {
+    constexpr unsigned MOST_MEBIBYTES = 1'000'000;
+    constexpr unsigned MOST_SECONDS = 1'000'000;
+    addLimit(command, "--max-memory", limits.maxMemory, MOST_MEBIBYTES, "MIB",
+             "Fail where more memory would be needed: address space, in MiB");
+    addLimit(command, "--max-seconds", limits.maxSeconds, MOST_SECONDS, "N",
+             "Fail where it would take longer");
+    command.add_flag("--no-network", limits.noNetwork, "Fetch nothing over the network")
+        ->group(LIMITS);
+    command
+        .add_flag("--sandbox", limits.sandbox,
+                  "Reach no files but OUTPUT and those in the folders of the stylesheets and of "
+                  "SOURCE, and no network; needs Landlock in the kernel")
+        ->group(LIMITS);
 }
 
 std::vector<std::pair<I18NString, I18NString>>

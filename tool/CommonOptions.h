@@ -4,6 +4,8 @@
  */
 #pragma once
 
+#include "Limits.h"
+
 #include <nrb/I18NString.h>
 
 #include <string>
@@ -20,6 +22,7 @@ struct CommonOptions {
     bool useXercesDom = false;
     bool timing = false;
     bool quiet = false;
+    Limits limits;
 };
 
 /** Adds an argument, or options, to a command; what they are to fill must outlive the parse. */
@@ -27,6 +30,7 @@ void addSourceArgument(CLI::App& command, std::string& source);
 void addOutputOption(CLI::App& command, std::string& output);
 void addParameterOption(CLI::App& command, CommonOptions& options);
 void addEngineOptions(CLI::App& command, CommonOptions& options);
+void addLimitOptions(CLI::App& command, Limits& limits);
 
 /**
  * Takes NAME=VALUE arguments apart.

@@ -1,6 +1,10 @@
 #include "EngineSession.h"
 
+#include "ChildProcess.h"
+#include "CrashNotes.h"
 #include "Failure.h"
+#include "NoNetwork.h"
+#include "Sandbox.h"
 #include "Timing.h"
 
 #include <vexa/TQXslTransformer.h>
@@ -23,44 +27,68 @@ public:
     ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
 };
 
+/** What the engines made of a refused access or of a lack of memory is told by its cause. */
+void tellCause(const Limits& limits, const std::string& sourceName) {
+    tellRefusedNetwork();
+    if (hasLackedMemory()) {
+        throw Failure(sourceName, lackOfMemory(limits));
+    }
+}
+
 /**
  * Makes failures of the engine's exceptions while it still runs: they use its memory, and must not
  * outlive it.
  */
-void tellEngineExceptions(const std::string& sourceName, const std::function<void()>& work) {
-    constexpr const char* LACK_OF_MEMORY = "there is not enough memory";
+void tellEngineExceptions(const Limits& limits, const std::string& sourceName,
+                          const std::function<void()>& work) {
     try {
         work();
     } catch (const std::bad_alloc&) {
-        throw Failure(sourceName, LACK_OF_MEMORY);
+        throw Failure(sourceName, lackOfMemory(limits));
     } catch (const xercesc::OutOfMemoryException&) {
-        throw Failure(sourceName, LACK_OF_MEMORY);
+        throw Failure(sourceName, lackOfMemory(limits));
     } catch (const xercesc::DOMException& exception) { // an odd version in the XML declaration
+        tellCause(limits, sourceName);
         throw Failure(sourceName, I18NString(exception.getMessage(), -1, nullptr, nullptr).c_str());
     } catch (const std::exception&) {
+        tellCause(limits, sourceName);
         throw;
     } catch (...) {
+        tellCause(limits, sourceName);
         throw Failure(sourceName, "the engine gave up without a reason");
+    }
+}
+
+void reachOnly(const Limits& limits, const NamedFiles& files) {
+    if (limits.forbidNetwork()) {
+        forbidNetwork();
+    }
+    if (limits.sandbox) {
+        enterSandbox(files);
     }
 }
 
 } // namespace
 
-void runWithTransformer(const CommonOptions& options, const std::string& sourceName,
+void runWithTransformer(const CommonOptions& options, const NamedFiles& files,
                         const std::string& phase,
                         const std::function<void(VEXAXslTransformer&)>& work) {
     const auto parameters = parseParameters(options.parameters);
     VEXAXslTransformer::m_bUseXercesDOM = options.useXercesDom;
+    if (options.limits.needChild()) {
+        goOnInChild(options.limits, files.sourceName);
+    }
 
     Timing timing;
     {
         const EngineSession session;
+        reachOnly(options.limits, files);
         timing.endPhase("start of the engines");
         VEXAXslTransformer transformer;
         for (const auto& [name, value] : parameters) {
             transformer.setStylesheetParam(name, value);
         }
-        tellEngineExceptions(sourceName, [&] { work(transformer); });
+        tellEngineExceptions(options.limits, files.sourceName, [&] { work(transformer); });
         timing.endPhase(phase);
     }
     timing.endPhase("stop of the engines");

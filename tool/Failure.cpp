@@ -2,13 +2,34 @@
 
 #include "TerminalStyle.h"
 
+#include <ext/stdio_filebuf.h>
+#include <fcntl.h>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
 
+namespace {
+
+int g_nErrorDescriptor = STDERR_FILENO;
+
+} // namespace
+
 void tellFailure(const std::string& text) {
     std::cout.flush();
-    std::cerr << styled("vexa-xslt:", Style::Error, STDERR_FILENO) + " " + foldLines(text) + "\n";
+    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " + foldLines(text) +
+                     "\n";
+}
+
+void silenceSystemLibraries() {
+    const int descriptor = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (descriptor >= 0 && nowhere >= 0) {
+        // Never freed: std::cerr is used until the process has ended.
+        std::cerr.rdbuf(new __gnu_cxx::stdio_filebuf<char>(descriptor, std::ios::out, 1));
+        g_nErrorDescriptor = descriptor;
+        dup2(nowhere, STDERR_FILENO);
+        close(nowhere);
+    }
 }
 
 std::string foldLines(const std::string& text) {

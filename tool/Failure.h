@@ -28,6 +28,12 @@ public:
 /** Writes "vexa-xslt: TEXT" as one line to standard error. */
 void tellFailure(const std::string& text);
 
+/**
+ * Leaves standard error to this program's own texts: what the system libraries write there when
+ * they end the process is lost from now on.
+ */
+void silenceSystemLibraries();
+
 /** The text without blanks at its ends, and with each run of line ends inside as one blank. */
 std::string foldLines(const std::string& text);
 

@@ -1,14 +1,35 @@
 #include "MemoryFile.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <sys/mman.h>
 #include <system_error>
 #include <unistd.h>
 
-MemoryFile::MemoryFile() : m_nDescriptor(memfd_create("vexa-xslt", MFD_CLOEXEC)) {
+namespace {
+
+/** A file in memory is no part of the address space, whose limit it would slip. */
+void limitFileSize(unsigned mebibytes, rlimit& before) {
+    constexpr rlim_t MEBIBYTE = 1024 * 1024;
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit limit = before;
+    if (mebibytes < limit.rlim_cur / MEBIBYTE) {
+        limit.rlim_cur = mebibytes * MEBIBYTE;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
+}
+
+} // namespace
+
+MemoryFile::MemoryFile(unsigned maxMebibytes)
+    : m_nDescriptor(memfd_create("vexa-xslt", MFD_CLOEXEC)) {
     if (m_nDescriptor < 0) {
         throw std::system_error(errno, std::generic_category(), "a file in memory");
+    }
+    if (maxMebibytes != 0) {
+        limitFileSize(maxMebibytes, m_limitBefore.emplace());
     }
     m_strPath = "/proc/self/fd/" + std::to_string(m_nDescriptor);
 }
@@ -17,7 +38,10 @@ MemoryFile::~MemoryFile() {
     close(m_nDescriptor);
 }
 
-void MemoryFile::copyTo(std::ostream& output) const {
+void MemoryFile::copyTo(std::ostream& output) {
+    if (m_limitBefore) {
+        setrlimit(RLIMIT_FSIZE, &*m_limitBefore);
+    }
     const std::ifstream file(m_strPath, std::ios::binary);
     if (file.rdbuf()->in_avail() != 0) {
         output << file.rdbuf();

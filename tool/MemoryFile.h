@@ -4,13 +4,18 @@
  */
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <string>
+#include <sys/resource.h>
 
 class MemoryFile {
 public:
-    /** @throws std::system_error */
-    MemoryFile();
+    /**
+     * @param maxMebibytes how large files may become from now on; 0 for no limit
+     * @throws std::system_error
+     */
+    explicit MemoryFile(unsigned maxMebibytes);
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
     ~MemoryFile();
@@ -18,9 +23,11 @@ public:
     /** A name under which this process can open the file. */
     const std::string& path() const { return m_strPath; }
 
-    void copyTo(std::ostream& output) const;
+    /** Copies it; the limit is then gone. */
+    void copyTo(std::ostream& output);
 
 private:
     int m_nDescriptor;
+    std::optional<rlimit> m_limitBefore;
     std::string m_strPath;
 };

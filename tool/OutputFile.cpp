@@ -1,11 +1,12 @@
 #include "OutputFile.h"
 
 #include "Failure.h"
+#include "UnfinishedFile.h"
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
+#include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,49 +14,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-/** What an interrupt has to remove; read in a signal handler, hence no std::string. */
-char g_unfinishedFile[4096];
-
-extern "C" void removeUnfinishedFile(int signalNumber) {
-    if (g_unfinishedFile[0]) {
-        unlink(g_unfinishedFile);
-    }
-    std::raise(signalNumber); // whose action is the default one again
-}
-
-void setUnfinishedFile(const std::string& path) {
-    if (path.size() < sizeof g_unfinishedFile) {
-        std::strcpy(g_unfinishedFile, path.c_str());
-    }
-}
-
-/** Everything that ends a process, a crash of the engine included. */
-constexpr int ENDING_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM, SIGPIPE, SIGALRM, SIGUSR1,
-                                  SIGUSR2, SIGXCPU, SIGABRT, SIGSEGV, SIGBUS,  SIGFPE,  SIGILL};
-
-void catchInterrupts() {
-    // A stack that has overflowed cannot carry the handler.
-    static char handlerStack[64 * 1024];
-    stack_t stack{};
-    stack.ss_sp = handlerStack;
-    stack.ss_size = sizeof handlerStack;
-    sigaltstack(&stack, nullptr);
-
-    struct sigaction removing {};
-    removing.sa_handler = removeUnfinishedFile;
-    removing.sa_flags = static_cast<int>(SA_RESETHAND | SA_ONSTACK | SA_NODEFER);
-    for (const int signalNumber : ENDING_SIGNALS) {
-        struct sigaction before {};
-        sigaction(signalNumber, nullptr, &before);
-        // A signal that is ignored from outside (nohup) stays ignored.
-        if (before.sa_handler != SIG_IGN) {
-            sigaction(signalNumber, &removing, nullptr);
-        }
-    }
-    // A file that grows too large is to be an error like any other.
-    std::signal(SIGXFSZ, SIG_IGN);
-}
 
 /** Whether a link stands for an open descriptor of a process (/dev/stdout, /dev/fd/3). */
 bool isDescriptor(const fs::path& link) {
@@ -94,10 +52,41 @@ mode_t permissionsOfNewFile() {
     return 0666 & ~mask;
 }
 
+/**
+ * Makes a file of a name that nothing has. It is never opened for reading, as mkstemp would: in a
+ * sandbox the folder may only be written to.
+ *
+ * @return its name; empty if it cannot be made, with the reason in errno
+ */
+std::string createUnusedFile(const fs::path& folder) {
+    constexpr char CHARACTERS[] = "abcdefghijklmnopqrstuvwxyz012345";
+    constexpr int MOST_TRIES = 100;
+    for (int tries = 0; tries < MOST_TRIES; ++tries) {
+        unsigned char random[6];
+        if (getentropy(random, sizeof random) != 0) {
+            break;
+        }
+        std::string name = ".vexa-xslt-";
+        for (const unsigned char byte : random) {
+            name += CHARACTERS[byte % (sizeof CHARACTERS - 1)];
+        }
+        const std::string path = (folder / name).string();
+        const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (descriptor >= 0) {
+            close(descriptor);
+            return path;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    return "";
+}
+
 } // namespace
 
 OutputFile::OutputFile(const std::string& name)
-    : m_strName(name), m_strPlace(followLinks(name).string()), m_strWritePath(m_strPlace) {
+    : m_strName(name), m_strPlace(outputPlace(name)), m_strWritePath(m_strPlace) {
     if (name.empty()) {
         throw WrongUsage("-o", "the name of the output file is empty");
     }
@@ -139,16 +128,19 @@ void OutputFile::commit() {
 
 void OutputFile::createBeside() {
     const fs::path folder = fs::path(m_strPlace).parent_path();
-    std::string path = (folder / ".vexa-xslt-XXXXXX").string();
-    const int descriptor = mkstemp(path.data());
-    if (descriptor < 0) {
+    const std::string path = createUnusedFile(folder);
+    if (path.empty()) {
         const std::string reason = systemReason(errno);
         throw Failure(m_strName, fs::is_directory(folder) ? "no file can be made in the folder " +
                                                                 folder.string() + ": " + reason
                                                           : reason);
     }
-    close(descriptor);
     m_strWritePath = path;
     setUnfinishedFile(path);
-    catchInterrupts();
+    // A file that grows too large is to be an error like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+std::string outputPlace(const std::string& name) {
+    return followLinks(name).string();
 }

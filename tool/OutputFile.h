@@ -36,3 +36,6 @@ private:
     std::string m_strPlace;
     std::string m_strWritePath;
 };
+
+/** The place that a name stands for, its symbolic links followed. @throws Failure */
+std::string outputPlace(const std::string& name);

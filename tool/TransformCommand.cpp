@@ -6,6 +6,7 @@
 #include "FailedFile.h"
 #include "Failure.h"
 #include "MemoryFile.h"
+#include "NoNetwork.h"
 #include "OutputFile.h"
 #include "Source.h"
 #include "TrailingNulFilter.h"
@@ -37,7 +38,10 @@ Examples:
   vexa-xslt transform report.xsl orders.xml -p title=May -p currency=EUR
 
   # As a filter
-  generate-orders | vexa-xslt transform report.xsl > report.html)";
+  generate-orders | vexa-xslt transform report.xsl > report.html
+
+  # Over the document of a stranger
+  vexa-xslt transform report.xsl orders.xml --no-network --max-seconds 60)";
 
 struct TransformOptions {
     std::string stylesheet;
@@ -77,7 +81,9 @@ TransformRun::TransformRun(const TransformOptions& options)
 void TransformRun::run() {
     m_stylesheet.checkReadable();
     m_source.checkReadable();
-    runWithTransformer(m_options.common, m_source.name(), "transform",
+    NamedFiles files(m_source, m_options.output);
+    files.inputs.push_back(&m_stylesheet);
+    runWithTransformer(m_options.common, files, "transform",
                        [this](VEXAXslTransformer& transformer) { transform(transformer); });
 }
 
@@ -86,7 +92,7 @@ void TransformRun::transform(VEXAXslTransformer& transformer) {
         transformToOutputFile(transformer);
     } else if (!m_source.isStream()) {
         // Only the file road can read a URI, and it can write to nothing but a file.
-        const MemoryFile result;
+        MemoryFile result(m_options.common.limits.maxMemory);
         takeFileRoad(transformer, STANDARD_OUTPUT, result.path());
         result.copyTo(std::cout);
     } else {
@@ -145,6 +151,7 @@ void TransformRun::runEngine(VEXAXslTransformer& transformer, const std::string&
                              const std::string& writePath, Road road) {
     EngineDiagnostics diagnostics(m_options.common.quiet);
     if (road() == 0) {
+        tellRefusedNetwork();
         return;
     }
     const std::string reason = transformer.getLastError();
@@ -167,6 +174,7 @@ void addTransformCommand(CLI::App& app, std::function<void()>& command) {
     addOutputOption(*transform, options->output);
     addParameterOption(*transform, options->common);
     addEngineOptions(*transform, options->common);
+    addLimitOptions(*transform, options->common.limits);
     transform->callback(
         [options, &command] { command = [options] { TransformRun(*options).run(); }; });
 }

@@ -121,6 +121,9 @@ std::string usageReason(const CLI::App& app, const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) && !tooMany.empty()) {
         return tooMany.front() + ": this is an argument too many";
     }
+    if (dynamic_cast<const CLI::ValidationError*>(&error)) {
+        return error.what();
+    }
     const CLI::Option* const option = optionIn(command, error.what());
     return option ? wrongOption(*option) : error.what();
 }

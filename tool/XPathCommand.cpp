@@ -104,7 +104,7 @@ void runXPath(const XPathOptions& options) {
     Source source(options.source);
     source.checkReadable();
     runWithTransformer(
-        options.common, source.name(), "query",
+        options.common, NamedFiles(source), "query",
         [&](VEXAXslTransformer& transformer) { evaluate(transformer, source, options); });
 }
 
@@ -121,5 +121,6 @@ void addXPathCommand(CLI::App& app, std::function<void()>& command) {
         ->required();
     addSourceArgument(*xpath, options->source);
     addEngineOptions(*xpath, options->common);
+    addLimitOptions(*xpath, options->common.limits);
     xpath->callback([options, &command] { command = [options] { runXPath(*options); }; });
 }

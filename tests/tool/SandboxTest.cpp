@@ -1,0 +1,163 @@
+#include "ToolTest.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <linux/filter.h>
+#include <linux/landlock.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+bool hasLandlock() {
+    return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) > 0;
+}
+
+/** From now on this process and its children are on a kernel without Landlock. */
+bool loseLandlock() {
+    std::array<sock_filter, 4> filter{{
+        {BPF_LD | BPF_W | BPF_ABS, 0, 0, offsetof(seccomp_data, nr)},
+        {BPF_JMP | BPF_JEQ | BPF_K, 0, 1, SYS_landlock_create_ruleset},
+        {BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ERRNO | ENOSYS},
+        {BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ALLOW},
+    }};
+    sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+} // namespace
+
+/** With --sandbox, only what the command line names is read and written. */
+class SandboxTest : public ToolTest {
+protected:
+    void SetUp() override {
+        if (!hasLandlock()) {
+            GTEST_SKIP() << "this kernel offers no Landlock";
+        }
+        shell("mkdir sheets sheets/more sources results secrets; cp ok.xsl sheets; "
+              "cp ok.xml sources; echo secret >secrets/text");
+        m_folder.write("secrets/secret.xml", "<s>secret</s>");
+    }
+
+    /** Runs in the sandbox a stylesheet with this root template. */
+    Outcome transform(const std::string& content) {
+        m_folder.write("sheets/sheet.xsl", stylesheetWithRootTemplate(content));
+        return tool("transform sheets/sheet.xsl sources/ok.xml --sandbox");
+    }
+};
+
+TEST_F(SandboxTest, WorksAsWithoutIt) {
+    m_folder.write("results/earlier", "earlier");
+    for (const char* arguments :
+         {"transform sheets/ok.xsl sources/ok.xml", "chain sources/ok.xml sheets/ok.xsl",
+          "transform sheets/ok.xsl <sources/ok.xml", "xpath '/a' sources/ok.xml",
+          "transform sheets/ok.xsl file://$PWD/sources/ok.xml",
+          "transform sheets/ok.xsl sources/ok.xml -o /dev/stdout",
+          "transform sheets/ok.xsl sources/ok.xml -o /dev/stdout | cat",
+          "transform sheets/ok.xsl sources/ok.xml -o results/new; cat results/new",
+          "transform sheets/ok.xsl sources/ok.xml -o results/earlier; cat results/earlier",
+          "transform sheets/ok.xsl sources/ok.xml -o /dev/null"}) {
+        const std::string command = arguments;
+        const auto outcome = tool(command.substr(0, command.find(' ')) + " --sandbox" +
+                                  command.substr(command.find(' ')));
+        EXPECT_EQ(outcome.status, 0) << command;
+        EXPECT_EQ(outcome.error, "") << command;
+        EXPECT_EQ(outcome.output, tool(command).output) << command;
+    }
+    EXPECT_EQ(shell("ls -A results").output, "earlier\nnew\n");
+}
+
+TEST_F(SandboxTest, ReadsTheFoldersOfStylesheetAndSource) {
+    m_folder.write("sheets/more/part.xsl",
+                   stylesheet("<xsl:template match='/'><b><xsl:value-of "
+                              "select=\"document('data.xml')\"/> <xsl:value-of "
+                              "select=\"document('beside.xml', /)\"/></b></xsl:template>"));
+    m_folder.write("sheets/more/data.xml", "<d>1</d>");
+    m_folder.write("sources/beside.xml", "<d>2</d>");
+    m_folder.write("sheets/main.xsl", stylesheet("<xsl:include href='more/part.xsl'/>"));
+    const auto outcome = tool("transform sheets/main.xsl sources/ok.xml --sandbox");
+    EXPECT_NE(outcome.output.find("<b>12</b>"), std::string::npos) << outcome.error;
+}
+
+TEST_F(SandboxTest, RefusesToReadAFileThroughAnEntity) {
+    m_folder.write("sources/entity.xml",
+                   "<!DOCTYPE a [<!ENTITY e SYSTEM '../secrets/text'>]><a>&e;</a>");
+    EXPECT_EQ(tool("transform sheets/ok.xsl sources/entity.xml").output, "<b>secret\n</b>");
+    for (const char* command :
+         {"transform sheets/ok.xsl sources/entity.xml", "chain sources/entity.xml sheets/ok.xsl",
+          "xpath / sources/entity.xml"}) {
+        expectFailure(tool(std::string(command) + " --sandbox"), 1,
+                      "sources/entity.xml: ", "unable to open external entity");
+    }
+}
+
+TEST_F(SandboxTest, RefusesToReadTheSystemsFiles) {
+    m_folder.write("sources/entity.xml",
+                   "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>");
+    expectFailure(tool("transform sheets/ok.xsl sources/entity.xml --sandbox"), 1,
+                  "sources/entity.xml: ", "/etc/passwd");
+}
+
+TEST_F(SandboxTest, GivesAStylesheetNoDocumentFromElsewhere) {
+    const std::string content =
+        "<b><xsl:value-of select=\"document('../secrets/secret.xml')\"/></b>";
+    EXPECT_EQ(transform(content).output, "<b/>");
+    EXPECT_EQ(tool("transform sheets/sheet.xsl sources/ok.xml").output, "<b>secret</b>");
+    shell("ln -s ../secrets/secret.xml sheets/link.xml");
+    EXPECT_EQ(transform("<b><xsl:value-of select=\"document('link.xml')\"/></b>").output, "<b/>");
+}
+
+TEST_F(SandboxTest, ReadsANamedFileThatIsALink) {
+    shell("mkdir links; ln -s ../secrets/secret.xml links/source.xml");
+    EXPECT_EQ(tool("xpath 'string(/)' links/source.xml --sandbox").output, "secret\n");
+}
+
+TEST_F(SandboxTest, UsesNoNetwork) {
+    expectFailure(tool("transform sheets/ok.xsl http://127.0.0.1:9/a.xml --sandbox"), 1,
+                  "http://127.0.0.1:9/a.xml: the network is not to be used\n");
+}
+
+TEST_F(SandboxTest, KnowsTheTimeZone) {
+    if (access("/usr/share/zoneinfo/Asia/Tokyo", R_OK) != 0) {
+        GTEST_SKIP() << "this system has no time zones";
+    }
+    m_folder.write("sheets/now.xsl",
+                   stylesheetWithRootTemplate("<xsl:value-of select='vexa:GetDateTime()'/>"));
+    const auto outcome = shell("export TZ=Asia/Tokyo; date +%H; "
+                               "vexa-xslt transform sheets/now.xsl sources/ok.xml --sandbox "
+                               "| cut -c 1-2; date +%H");
+    const std::string before = outcome.output.substr(0, 3);
+    const std::string told = outcome.output.substr(3, 3);
+    const std::string after = outcome.output.substr(6);
+    EXPECT_TRUE(told == before || told == after) << outcome.output;
+}
+
+TEST_F(SandboxTest, TellsOfAPlaceThatCannotBeWritten) {
+    expectFailure(tool("transform sheets/ok.xsl sources/ok.xml --sandbox -o none/out"), 1,
+                  "none/out: No such file or directory\n");
+}
+
+TEST(SandboxWithoutLandlockTest, Fails) {
+    const TemporaryFolder folder;
+    const std::string run = TOOL_FOLDER "/vexa-xslt xpath / '" + folder.write("a.xml", "<a/>") +
+                            "' --sandbox >'" + folder.path("seen") + "' 2>&1";
+    const pid_t child = fork();
+    if (child == 0) {
+        if (loseLandlock()) {
+            execl("/bin/sh", "sh", "-c", run.c_str(), nullptr);
+        }
+        _exit(99);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(readFile(folder.path("seen")),
+              "vexa-xslt: --sandbox: this system's kernel offers no Landlock: Function not "
+              "implemented\n");
+}

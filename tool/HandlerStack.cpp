@@ -1,0 +1,11 @@
+#include "HandlerStack.h"
+
+#include <csignal>
+
+void giveHandlersAStack() {
+    static char handlerStack[64 * 1024];
+    stack_t stack{};
+    stack.ss_sp = handlerStack;
+    stack.ss_size = sizeof handlerStack;
+    sigaltstack(&stack, nullptr);
+}

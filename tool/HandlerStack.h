@@ -1,0 +1,8 @@
+/**
+ * @file
+ * A stack for signal handlers.
+ */
+#pragma once
+
+/** Gives handlers with SA_ONSTACK a stack: one that has overflowed cannot carry them. */
+void giveHandlersAStack();
