@@ -6,7 +6,6 @@
 #include <vexa/VEXAXslTransformer.h>
 
 #include <istream>
-#include <utility>
 
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
@@ -68,19 +67,14 @@ bool Dom2Dom::InitializeOutputTarget() {
     if (hasRole()) {
         return false;
     }
-    // All is built before any of it is kept: where that fails, the holder has no role.
-    decltype(m_pDocumentBuilder) builder(m_pTransformer->createDocumentBuilder(XalanDOMString()),
-                                         EngineRelease{m_pTransformer});
-    xalanc::XalanDocument* const document = builder->getDocument();
-    auto formatter = std::make_unique<DocumentFormatter>(
-        xalanc::XalanMemMgrs::getDefaultXercesMemMgr(),
-        static_cast<xalanc::XalanSourceTreeDocument*>(document));
-    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(*formatter);
-    m_pFormatter = std::move(formatter);
-    m_pDocumentBuilder = std::move(builder);
-    m_pDocument = document;
-    m_strLastError = "";
     m_bOutputInitialized = true;
+    m_strLastError = "";
+    m_pDocumentBuilder.reset(m_pTransformer->createDocumentBuilder(XalanDOMString()));
+    m_pDocument = m_pDocumentBuilder->getDocument();
+    m_pFormatter = std::make_unique<DocumentFormatter>(
+        xalanc::XalanMemMgrs::getDefaultXercesMemMgr(),
+        static_cast<xalanc::XalanSourceTreeDocument*>(m_pDocument));
+    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(*m_pFormatter);
     return true;
 }
 
@@ -88,9 +82,9 @@ bool Dom2Dom::InitializeOutputTarget(std::ostream& stream) {
     if (hasRole()) {
         return false;
     }
-    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(stream);
-    m_strLastError = "";
     m_bOutputInitialized = true;
+    m_strLastError = "";
+    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(stream);
     return true;
 }
 

@@ -44,8 +44,7 @@ class XSLTResultTarget;
  * Failures: a failed parse has its reason in getLastError(); a role taken a second time is refused
  * without one.
  *
- * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself. An
- * initialisation that throws leaves the holder without a role.
+ * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself.
  */
 class VEXA_EXPORT Dom2Dom {
 public:
