@@ -25,7 +25,7 @@ function(add_memory_test name target filter)
 endfunction()
 
 # vexa_thread_check(TARGET): runs the tests with "Thread" in their names under helgrind, which sees into the
-# engine, as ThreadSanitizer cannot.
+# engine, as ThreadSanitizer cannot; that one knows atomics, as helgrind does not.
 function(vexa_thread_check target)
   add_test(NAME Threads.${target}
            COMMAND "${VALGRIND}" --tool=helgrind --quiet --error-exitcode=99

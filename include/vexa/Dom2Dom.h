@@ -44,7 +44,8 @@ class XSLTResultTarget;
  * Failures: a failed parse has its reason in getLastError(); a role taken a second time is refused
  * without one.
  *
- * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself.
+ * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself. A holder
+ * whose output role could not be built for lack of memory is spent: take a new one.
  */
 class VEXA_EXPORT Dom2Dom {
 public:

@@ -53,6 +53,11 @@ bool isKeptClone(const Calls& calls) {
 
 } // namespace
 
+bool isADeathWithoutNames(const Outcome& outcome) {
+    return outcome.trouble == Trouble::Death && hasNoNames(outcome.diedIn) &&
+           hasNoNames(outcome.failedIn);
+}
+
 bool isTheEngines(const Outcome& outcome) {
     switch (outcome.trouble) {
     case Trouble::Death:

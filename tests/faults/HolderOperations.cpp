@@ -25,7 +25,7 @@ protected:
     std::unique_ptr<Dom2Dom> m_holder = m_transformer.createDom2Dom();
 };
 
-/** A holder takes its role once; where that failed, it can take it again. */
+/** A holder takes its role once. */
 class RoleTrial : public HolderTrial {
 public:
     bool servesOn() override {
@@ -58,6 +58,15 @@ private:
 };
 
 class OutputTrial : public RoleTrial {
+public:
+    /** A holder with the role, but without all that it needs, is spent; the next one serves. */
+    bool servesOn() override {
+        if (!m_taken) {
+            m_holder = m_transformer.createDom2Dom();
+        }
+        return RoleTrial::servesOn();
+    }
+
 protected:
     bool receives() {
         const auto in = m_transformer.createDom2Dom();
