@@ -79,7 +79,7 @@ void lowerLimit(__rlimit_resource resource, rlim_t value) {
 }
 
 void limitMemory(unsigned mebibytes) {
-    constexpr rlim_t MEBIBYTE = 1024 * 1024;
+    constexpr rlim_t MEBIBYTE = rlim_t{1024} * 1024;
     // On 32-bit systems a limit may be larger than what there can be.
     if (mebibytes != 0 && mebibytes <= RLIM_INFINITY / MEBIBYTE) {
         lowerLimit(RLIMIT_AS, mebibytes * MEBIBYTE);

@@ -28,7 +28,7 @@ std::uintptr_t stackPointer(const void* context) {
 
 /** A fault next to the stack pointer is the stack's: memory that it may not grow into. */
 extern "C" void noteFault(int signalNumber, siginfo_t* fault, void* context) {
-    constexpr std::uintptr_t LARGEST_FRAME = 1024 * 1024;
+    constexpr std::uintptr_t LARGEST_FRAME = std::uintptr_t{1024} * 1024;
     const auto address = reinterpret_cast<std::uintptr_t>(fault->si_addr);
     const std::uintptr_t pointer = stackPointer(context);
     const std::uintptr_t distance = address < pointer ? pointer - address : address - pointer;

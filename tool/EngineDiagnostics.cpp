@@ -1,5 +1,6 @@
 #include "EngineDiagnostics.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <iostream>
 
@@ -60,8 +61,8 @@ bool EngineDiagnostics::dropReportOf(const std::string& reason) {
     const std::string report = begins(m_strHeld, BLANK_LINE) ? m_strHeld.substr(1) : m_strHeld;
     std::string text = errorText(report);
     // The place may be told in other words, and the rest of an expression's report too.
-    text = text.substr(0, text.find('\n'));
-    text = text.substr(0, text.find(" (Occurred in "));
+    text.erase(std::min(text.find('\n'), text.size()));
+    text.erase(std::min(text.find(" (Occurred in "), text.size()));
     if (!text.empty() && begins(reasonText(reason), text.c_str())) {
         m_strHeld.clear();
     }

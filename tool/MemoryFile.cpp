@@ -11,7 +11,7 @@ namespace {
 
 /** A file in memory is no part of the address space, whose limit it would slip. */
 void limitFileSize(unsigned mebibytes, rlimit& before) {
-    constexpr rlim_t MEBIBYTE = 1024 * 1024;
+    constexpr rlim_t MEBIBYTE = rlim_t{1024} * 1024;
     getrlimit(RLIMIT_FSIZE, &before);
     rlimit limit = before;
     if (mebibytes < limit.rlim_cur / MEBIBYTE) {

@@ -70,7 +70,7 @@ std::string createUnusedFile(const fs::path& folder) {
         for (const unsigned char byte : random) {
             name += CHARACTERS[byte % (sizeof CHARACTERS - 1)];
         }
-        const std::string path = (folder / name).string();
+        std::string path = (folder / name).string();
         const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (descriptor >= 0) {
             close(descriptor);

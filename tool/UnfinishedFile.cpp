@@ -42,7 +42,7 @@ void setUnfinishedFile(const std::string& path) {
     if (path.size() >= sizeof g_pName->text) {
         return;
     }
-    std::strcpy(g_pName->text, path.c_str());
+    std::memcpy(g_pName->text, path.c_str(), path.size() + 1);
     if (!path.empty() && g_pName == &g_ownName) {
         catchEndingSignals();
     }

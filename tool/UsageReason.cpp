@@ -110,7 +110,7 @@ std::string wrongOption(const CLI::Option& option) {
 std::string usageReason(const CLI::App& app, const CLI::ParseError& error) {
     const auto asked = app.get_subcommands();
     const CLI::App& command = asked.empty() ? app : *asked.front();
-    const std::string unknown = unknownArgument(app, command);
+    std::string unknown = unknownArgument(app, command);
     if (!unknown.empty()) {
         return unknown;
     }
