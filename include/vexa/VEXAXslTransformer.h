@@ -182,6 +182,9 @@ public:
      * Whether documents are parsed into the XML parser's own tree (a Xerces DOM) instead of the
      * XSLT processor's, which is several times smaller; false unless a host sets it. It holds for
      * the whole process: set it while no transformer is at work.
+     *
+     * With that tree, a source with an odd version in its XML declaration (1.2) makes the parser
+     * throw a xercesc::DOMException, which passes to the caller. Let go of it before the last stop.
      */
     static bool m_bUseXercesDOM;
 
