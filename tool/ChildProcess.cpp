@@ -20,8 +20,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /** Signals that come from outside, and end the one who waits as well as the one who works. */
-constexpr int OUTER_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,
-                                 SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
+constexpr int OUTER_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,   SIGPIPE, SIGALRM,
+                                 SIGUSR1, SIGUSR2, SIGXCPU, SIGVTALRM, SIGPROF};
 
 bool isOuter(int signalNumber) {
     return std::find(std::begin(OUTER_SIGNALS), std::end(OUTER_SIGNALS), signalNumber) !=

@@ -8,19 +8,32 @@
 namespace {
 
 /**
- * The system id in "(Occurred in entity 'ID', at line ...)", or in "(ID, line ...)" of an in-memory
- * report; empty where the engine knows none.
+ * The system id in the "(ID, line -1, column -1)" at the end of an in-memory report. No regular
+ * expression: the library's would overflow the stack over a long text.
+ */
+std::string entityOfInMemoryReport(const std::string& reason) {
+    const auto column = reason.rfind(", column ");
+    const auto line = column == std::string::npos ? column : reason.rfind(", line ", column);
+    if (line == std::string::npos || line == 0) {
+        return "";
+    }
+    const auto word = reason.find_last_of(" \t\r\n", line - 1) + 1;
+    const auto bracket = reason.find('(', word);
+    return bracket < line ? reason.substr(bracket + 1, line - bracket - 1) : "";
+}
+
+/**
+ * The system id in "(Occurred in entity 'ID', at line ...)", or in an in-memory report; empty where
+ * the engine knows none.
  */
 std::string entityOf(const std::string& reason) {
-    static const std::regex inMemory("\\((\\S+), line -?[0-9]+, column -?[0-9]+\\)\\s*$");
     constexpr const char* BEGIN = "(Occurred in entity '";
-    std::smatch match;
     const auto begin = reason.rfind(BEGIN);
     if (begin != std::string::npos) {
         const auto idBegin = begin + std::string(BEGIN).size();
         return reason.substr(idBegin, reason.find("', at ", idBegin) - idBegin);
     }
-    return std::regex_search(reason, match, inMemory) ? match[1].str() : "";
+    return entityOfInMemoryReport(reason);
 }
 
 /** A stream has no base, so its entities are named relative to the folder it was read in. */

@@ -35,13 +35,20 @@ MemoryFile::MemoryFile(unsigned maxMebibytes)
 }
 
 MemoryFile::~MemoryFile() {
+    liftLimit();
     close(m_nDescriptor);
 }
 
-void MemoryFile::copyTo(std::ostream& output) {
+/** It holds for every file, those that errors are told to included. */
+void MemoryFile::liftLimit() {
     if (m_limitBefore) {
         setrlimit(RLIMIT_FSIZE, &*m_limitBefore);
+        m_limitBefore.reset();
     }
+}
+
+void MemoryFile::copyTo(std::ostream& output) {
+    liftLimit();
     const std::ifstream file(m_strPath, std::ios::binary);
     if (file.rdbuf()->in_avail() != 0) {
         output << file.rdbuf();

@@ -27,6 +27,8 @@ public:
     void copyTo(std::ostream& output);
 
 private:
+    void liftLimit();
+
     int m_nDescriptor;
     std::optional<rlimit> m_limitBefore;
     std::string m_strPath;

@@ -150,7 +150,9 @@ void allowWriting(const Sandbox& sandbox, const std::string& output) {
     const fs::path place = outputPlace(output);
     std::error_code none;
     sandbox.allow(place, WRITING);
-    if (fs::is_regular_file(place, none) || !fs::exists(place, none)) {
+    // A link that could not be followed to its end (/dev/stdout) is written to directly.
+    const bool isWrittenBeside = fs::is_regular_file(place, none) || !fs::exists(place, none);
+    if (isWrittenBeside && !fs::is_symlink(place, none)) {
         sandbox.allow(folderOf(place),
                       WRITING | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE);
     }

@@ -18,8 +18,9 @@ extern "C" void removeAndEnd(int signalNumber) {
 }
 
 /** Everything that ends a process, a crash of the engine included. */
-constexpr int ENDING_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM, SIGPIPE, SIGALRM, SIGUSR1,
-                                  SIGUSR2, SIGXCPU, SIGABRT, SIGSEGV, SIGBUS,  SIGFPE,  SIGILL};
+constexpr int ENDING_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,   SIGPIPE, SIGALRM,
+                                  SIGUSR1, SIGUSR2, SIGXCPU, SIGVTALRM, SIGPROF, SIGABRT,
+                                  SIGSEGV, SIGBUS,  SIGFPE,  SIGILL};
 
 void catchEndingSignals() {
     giveHandlersAStack();

@@ -40,6 +40,16 @@ TEST_F(ChainCommandTest, EqualsTheStepsDoneThroughFiles) {
     EXPECT_TRUE(sameBytes(file("chained.html"), file("stepped.html")));
 }
 
+TEST_F(ChainCommandTest, TellsOfAFailureWithALongText) {
+    m_folder.write("long.xml", "<a>(" + std::string(200'000, 'x') + "</a>");
+    m_folder.write("end.xsl",
+                   stylesheetWithRootTemplate("<xsl:message terminate='yes'>"
+                                              "<xsl:value-of select='a'/></xsl:message>"));
+    const Outcome outcome = tool("chain long.xml end.xsl");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.error.find("xxxxxxxxxx"), std::string::npos);
+}
+
 TEST_F(ChainCommandTest, WritesAFileWholeOrNotAtAll) {
     EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl -o out").status, 0);
     EXPECT_EQ(file("out"), "<c n=\"2\">x</c>");
