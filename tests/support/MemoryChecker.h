@@ -8,7 +8,7 @@
 #include <cstring>
 
 inline bool isUnderAMemoryChecker() {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return true;
 #else
     const char* const preloaded = std::getenv("LD_PRELOAD");
