@@ -43,9 +43,10 @@ class XSLTResultTarget;
  * Failures: an operation tells of a failure by a non-zero result, and getLastError() then gives the
  * reason. The transformer stays usable.
  *
- * Exceptions: the operations over documents in memory catch every exception and report it. All
- * others catch none: what the string class, the memory allocation or an extension function throws
- * passes to the caller, and so does what the engine throws and does not catch itself.
+ * Exceptions: the operations over documents in memory catch every exception and report it; only a
+ * lack of memory for the report itself passes. All others catch none: what the string class, the
+ * memory allocation or an extension function throws passes to the caller, and so does what the
+ * engine throws and does not catch itself.
  *
  * The engine prints some diagnostics on std::cerr by itself: texts of xsl:message, warnings and
  * parse errors.
