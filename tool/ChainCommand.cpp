@@ -1,11 +1,9 @@
 #include "ChainCommand.h"
 
-#include "EngineDiagnostics.h"
+#include "EngineRun.h"
 #include "EngineSession.h"
-#include "FailedFile.h"
 #include "Failure.h"
 #include "HolderInput.h"
-#include "NoNetwork.h"
 #include "OutputFile.h"
 
 #include <vexa/VEXAXslTransformer.h>
@@ -105,15 +103,8 @@ void ChainRun::chainTo(VEXAXslTransformer& transformer, const std::string& outpu
 
 void ChainRun::runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
                        Dom2Dom& out, const std::string& outputName) {
-    EngineDiagnostics diagnostics(m_options.common.quiet);
-    if (transformer.doTransform(in, stylesheet.forEngine(), out) == 0) {
-        tellRefusedNetwork();
-        return;
-    }
-    const std::string reason = transformer.getLastError();
-    const bool isAboutSource = diagnostics.dropReportOf(reason);
-    const TransformDocuments documents{stylesheet, m_source, outputName, ""};
-    throw Failure(failedFile(reason, documents, isAboutSource), readableReason(reason, documents));
+    runEngine(transformer, {stylesheet, m_source, outputName, ""}, m_options.common.quiet,
+              [&] { return transformer.doTransform(in, stylesheet.forEngine(), out); });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "CrashNotes.h"
 #include "Failure.h"
+#include "HeldSignals.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,59 +18,7 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-/** Signals that come from outside, and end the one who waits as well as the one who works. */
-constexpr int OUTER_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,   SIGPIPE, SIGALRM,
-                                 SIGUSR1, SIGUSR2, SIGXCPU, SIGVTALRM, SIGPROF};
-
-bool isOuter(int signalNumber) {
-    return std::find(std::begin(OUTER_SIGNALS), std::end(OUTER_SIGNALS), signalNumber) !=
-           std::end(OUTER_SIGNALS);
-}
-
-/** Keeps signals from ending this process, so that they can be waited for. */
-class HeldSignals {
-public:
-    HeldSignals() {
-        // A child whose end nobody wants to know of could not be waited for.
-        std::signal(SIGCHLD, SIG_DFL);
-        sigemptyset(&m_held);
-        sigaddset(&m_held, SIGCHLD);
-        for (const int signalNumber : OUTER_SIGNALS) {
-            struct sigaction before {};
-            sigaction(signalNumber, nullptr, &before);
-            if (before.sa_handler != SIG_IGN) {
-                sigaddset(&m_held, signalNumber);
-            }
-        }
-        sigprocmask(SIG_BLOCK, &m_held, &m_before);
-    }
-
-    void release() const { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
-
-    /** The next signal; none if the time comes first. */
-    std::optional<int> next(const std::optional<Clock::time_point>& time) const {
-        int signalNumber = 0;
-        do {
-            signalNumber = time ? waitUntil(*time) : sigwaitinfo(&m_held, nullptr);
-        } while (signalNumber < 0 && errno == EINTR);
-        return signalNumber > 0 ? std::optional<int>(signalNumber) : std::nullopt;
-    }
-
-private:
-    int waitUntil(Clock::time_point time) const {
-        const auto left = std::max(time - Clock::now(), Clock::duration::zero());
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
-        timespec interval{};
-        interval.tv_sec = static_cast<time_t>(seconds.count());
-        interval.tv_nsec = static_cast<long>(std::chrono::nanoseconds(left - seconds).count());
-        return sigtimedwait(&m_held, nullptr, &interval);
-    }
-
-    sigset_t m_held{};
-    sigset_t m_before{};
-};
+using Clock = HeldSignals::Clock;
 
 void lowerLimit(__rlimit_resource resource, rlim_t value) {
     rlimit limit{};
@@ -84,16 +33,6 @@ void limitMemory(unsigned mebibytes) {
     if (mebibytes != 0 && mebibytes <= RLIM_INFINITY / MEBIBYTE) {
         lowerLimit(RLIMIT_AS, mebibytes * MEBIBYTE);
     }
-}
-
-void becomeChild(const Limits& limits, CrashNotes& notes, pid_t parent) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) {
-        _exit(EXIT_FAILED);
-    }
-    lowerLimit(RLIMIT_CORE, 0);
-    keepCrashNotes(notes);
-    limitMemory(limits.maxMemory);
 }
 
 /** The process that waits. */
@@ -115,8 +54,8 @@ public:
         if (WIFEXITED(status) && WEXITSTATUS(status) <= EXIT_USAGE) {
             return WEXITSTATUS(status);
         }
-        if (WIFSIGNALED(status) && isOuter(WTERMSIG(status))) {
-            endBy(WTERMSIG(status));
+        if (WIFSIGNALED(status) && isOuterSignal(WTERMSIG(status))) {
+            m_signals.endBy(WTERMSIG(status));
         }
         tellFailure(m_strSourceName + ": " + reason(status));
         return EXIT_FAILED;
@@ -138,31 +77,8 @@ private:
         return status;
     }
 
-    [[noreturn]] void endBy(int signalNumber) const {
-        std::signal(signalNumber, SIG_DFL);
-        m_signals.release();
-        std::raise(signalNumber);
-        _exit(EXIT_FAILED);
-    }
-
     std::string reason(int status) const {
-        if (m_bLate) {
-            return "it takes longer than the " + std::to_string(m_limits.maxSeconds) +
-                   " s that --max-seconds allows";
-        }
-        if (m_notes.lackedMemory) {
-            return lackOfMemory(m_limits);
-        }
-        if (m_notes.overflowedStack) {
-            return "the engine overflowed its stack";
-        }
-        if (WIFEXITED(status)) {
-            return "the engine gave up without a reason";
-        }
-        const std::string signalText = strsignal(WTERMSIG(status));
-        return WTERMSIG(status) == SIGKILL ? "the engine was ended from outside (" + signalText +
-                                                 "), perhaps because the system has no memory left"
-                                           : "the engine crashed (" + signalText + ")";
+        return m_bLate ? lackOfTime(m_limits) : endReason(status, m_notes, m_limits);
     }
 
     pid_t m_nChild;
@@ -189,6 +105,37 @@ void goOnInChild(const Limits& limits, const std::string& sourceName) {
     }
     signals.release();
     becomeChild(limits, notes, parent);
+}
+
+void becomeChild(const Limits& limits, CrashNotes& notes, pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(EXIT_FAILED);
+    }
+    lowerLimit(RLIMIT_CORE, 0);
+    keepCrashNotes(notes);
+    limitMemory(limits.maxMemory);
+}
+
+std::string endReason(int status, const CrashNotes& notes, const Limits& limits) {
+    if (notes.lackedMemory) {
+        return lackOfMemory(limits);
+    }
+    if (notes.overflowedStack) {
+        return "the engine overflowed its stack";
+    }
+    if (WIFEXITED(status)) {
+        return "the engine gave up without a reason";
+    }
+    const std::string signalText = strsignal(WTERMSIG(status));
+    return WTERMSIG(status) == SIGKILL ? "the engine was ended from outside (" + signalText +
+                                             "), perhaps because the system has no memory left"
+                                       : "the engine crashed (" + signalText + ")";
+}
+
+std::string lackOfTime(const Limits& limits) {
+    return "it takes longer than the " + std::to_string(limits.maxSeconds) +
+           " s that --max-seconds allows";
 }
 
 std::string lackOfMemory(const Limits& limits) {

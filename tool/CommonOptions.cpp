@@ -32,14 +32,6 @@ CLI::Validator wholeNumberUpTo(unsigned largest) {
         "");
 }
 
-void addLimit(CLI::App& command, const std::string& name, unsigned& limit, unsigned largest,
-              const std::string& unit, const std::string& description) {
-    command.add_option(name, limit, description)
-        ->check(wholeNumberUpTo(largest))
-        ->type_name(unit)
-        ->group(LIMITS);
-}
-
 } // namespace
 
 void addSourceArgument(CLI::App& command, std::string& source) {
@@ -77,22 +69,31 @@ void addEngineOptions(CLI::App& command, CommonOptions& options) {
 void addLimitOptions(CLI::App& command, Limits& limits) {
     constexpr unsigned MOST_MEBIBYTES = 1'000'000;
     constexpr unsigned MOST_SECONDS = 1'000'000;
-    addLimit(command, "--max-memory", limits.maxMemory, MOST_MEBIBYTES, "MIB",
-             "Fail where more memory would be needed: address space, in MiB");
-    addLimit(command, "--max-seconds", limits.maxSeconds, MOST_SECONDS, "N",
-             "Fail where it would take longer");
+    addNumberOption(command, "--max-memory", limits.maxMemory, MOST_MEBIBYTES, "MIB",
+                    "Fail where more memory would be needed: address space, in MiB")
+        .group(LIMITS);
+    addNumberOption(command, "--max-seconds", limits.maxSeconds, MOST_SECONDS, "N",
+                    "Fail where it would take longer")
+        .group(LIMITS);
     command.add_flag("--no-network", limits.noNetwork, "Fetch nothing over the network")
         ->group(LIMITS);
     command
         .add_flag("--sandbox", limits.sandbox,
-                  "Reach no files but OUTPUT and those in the folders of the stylesheets and of "
-                  "SOURCE, and no network; needs Landlock in the kernel")
+                  "Reach no files but the output and those in the folders of the stylesheets and "
+                  "of the sources, and no network; needs Landlock in the kernel")
         ->group(LIMITS);
 }
 
-std::vector<std::pair<I18NString, I18NString>>
-parseParameters(const std::vector<std::string>& arguments) {
-    std::vector<std::pair<I18NString, I18NString>> parameters;
+CLI::Option& addNumberOption(CLI::App& command, const std::string& name, unsigned& number,
+                             unsigned largest, const std::string& unit,
+                             const std::string& description) {
+    return *command.add_option(name, number, description)
+                ->check(wholeNumberUpTo(largest))
+                ->type_name(unit);
+}
+
+Parameters parseParameters(const std::vector<std::string>& arguments) {
+    Parameters parameters;
     for (const std::string& argument : arguments) {
         const auto equals = argument.find('=');
         if (equals == std::string::npos || equals == 0) {

@@ -1,8 +1,9 @@
 #include "EngineDiagnostics.h"
 
+#include "ErrorRoute.h"
+
 #include <algorithm>
 #include <initializer_list>
-#include <iostream>
 
 namespace {
 
@@ -48,10 +49,10 @@ std::string reasonText(const std::string& reason) {
 } // namespace
 
 EngineDiagnostics::EngineDiagnostics(bool quiet)
-    : m_bQuiet(quiet), m_pStandardError(std::cerr.rdbuf(this)) {}
+    : m_bQuiet(quiet), m_pStandardError(redirectErrors(this)) {}
 
 EngineDiagnostics::~EngineDiagnostics() {
-    std::cerr.rdbuf(m_pStandardError);
+    redirectErrors(m_pStandardError);
     sortLine();
     printHeld();
 }

@@ -8,7 +8,7 @@
 #include <string>
 
 /**
- * Stands in for std::cerr while the engine works, and sorts what it prints there.
+ * Stands in for std::cerr in its thread while the engine works, and sorts what it prints there.
  *
  * Messages of the stylesheet and warnings go to standard error line by line. The report of an error
  * that may be the end of the work is held back: the library gives the same text as the reason of a

@@ -18,15 +18,6 @@
 
 namespace {
 
-/** The library, started for as long as this lives. */
-class EngineSession {
-public:
-    EngineSession() { TQXslTransformer_Initialize(nullptr); }
-    EngineSession(const EngineSession&) = delete;
-    EngineSession& operator=(const EngineSession&) = delete;
-    ~EngineSession() { TQXslTransformer_Terminate(nullptr); }
-};
-
 /** What the engines made of a refused access or of a lack of memory is told by its cause. */
 void tellCause(const Limits& limits, const std::string& sourceName) {
     tellRefusedNetwork();
@@ -35,10 +26,16 @@ void tellCause(const Limits& limits, const std::string& sourceName) {
     }
 }
 
-/**
- * Makes failures of the engine's exceptions while it still runs: they use its memory, and must not
- * outlive it.
- */
+} // namespace
+
+EngineSession::EngineSession() {
+    TQXslTransformer_Initialize(nullptr);
+}
+
+EngineSession::~EngineSession() {
+    TQXslTransformer_Terminate(nullptr);
+}
+
 void tellEngineExceptions(const Limits& limits, const std::string& sourceName,
                           const std::function<void()>& work) {
     try {
@@ -68,12 +65,16 @@ void reachOnly(const Limits& limits, const NamedFiles& files) {
     }
 }
 
-} // namespace
+void setParameters(VEXAXslTransformer& transformer, const Parameters& parameters) {
+    for (const auto& [name, value] : parameters) {
+        transformer.setStylesheetParam(name, value);
+    }
+}
 
 void runWithTransformer(const CommonOptions& options, const NamedFiles& files,
                         const std::string& phase,
                         const std::function<void(VEXAXslTransformer&)>& work) {
-    const auto parameters = parseParameters(options.parameters);
+    const Parameters parameters = parseParameters(options.parameters);
     VEXAXslTransformer::m_bUseXercesDOM = options.useXercesDom;
     if (options.limits.needChild()) {
         goOnInChild(options.limits, files.sourceName);
@@ -84,11 +85,11 @@ void runWithTransformer(const CommonOptions& options, const NamedFiles& files,
         const EngineSession session;
         reachOnly(options.limits, files);
         timing.endPhase("start of the engines");
-        VEXAXslTransformer transformer;
-        for (const auto& [name, value] : parameters) {
-            transformer.setStylesheetParam(name, value);
-        }
-        tellEngineExceptions(options.limits, files.sourceName, [&] { work(transformer); });
+        tellEngineExceptions(options.limits, files.sourceName, [&] {
+            VEXAXslTransformer transformer;
+            setParameters(transformer, parameters);
+            work(transformer);
+        });
         timing.endPhase(phase);
     }
     timing.endPhase("stop of the engines");

@@ -11,6 +11,29 @@
 #include <functional>
 #include <string>
 
+/** The library, started for as long as this lives. */
+class EngineSession {
+public:
+    EngineSession();
+    EngineSession(const EngineSession&) = delete;
+    EngineSession& operator=(const EngineSession&) = delete;
+    ~EngineSession();
+};
+
+/** What the engine may reach from now on, until it is stopped. @throws Failure */
+void reachOnly(const Limits& limits, const NamedFiles& files);
+
+void setParameters(VEXAXslTransformer& transformer, const Parameters& parameters);
+
+/**
+ * Makes failures of the engine's exceptions while it still runs: they use its memory, and must not
+ * outlive it.
+ *
+ * @throws Failure
+ */
+void tellEngineExceptions(const Limits& limits, const std::string& sourceName,
+                          const std::function<void()>& work);
+
 /**
  * Runs a command's work with a transformer, within the limits that the options set.
  *

@@ -3,7 +3,7 @@
 #include <csignal>
 
 void giveHandlersAStack() {
-    static char handlerStack[64 * 1024];
+    thread_local char handlerStack[64 * 1024];
     stack_t stack{};
     stack.ss_sp = handlerStack;
     stack.ss_size = sizeof handlerStack;

@@ -4,5 +4,7 @@
  */
 #pragma once
 
-/** Gives handlers with SA_ONSTACK a stack: one that has overflowed cannot carry them. */
+/**
+ * Gives handlers with SA_ONSTACK a stack in this thread: one that has overflowed cannot carry them.
+ */
 void giveHandlersAStack();

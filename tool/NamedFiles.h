@@ -11,8 +11,11 @@
 #include <vector>
 
 struct NamedFiles {
+    NamedFiles(std::string blamed, std::string outputName)
+        : sourceName(std::move(blamed)), output(std::move(outputName)) {}
+
     explicit NamedFiles(const Source& source, std::string outputName = STANDARD_STREAM)
-        : sourceName(source.name()), output(std::move(outputName)) {
+        : NamedFiles(source.name(), std::move(outputName)) {
         if (source.document()) {
             inputs.push_back(source.document());
         }
@@ -22,5 +25,6 @@ struct NamedFiles {
     std::vector<const InputName*> inputs;
     /** What the user calls the source. */
     std::string sourceName;
+    /** A file, or the folder that all results go to. */
     std::string output;
 };

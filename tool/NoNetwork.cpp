@@ -3,6 +3,7 @@
 #include "Failure.h"
 
 #include <string>
+#include <utility>
 
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/TransService.hpp>
@@ -11,7 +12,12 @@
 
 namespace {
 
-std::string g_refused;
+/** Of the transform that runs in this thread. */
+thread_local std::string t_refused;
+
+Failure refusal(const std::string& name) {
+    return {name, "the network is not to be used"};
+}
 
 /** Stands where the parser has its access to the network. */
 class Refusal : public xercesc::XMLNetAccessor {
@@ -24,9 +30,8 @@ public:
     xercesc::BinInputStream* makeNew(const xercesc::XMLURL& url,
                                      const xercesc::XMLNetHTTPInfo* /*request*/) override {
         const xercesc::TranscodeToStr text(url.getURLText(), "UTF-8");
-        g_refused = reinterpret_cast<const char*>(text.str());
-        tellRefusedNetwork();
-        return nullptr;
+        t_refused = reinterpret_cast<const char*>(text.str());
+        throw refusal(t_refused);
     }
 };
 
@@ -38,7 +43,7 @@ void forbidNetwork() {
 }
 
 void tellRefusedNetwork() {
-    if (!g_refused.empty()) {
-        throw Failure(g_refused, "the network is not to be used");
+    if (!t_refused.empty()) {
+        throw refusal(std::exchange(t_refused, ""));
     }
 }

@@ -46,21 +46,28 @@ void copyOwner(const std::string& path, const struct stat& original) {
     }
 }
 
-mode_t permissionsOfNewFile() {
+mode_t readFileMask() {
     const mode_t mask = umask(0);
     umask(mask);
+    return mask;
+}
+
+/** The mask is read once: reading means setting it, for all threads. */
+mode_t permissionsOfNewFile() {
+    static const mode_t mask = readFileMask();
     return 0666 & ~mask;
 }
 
 /**
- * Makes a file of a name that nothing has. It is never opened for reading, as mkstemp would: in a
- * sandbox the folder may only be written to.
+ * Makes a file of a name that nothing has, as the thread's unfinished one. It is never opened for
+ * reading, as mkstemp would: in a sandbox the folder may only be written to.
  *
  * @return its name; empty if it cannot be made, with the reason in errno
  */
 std::string createUnusedFile(const fs::path& folder) {
     constexpr char CHARACTERS[] = "abcdefghijklmnopqrstuvwxyz012345";
     constexpr int MOST_TRIES = 100;
+    const auto lock = lockUnfinishedFiles();
     for (int tries = 0; tries < MOST_TRIES; ++tries) {
         unsigned char random[6];
         if (getentropy(random, sizeof random) != 0) {
@@ -71,11 +78,13 @@ std::string createUnusedFile(const fs::path& folder) {
             name += CHARACTERS[byte % (sizeof CHARACTERS - 1)];
         }
         std::string path = (folder / name).string();
+        setUnfinishedFile(path);
         const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (descriptor >= 0) {
             close(descriptor);
             return path;
         }
+        setUnfinishedFile("");
         if (errno != EEXIST) {
             break;
         }
@@ -119,6 +128,7 @@ void OutputFile::commit() {
     if (m_strWritePath == m_strPlace) {
         return;
     }
+    const auto lock = lockUnfinishedFiles();
     if (std::rename(m_strWritePath.c_str(), m_strPlace.c_str()) != 0) {
         throw Failure(m_strName, systemReason(errno));
     }
@@ -136,7 +146,6 @@ void OutputFile::createBeside() {
                                                           : reason);
     }
     m_strWritePath = path;
-    setUnfinishedFile(path);
     // A file that grows too large is to be an error like any other.
     std::signal(SIGXFSZ, SIG_IGN);
 }

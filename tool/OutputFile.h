@@ -11,7 +11,7 @@
  * is complete; until then, and after a failure, what was there before stays as it was. Anything
  * that is no regular file (a device, a FIFO) is written to directly. A symbolic link is followed.
  *
- * One object at a time. An interrupt removes the unfinished file.
+ * One object at a time in a thread. An interrupt removes the unfinished file.
  */
 class OutputFile {
 public:

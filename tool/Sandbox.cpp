@@ -1,5 +1,6 @@
 #include "Sandbox.h"
 
+#include "Descriptor.h"
 #include "Failure.h"
 #include "OutputFile.h"
 
@@ -34,23 +35,6 @@ struct RulesetAttributes {
 [[noreturn]] void fail(const std::string& what) {
     throw Failure("--sandbox", what + ": " + systemReason(errno));
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_nDescriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (m_nDescriptor >= 0) {
-            close(m_nDescriptor);
-        }
-    }
-
-    int get() const { return m_nDescriptor; }
-
-private:
-    int m_nDescriptor;
-};
 
 class Sandbox {
 public:
@@ -147,14 +131,14 @@ void allowWriting(const Sandbox& sandbox, const std::string& output) {
     if (output == STANDARD_STREAM) {
         return;
     }
+    constexpr std::uint64_t MAKING = LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
     const fs::path place = outputPlace(output);
     std::error_code none;
-    sandbox.allow(place, WRITING);
+    sandbox.allow(place, fs::is_directory(place, none) ? WRITING | MAKING : WRITING);
     // A link that could not be followed to its end (/dev/stdout) is written to directly.
     const bool isWrittenBeside = fs::is_regular_file(place, none) || !fs::exists(place, none);
     if (isWrittenBeside && !fs::is_symlink(place, none)) {
-        sandbox.allow(folderOf(place),
-                      WRITING | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE);
+        sandbox.allow(folderOf(place), WRITING | MAKING);
     }
 }
 

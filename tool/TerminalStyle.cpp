@@ -6,12 +6,15 @@
 namespace {
 
 bool showsStyles(int descriptor) {
-    const char* const terminal = std::getenv("TERM");
-    const bool isDumb = !terminal || std::string(terminal) == "dumb";
-    return !isDumb && !std::getenv("NO_COLOR") && isatty(descriptor) == 1;
+    return !std::getenv("NO_COLOR") && isSmartTerminal(descriptor);
 }
 
 } // namespace
+
+bool isSmartTerminal(int descriptor) {
+    const char* const terminal = std::getenv("TERM");
+    return terminal && std::string(terminal) != "dumb" && isatty(descriptor) == 1;
+}
 
 std::string styled(const std::string& text, Style style, int descriptor) {
     constexpr const char* BOLD = "\033[1m";

@@ -6,6 +6,9 @@
 
 #include <string>
 
+/** Whether the stream is a terminal that can do more than print one line after another. */
+bool isSmartTerminal(int descriptor);
+
 enum class Style { Heading, Error };
 
 /**

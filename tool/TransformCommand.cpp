@@ -1,12 +1,10 @@
 #include "TransformCommand.h"
 
 #include "CommonOptions.h"
-#include "EngineDiagnostics.h"
+#include "EngineRun.h"
 #include "EngineSession.h"
-#include "FailedFile.h"
 #include "Failure.h"
 #include "MemoryFile.h"
-#include "NoNetwork.h"
 #include "OutputFile.h"
 #include "Source.h"
 #include "TrailingNulFilter.h"
@@ -59,16 +57,10 @@ public:
 
 private:
     void transform(VEXAXslTransformer& transformer);
-    void transformToOutputFile(VEXAXslTransformer& transformer);
-    void takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
-                      const std::string& writePath);
+    void streamToFile(VEXAXslTransformer& transformer);
     void takeStreamRoad(VEXAXslTransformer& transformer, const std::string& outputName,
                         std::ostream& result);
     std::istream& openSource();
-
-    template <typename Road>
-    void runEngine(VEXAXslTransformer& transformer, const std::string& outputName,
-                   const std::string& writePath, Road road);
 
     const TransformOptions& m_options;
     InputName m_stylesheet;
@@ -88,12 +80,15 @@ void TransformRun::run() {
 }
 
 void TransformRun::transform(VEXAXslTransformer& transformer) {
-    if (m_options.output != STANDARD_STREAM) {
-        transformToOutputFile(transformer);
+    const bool quiet = m_options.common.quiet;
+    if (m_options.output != STANDARD_STREAM && m_source.document()) {
+        transformToFile(transformer, m_stylesheet, m_source, m_options.output, quiet);
+    } else if (m_options.output != STANDARD_STREAM) {
+        streamToFile(transformer);
     } else if (!m_source.isStream()) {
         // Only the file road can read a URI, and it can write to nothing but a file.
         MemoryFile result(m_options.common.limits.maxMemory);
-        takeFileRoad(transformer, STANDARD_OUTPUT, result.path());
+        takeFileRoad(transformer, {m_stylesheet, m_source, STANDARD_OUTPUT, result.path()}, quiet);
         result.copyTo(std::cout);
     } else {
         takeStreamRoad(transformer, STANDARD_OUTPUT, std::cout);
@@ -103,33 +98,21 @@ void TransformRun::transform(VEXAXslTransformer& transformer) {
     }
 }
 
-void TransformRun::transformToOutputFile(VEXAXslTransformer& transformer) {
+void TransformRun::streamToFile(VEXAXslTransformer& transformer) {
     OutputFile output(m_options.output);
-    if (m_source.document()) {
-        takeFileRoad(transformer, m_options.output, output.writePath());
-    } else {
-        std::ofstream result(output.writePath(), std::ios::binary);
-        takeStreamRoad(transformer, m_options.output, result);
-        if (!result.flush()) {
-            throw Failure(m_options.output, systemReason(errno));
-        }
+    std::ofstream result(output.writePath(), std::ios::binary);
+    takeStreamRoad(transformer, m_options.output, result);
+    if (!result.flush()) {
+        throw Failure(m_options.output, systemReason(errno));
     }
     output.commit();
-}
-
-void TransformRun::takeFileRoad(VEXAXslTransformer& transformer, const std::string& outputName,
-                                const std::string& writePath) {
-    runEngine(transformer, outputName, writePath, [&] {
-        return transformer.doTransform(m_source.document()->forEngine(), m_stylesheet.forEngine(),
-                                       toText(writePath));
-    });
 }
 
 void TransformRun::takeStreamRoad(VEXAXslTransformer& transformer, const std::string& outputName,
                                   std::ostream& result) {
     TrailingNulFilter withoutNul(*result.rdbuf());
     std::ostream output(&withoutNul);
-    runEngine(transformer, outputName, "", [&] {
+    runEngine(transformer, {m_stylesheet, m_source, outputName, ""}, m_options.common.quiet, [&] {
         return transformer.doTransform(openSource(), m_stylesheet.forEngine(), output);
     });
 }
@@ -144,21 +127,6 @@ std::istream& TransformRun::openSource() {
         std::filesystem::current_path(path.parent_path(), ignored);
     }
     return stream;
-}
-
-template <typename Road>
-void TransformRun::runEngine(VEXAXslTransformer& transformer, const std::string& outputName,
-                             const std::string& writePath, Road road) {
-    EngineDiagnostics diagnostics(m_options.common.quiet);
-    if (road() == 0) {
-        tellRefusedNetwork();
-        return;
-    }
-    const std::string reason = transformer.getLastError();
-    const bool isAboutSource = diagnostics.dropReportOf(reason);
-    m_source.checkRead();
-    const TransformDocuments documents{m_stylesheet, m_source, outputName, writePath};
-    throw Failure(failedFile(reason, documents, isAboutSource), readableReason(reason, documents));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "HandlerStack.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <unistd.h>
@@ -9,11 +10,28 @@
 namespace {
 
 /** Read in a signal handler, hence no std::string. */
-UnfinishedFileName g_ownName;
-UnfinishedFileName* g_pName = &g_ownName;
+UnfinishedFileName g_names[MOST_WRITING_THREADS];
+std::atomic<std::size_t> g_nTaken{0};
+/** One of these, or a place that another process reads. */
+thread_local UnfinishedFileName* t_pName = nullptr;
+
+std::mutex g_lock;
+
+UnfinishedFileName& nameOfThread() {
+    if (!t_pName) {
+        t_pName = &g_names[g_nTaken++];
+    }
+    return *t_pName;
+}
+
+bool isOwn(const UnfinishedFileName& name) {
+    return &name >= std::begin(g_names) && &name < std::end(g_names);
+}
 
 extern "C" void removeAndEnd(int signalNumber) {
-    removeUnfinishedFile(*g_pName);
+    for (const UnfinishedFileName& name : g_names) {
+        removeUnfinishedFile(name);
+    }
     std::raise(signalNumber); // whose action is the default one again
 }
 
@@ -22,8 +40,7 @@ constexpr int ENDING_SIGNALS[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,   SIGPIPE,
                                   SIGUSR1, SIGUSR2, SIGXCPU, SIGVTALRM, SIGPROF, SIGABRT,
                                   SIGSEGV, SIGBUS,  SIGFPE,  SIGILL};
 
-void catchEndingSignals() {
-    giveHandlersAStack();
+void installHandlers() {
     struct sigaction removing {};
     removing.sa_handler = removeAndEnd;
     removing.sa_flags = static_cast<int>(SA_RESETHAND | SA_ONSTACK | SA_NODEFER);
@@ -37,24 +54,41 @@ void catchEndingSignals() {
     }
 }
 
+void catchEndingSignals() {
+    giveHandlersAStack();
+    static std::once_flag once;
+    std::call_once(once, installHandlers);
+}
+
 } // namespace
 
 void setUnfinishedFile(const std::string& path) {
-    if (path.size() >= sizeof g_pName->text) {
+    UnfinishedFileName& name = nameOfThread();
+    if (path.size() >= sizeof name.text) {
         return;
     }
-    std::memcpy(g_pName->text, path.c_str(), path.size() + 1);
-    if (!path.empty() && g_pName == &g_ownName) {
+    std::memcpy(name.text, path.c_str(), path.size() + 1);
+    if (!path.empty() && isOwn(name)) {
         catchEndingSignals();
     }
 }
 
 void leaveUnfinishedFileTo(UnfinishedFileName& place) {
-    g_pName = &place;
+    t_pName = &place;
 }
 
 void removeUnfinishedFile(const UnfinishedFileName& name) {
     if (name.text[0]) {
         unlink(name.text);
+    }
+}
+
+std::unique_lock<std::mutex> lockUnfinishedFiles() {
+    return std::unique_lock(g_lock);
+}
+
+void removeUnfinishedFiles(const std::unique_lock<std::mutex>& /*lock*/) {
+    for (const UnfinishedFileName& name : g_names) {
+        removeUnfinishedFile(name);
     }
 }
