@@ -1,3 +1,5 @@
+#include "batch/BatchCommand.h"
+
 #include "ChainCommand.h"
 #include "Failure.h"
 #include "Help.h"
@@ -27,6 +29,9 @@ constexpr const char* MORE_HELP =
 
   # Keep the open orders only, and turn these into a page
   vexa-xslt chain orders.xml open-only.xsl report.xsl -o open.html
+
+  # Turn every order book into a page, in the folder pages
+  vexa-xslt batch report.xsl orders*.xml -d pages --suffix .html
 
   # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
@@ -103,6 +108,7 @@ int main(int argc, char** argv) {
     addTransformCommand(app, command);
     addChainCommand(app, command);
     addXPathCommand(app, command);
+    addBatchCommand(app, command);
 
     try {
         app.parse(argc, argv);

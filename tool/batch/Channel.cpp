@@ -1,0 +1,95 @@
+#include "Channel.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/socket.h>
+#include <system_error>
+
+namespace {
+
+/** Stands before the text of a report. */
+struct Head {
+    Report::Kind kind;
+    std::uint32_t length;
+};
+
+/** What cannot be sent is for nobody: the other one is gone, and the next receipt tells. */
+void sendAll(int socket, const char* bytes, std::size_t length) {
+    while (length > 0) {
+        const ssize_t sent = send(socket, bytes, length, MSG_NOSIGNAL);
+        if (sent < 0 && errno != EINTR) {
+            return;
+        }
+        bytes += sent > 0 ? sent : 0;
+        length -= sent > 0 ? static_cast<std::size_t>(sent) : 0;
+    }
+}
+
+/** The first report of the bytes received, which it is taken from; none if it is not complete. */
+std::optional<Report> takeReport(std::string& received) {
+    Head head{};
+    if (received.size() < sizeof head) {
+        return std::nullopt;
+    }
+    std::memcpy(&head, received.data(), sizeof head);
+    if (received.size() - sizeof head < head.length) {
+        return std::nullopt;
+    }
+    Report report{head.kind, received.substr(sizeof head, head.length)};
+    received.erase(0, sizeof head + head.length);
+    return report;
+}
+
+} // namespace
+
+void WorkerChannel::send(Report::Kind kind, const std::string& text) const {
+    const Head head{kind, static_cast<std::uint32_t>(text.size())};
+    std::string bytes(reinterpret_cast<const char*>(&head), sizeof head);
+    bytes += text;
+    sendAll(m_socket.get(), bytes.data(), bytes.size());
+}
+
+std::optional<std::uint32_t> WorkerChannel::nextJob() const {
+    std::uint32_t job = 0;
+    ssize_t received = 0;
+    do {
+        received = recv(m_socket.get(), &job, sizeof job, MSG_WAITALL);
+    } while (received < 0 && errno == EINTR);
+    return received == sizeof job ? std::optional<std::uint32_t>(job) : std::nullopt;
+}
+
+ForemanChannel::~ForemanChannel() {
+    hangUp();
+}
+
+std::pair<ForemanChannel, WorkerChannel> ForemanChannel::open() {
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
+        throw std::system_error(errno, std::generic_category(), "a connection to a worker");
+    }
+    ForemanChannel foreman;
+    foreman.m_socket = Descriptor(sockets[0]);
+    return {std::move(foreman), WorkerChannel(Descriptor(sockets[1]))};
+}
+
+void ForemanChannel::handOver(std::uint32_t job) const {
+    sendAll(m_socket.get(), reinterpret_cast<const char*>(&job), sizeof job);
+}
+
+void ForemanChannel::hangUp() const {
+    // Not by closing: other workers may have inherited this end.
+    shutdown(m_socket.get(), SHUT_WR);
+}
+
+bool ForemanChannel::receive(std::vector<Report>& reports) {
+    char bytes[16 * 1024];
+    const ssize_t received = recv(m_socket.get(), bytes, sizeof bytes, MSG_DONTWAIT);
+    if (received < 0) {
+        return errno == EAGAIN || errno == EINTR;
+    }
+    m_strReceived.append(bytes, static_cast<std::size_t>(received));
+    while (auto report = takeReport(m_strReceived)) {
+        reports.push_back(std::move(*report));
+    }
+    return received > 0;
+}

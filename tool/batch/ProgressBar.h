@@ -1,0 +1,49 @@
+/**
+ * @file
+ * How far a batch has come, on a terminal.
+ */
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+/** The figures of a batch. */
+struct Tally {
+    std::size_t total = 0;
+    std::size_t done = 0;
+    std::size_t failed = 0;
+
+    std::size_t finished() const { return done + failed; }
+};
+
+/** One line at the bottom of standard error. Draws nothing where that is no terminal. */
+class ProgressBar {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /** @param wanted false to draw nothing anywhere */
+    explicit ProgressBar(bool wanted);
+
+    /** Draws it anew, unless that was done a moment ago. */
+    void draw(const Tally& tally);
+
+    /** Makes room for other lines. */
+    void clear();
+
+    /** When it is to be drawn again although nothing has happened. */
+    Clock::duration interval() const;
+
+private:
+    bool m_bShown;
+    bool m_bOnScreen = false;
+    Clock::time_point m_begin = Clock::now();
+    Clock::time_point m_lastDrawn;
+};
+
+/**
+ * The line: "[====>     ] 450 of 1000, 81/s, 0:07 left, 2 failed", no wider than the terminal.
+ *
+ * @param seconds since the batch began
+ */
+std::string progressLine(const Tally& tally, double seconds, std::size_t columns);
