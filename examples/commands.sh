@@ -15,3 +15,16 @@ vexa-xslt chain orders.xml open-only.xsl line-amounts.xsl totals.xsl -p since=20
 vexa-xslt xpath 'count(//cat:product)' orders-small.xml
 vexa-xslt xpath '//cat:product[@price > 28]/@id' orders-small.xml
 # [/xpath]
+
+# [batch]
+vexa-xslt batch report.xsl orders.xml orders-small.xml -d pages --suffix .html --quiet
+# [/batch]
+
+# [find]
+find . -name 'orders*.xml' -print0 |
+    vexa-xslt batch report.xsl --files-from - -0 -d found --quiet
+# [/find]
+
+# [xargs]
+find . -name 'orders*.xml' -print0 | xargs -0 vexa-xslt batch report.xsl -d handed --quiet
+# [/xargs]

@@ -9,3 +9,6 @@ PATH="$(dirname "$4"):$PATH" bash "$1"
 grep -q '<title>Books</title>' b.html
 cmp -s <(grep -c 'id="order-' report.html) <(grep -c '<order ' orders.xml)
 [ "$(grep -c '<order ' open.xml)" = "$(grep -c 'state="open"' orders.xml)" ]
+cmp report.html pages/orders.html
+cmp pages/orders-small.html found/orders-small.out
+diff -r found handed

@@ -1,0 +1,76 @@
+#include "BatchTest.h"
+
+/** A batch that is ended from outside leaves whole results, and says how far it came. */
+class BatchInterruptTest : public BatchTest {
+protected:
+    BatchInterruptTest() {
+        writeSources(20);
+        std::string items;
+        for (int i = 0; i < 5000; ++i) {
+            items += "<i/>";
+        }
+        m_folder.write("sources/endless.xml", "<a>" + items + "</a>");
+        m_folder.write("some-endless.xsl",
+                       stylesheetWithRootTemplate(
+                           "<b><xsl:for-each select='//i[count(//i[count(//i) = 0]) = 0]'>"
+                           "<xsl:value-of select='count(//i[count(//i) = 0])'/></xsl:for-each>"
+                           "<xsl:value-of select='a'/></b>"));
+    }
+
+    /**
+     * Starts a batch with one source that takes very long, waits until it works on that alone, does
+     * what is asked with $batch, and waits for its end. What the batch tells is in "told".
+     */
+    Outcome whenStuck(const std::string& options, const std::string& action) {
+        return shell(
+            "ls sources/s*.xml >list; echo sources/endless.xml >>list; set -m; "
+            "vexa-xslt batch some-endless.xsl --files-from list -d out -j 2 2>told " +
+            options +
+            " & batch=$!; for i in $(seq 400); do "
+            "[ $(ls out | grep -c '^s') = 20 ] && ls -A out | grep -q '^[.]vexa' && break; "
+            "sleep 0.05; done; ls -A out | grep -c '^[.]vexa' >unfinished; " +
+            action + "; wait $batch; kill -l $? 2>/dev/null");
+    }
+};
+
+TEST_F(BatchInterruptTest, LeavesWholeResultsAndAClearLastLine) {
+    for (const char* options : {"", "--isolate"}) {
+        for (const char* signal : {"INT", "TERM", "HUP"}) {
+            SCOPED_TRACE(options + std::string(" ") + signal);
+            shell("rm -rf out");
+            const Outcome outcome = whenStuck(options, std::string("kill -") + signal + " $batch");
+            EXPECT_EQ(file("unfinished"), "1\n");
+            EXPECT_EQ(outcome.output, signal + std::string("\n"));
+            EXPECT_EQ(file("told"), "vexa-xslt: interrupted: 20 of 21 sources done, 1 not done\n");
+            EXPECT_EQ(rightResults(), 20);
+            EXPECT_EQ(shell("ls -A out | wc -l").output, "20\n");
+        }
+    }
+}
+
+TEST_F(BatchInterruptTest, TakesAnInterruptOfItsWholeGroup) {
+    const Outcome outcome = whenStuck("--isolate", "kill -INT -- -$batch");
+    EXPECT_EQ(outcome.output, "INT\n");
+    EXPECT_EQ(file("told"), "vexa-xslt: interrupted: 20 of 21 sources done, 1 not done\n");
+    EXPECT_EQ(shell("ls -A out | wc -l").output, "20\n");
+}
+
+TEST_F(BatchInterruptTest, TellsOfAWorkerThatIsEndedFromOutside) {
+    whenStuck("--isolate", "kill -KILL $(cat /proc/$batch/task/$batch/children)");
+    const std::string told = file("told");
+    EXPECT_EQ(
+        told.rfind("vexa-xslt: sources/endless.xml: the engine was ended from outside (Killed)", 0),
+        0U)
+        << told;
+    EXPECT_EQ(lastLine(told), "vexa-xslt: 20 of 21 sources done, 1 failed");
+    EXPECT_EQ(shell("ls -A out | wc -l").output, "20\n");
+}
+
+TEST_F(BatchInterruptTest, LeavesNoWorkerBehind) {
+    // The reader comes to an end when nobody is left who could write.
+    shell("mkfifo ended");
+    const Outcome outcome =
+        whenStuck("--isolate 1<>ended", "timeout 60 cat ended & reader=$!; sleep 0.2; "
+                                        "kill -KILL $batch; wait $reader; echo $? >status");
+    EXPECT_EQ(file("status"), "0\n") << outcome.error;
+}

@@ -1,0 +1,149 @@
+#include "BatchTest.h"
+
+#include "support/MemoryChecker.h"
+#include "tool/Listener.h"
+
+/** What a source does to the others: nothing. */
+class BatchIsolationTest : public BatchTest {
+protected:
+    BatchIsolationTest() {
+        writeSources(5);
+        // A number that the engine cannot write aborts the process.
+        m_folder.write("some-crash.xsl",
+                       stylesheetWithRootTemplate(
+                           "<b><xsl:if test='a = 3'><xsl:value-of select='1 div 0." +
+                           std::string(120, '0') + "1'/></xsl:if><xsl:value-of select='a'/></b>"));
+        m_folder.write(
+            "some-deep.xsl",
+            stylesheet(
+                "<xsl:output omit-xml-declaration='yes'/>"
+                "<xsl:template match='/'><b><xsl:if test='a = 3'><xsl:call-template "
+                "name='deep'/></xsl:if>"
+                "<xsl:value-of select='a'/></b></xsl:template>"
+                "<xsl:template name='deep'><xsl:call-template name='deep'/></xsl:template>"));
+        m_folder.write("some-slow.xsl",
+                       stylesheet("<xsl:output omit-xml-declaration='yes'/><xsl:variable name='s' "
+                                  "select=\"document('')//text()\"/>"
+                                  "<xsl:template match='/'><b><xsl:if test='a = 3'><xsl:for-each "
+                                  "select='$s'><xsl:for-each select='$s'>"
+                                  "<xsl:for-each select='$s'><xsl:for-each "
+                                  "select='$s'><xsl:for-each select='$s'><xsl:for-each select='$s'>"
+                                  "</xsl:for-each></xsl:for-each></xsl:for-each></xsl:for-each></"
+                                  "xsl:for-each></xsl:for-each></xsl:if>"
+                                  "<xsl:value-of select='a'/></b></xsl:template><x xmlns='urn:x'>" +
+                                  [] {
+                                      std::string text;
+                                      for (int i = 0; i < 100; ++i) {
+                                          text += "t<y/>";
+                                      }
+                                      return text;
+                                  }() +
+                                  "</x>"));
+    }
+
+    /** Expects that the third source of five fails for this reason, and no other. */
+    void expectOneFailure(const std::string& arguments, const std::string& reason) {
+        SCOPED_TRACE(arguments);
+        const Outcome outcome = tool("batch " + arguments + " sources/* -d out");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.error, "vexa-xslt: sources/s3.xml: " + reason +
+                                     "\nvexa-xslt: 4 of 5 sources done, 1 failed\n");
+        EXPECT_EQ(rightResults(), 4);
+        EXPECT_EQ(names(), "s1.out s2.out s4.out s5.out\n");
+        shell("rm -r out");
+    }
+};
+
+TEST_F(BatchIsolationTest, ACrashCostsItsSourceOnly) {
+    for (const char* jobs : {"-j 1", "-j 2"}) {
+        expectOneFailure("some-crash.xsl --isolate " + std::string(jobs),
+                         "the engine crashed (Aborted)");
+    }
+}
+
+TEST_F(BatchIsolationTest, GoesOnHoweverManyCrash) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker has a stack of its own";
+    }
+    writeSheet("<xsl:value-of select='" + std::string(200'000, '(') + "1" +
+               std::string(200'000, ')') + "'/>");
+    const Outcome outcome = tool("batch sheet.xsl sources/* -d out --isolate -j 1");
+    std::string told;
+    for (const char* source : {"s1", "s2", "s3", "s4", "s5"}) {
+        told +=
+            "vexa-xslt: sources/" + std::string(source) + ".xml: the engine overflowed its stack\n";
+    }
+    EXPECT_EQ(outcome.error, told + "vexa-xslt: 0 of 5 sources done, 5 failed\n");
+}
+
+TEST_F(BatchIsolationTest, LimitsHoldForEachSource) {
+    expectOneFailure("some-slow.xsl --max-seconds 1",
+                     "it takes longer than the 1 s that --max-seconds allows");
+    if (!isUnderAMemoryChecker()) {
+        expectOneFailure("some-deep.xsl --max-memory 300",
+                         "there is not enough memory: --max-memory allows 300 MiB");
+    }
+}
+
+TEST_F(BatchIsolationTest, TellsAtOnceWhereNoWorkerCanWork) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker needs all of the address space";
+    }
+    expectFailure(tool("batch ok.xsl sources/* -d out --max-memory 1"), 1,
+                  "ok.xsl: there is not enough memory: --max-memory allows 1 MiB\n");
+    EXPECT_EQ(names(), "\n");
+}
+
+TEST_F(BatchIsolationTest, ASandboxKeepsEachWorkerToWhatIsNamed) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a leak checker reads the system's files when the process ends";
+    }
+    shell("mkdir secrets sheets; echo '<a>secret</a>' >secrets/x.xml; cp ok.xsl sheets");
+    m_folder.write("sheets/reading.xsl",
+                   stylesheetWithRootTemplate(
+                       "<b><xsl:value-of select=\"a[. != 3]\"/><xsl:if test='a = 3'>"
+                       "<xsl:value-of select=\"document('../secrets/x.xml')\"/></xsl:if></b>"));
+    const Outcome outcome = tool("batch sheets/reading.xsl sources/* -d out --sandbox");
+    if (outcome.error.find("offers no Landlock") != std::string::npos) {
+        GTEST_SKIP() << outcome.error;
+    }
+    EXPECT_EQ(shell("cat out/*").output.find("secret"), std::string::npos);
+    EXPECT_EQ(rightResults(), 4);
+    shell("rm -r out; mkdir out; ln -s ../secrets/stolen out/s2.out");
+    const Outcome writing = tool("batch sheets/ok.xsl sources/* -d out --sandbox");
+    EXPECT_EQ(writing.status, 1);
+    EXPECT_EQ(lastLine(writing.error), "vexa-xslt: 4 of 5 sources done, 1 failed");
+    EXPECT_EQ(names("secrets"), "x.xml\n");
+}
+
+TEST_F(BatchIsolationTest, ARefusedNetworkCostsItsSourceOnly) {
+    const Listener server{{{"/e", "from afar"}}};
+    m_folder.write("sources/s3.xml",
+                   "<!DOCTYPE a [<!ENTITY e SYSTEM '" + server.address() + "/e'>]><a>&e;</a>");
+    for (const char* options : {"-j 1", "-j 2", "--isolate -j 1"}) {
+        const Outcome outcome =
+            tool("batch ok.xsl --no-network sources/* -d out " + std::string(options));
+        EXPECT_EQ(outcome.error, "vexa-xslt: sources/s3.xml: " + server.address() +
+                                     "/e: the network is not to be used\n"
+                                     "vexa-xslt: 4 of 5 sources done, 1 failed\n");
+        EXPECT_EQ(rightResults(), 4);
+        shell("rm -r out");
+    }
+    EXPECT_EQ(server.requests(), 0);
+}
+
+TEST_F(BatchIsolationTest, ManySourcesTakeNoMoreMemoryThanAFew) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker needs all of the address space";
+    }
+    std::string items;
+    for (int i = 0; i < 1000; ++i) {
+        items += "<i n='" + std::to_string(i) + "'>text</i>";
+    }
+    m_folder.write("large.xml", "<a>" + items + "</a>");
+    shell("mkdir many; for i in $(seq 600); do ln large.xml many/$i.xml; done");
+    // What a transformer keeps of all of them would be twice as much.
+    const Outcome outcome = shell("ulimit -v 250000; vexa-xslt batch ok.xsl many/* -d out -j 1");
+    EXPECT_EQ(outcome.error, "vexa-xslt: 600 of 600 sources done\n");
+    EXPECT_EQ(shell("ls out | wc -l").output, "600\n");
+}
