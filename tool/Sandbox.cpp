@@ -150,6 +150,12 @@ void enterSandbox(const NamedFiles& files) {
         allowReading(sandbox, *input);
     }
     allowWriting(sandbox, files.output);
+#ifdef VEXA_COUNTERS_FOLDER
+    // A build for coverage writes down what was run when the process ends.
+    sandbox.allow(VEXA_COUNTERS_FOLDER, LANDLOCK_ACCESS_FS_READ_FILE |
+                                            LANDLOCK_ACCESS_FS_WRITE_FILE |
+                                            LANDLOCK_ACCESS_FS_MAKE_REG);
+#endif
     // The system's time zone is in a file that cannot be read later.
     tzset();
     sandbox.enter();
