@@ -81,8 +81,9 @@ std::vector<std::string> filesIn(const fs::path& folder) {
     for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end;
          !error && entry != end && names.size() < MOST_NAMES; entry.increment(error)) {
         std::error_code ignored;
-        if (isPrintable(entry->path().filename().string()) && entry->is_regular_file(ignored)) {
-            names.push_back(entry->path().filename().string());
+        std::string name = entry->path().filename().string();
+        if (isPrintable(name) && entry->is_regular_file(ignored)) {
+            names.push_back(std::move(name));
         }
     }
     return names;

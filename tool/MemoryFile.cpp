@@ -17,7 +17,6 @@ void limitFileSize(unsigned mebibytes, rlimit& before) {
     if (mebibytes < limit.rlim_cur / MEBIBYTE) {
         limit.rlim_cur = mebibytes * MEBIBYTE;
         setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, SIG_IGN);
     }
 }
 
@@ -28,6 +27,8 @@ MemoryFile::MemoryFile(unsigned maxMebibytes)
     if (m_nDescriptor < 0) {
         throw std::system_error(errno, std::generic_category(), "a file in memory");
     }
+    // A result that grows too large, for this limit or the user's own, is an error like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (maxMebibytes != 0) {
         limitFileSize(maxMebibytes, m_limitBefore.emplace());
     }

@@ -17,9 +17,10 @@ namespace {
 
 /** Whether a link stands for an open descriptor of a process (/dev/stdout, /dev/fd/3). */
 bool isDescriptor(const fs::path& link) {
-    std::error_code error;
-    const fs::path folder = fs::canonical(fs::absolute(link, error).parent_path(), error);
-    return !error && folder.string().rfind("/proc/", 0) == 0;
+    std::error_code ignored;
+    const fs::path path = fs::absolute(link, ignored);
+    const std::string folder = fs::canonical(path.parent_path(), ignored).string();
+    return folder.rfind("/proc/", 0) == 0;
 }
 
 /** Follows symbolic links, also to a file that is not there yet, up to the link of a descriptor. */
@@ -140,10 +141,11 @@ void OutputFile::createBeside() {
     const fs::path folder = fs::path(m_strPlace).parent_path();
     const std::string path = createUnusedFile(folder);
     if (path.empty()) {
-        const std::string reason = systemReason(errno);
-        throw Failure(m_strName, fs::is_directory(folder) ? "no file can be made in the folder " +
-                                                                folder.string() + ": " + reason
-                                                          : reason);
+        std::string reason = systemReason(errno);
+        if (fs::is_directory(folder)) {
+            reason.insert(0, "no file can be made in the folder " + folder.string() + ": ");
+        }
+        throw Failure(m_strName, reason);
     }
     m_strWritePath = path;
     // A file that grows too large is to be an error like any other.

@@ -1,6 +1,7 @@
 #include "TerminalStyle.h"
 
 #include <cstdlib>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -13,7 +14,7 @@ bool showsStyles(int descriptor) {
 
 bool isSmartTerminal(int descriptor) {
     const char* const terminal = std::getenv("TERM");
-    return terminal && std::string(terminal) != "dumb" && isatty(descriptor) == 1;
+    return terminal && std::string_view(terminal) != "dumb" && isatty(descriptor) == 1;
 }
 
 std::string styled(const std::string& text, Style style, int descriptor) {
