@@ -99,6 +99,8 @@ TEST(I18NString, WritesALoneSurrogateAsAReplacementCharacter) {
     EXPECT_EQ(inEncoding(text, "UTF-16").size(), 8U); // one byte order mark, at the beginning
     EXPECT_EQ(inEncoding(text, "CESU-8"), "a\xEF\xBF\xBDz");
     EXPECT_EQ(inEncoding(text, "US-ASCII"), "a?z");
+    EXPECT_EQ(inEncoding(fromUtf16(u"a\xD800"), "CESU-8"), "a\xEF\xBF\xBD");
+    EXPECT_EQ(inEncoding(fromUtf16(u"\xDC00z"), "CESU-8"), "\xEF\xBF\xBDz");
     EXPECT_STREQ(fromUtf16(u"\xDC00\xD800").c_str(), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
@@ -136,6 +138,9 @@ TEST(I18NString, MayBeAssignedItsOwnNarrowForm) {
     text += text;
     EXPECT_STREQ(text.c_str(), "selfself");
     text = *&text;
+    EXPECT_STREQ(text.c_str(), "selfself");
+    I18NString& same = text;
+    text = std::move(same);
     EXPECT_STREQ(text.c_str(), "selfself");
 }
 

@@ -18,6 +18,25 @@ TEST_F(DiagnosticsTest, TellsOfFilesThatCannotBeRead) {
     expectFailure(shell("mkdir gone; cd gone; rmdir ../gone; vexa-xslt transform ../ok.xsl ok.xml"),
                   1, "../ok.xsl: No such file or directory");
     expectFailure(tool("transform ok.xsl file:///none/none.xml"), 1, "file:///none/none.xml: ");
+    expectFailure(tool("transform ok.xsl file:///none/100%"), 1,
+                  "file:///none/100%: No such file or directory\n");
+}
+
+TEST_F(DiagnosticsTest, TellsOfASourceThatFailsWhileItIsRead) {
+    // The memory of a process is opened like a file, but has nothing at its beginning.
+    for (const char* arguments : {"transform ok.xsl /proc/self/mem", "chain /proc/self/mem ok.xsl",
+                                  "xpath / /proc/self/mem"}) {
+        expectFailure(tool(arguments), 1, "/proc/self/mem: it cannot be read\n");
+    }
+    expectFailure(tool("transform ok.xsl </"), 1, "standard input: it cannot be read\n");
+}
+
+TEST_F(DiagnosticsTest, TellsOfASourceThatCannotBeOpened) {
+    makeSocket("socket");
+    for (const char* arguments :
+         {"transform ok.xsl socket", "chain socket ok.xsl", "xpath / socket"}) {
+        expectFailure(tool(arguments), 1, "socket: No such device or address\n");
+    }
 }
 
 TEST_F(DiagnosticsTest, TellsOfAFileThatOthersMayNotRead) {

@@ -1,5 +1,11 @@
+#include "OtherKernel.h"
 #include "ToolTest.h"
 #include "support/MemoryChecker.h"
+
+#include <cerrno>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
 
 /** A run within limits: as without them, until it reaches one. */
 class LimitsTest : public ToolTest {
@@ -119,4 +125,48 @@ TEST_F(LimitsTest, EndWithTheReaderOfAPipe) {
                                "head -c 1; echo ${PIPESTATUS[0]}");
     EXPECT_EQ(outcome.output.substr(1), "141\n");
     EXPECT_EQ(outcome.error, "");
+}
+
+TEST_F(LimitsTest, LetARunBeStoppedAndContinued) {
+    const auto outcome = shell("mkfifo pipe; (exec 3>pipe; sleep 0.6; cat ok.xml >&3) & "
+                               "vexa-xslt transform ok.xsl --max-seconds 30 <pipe & tool=$!; "
+                               "sleep 0.2; kill -STOP $tool; sleep 0.1; kill -CONT $tool; "
+                               "wait $tool");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "<b>x</b>");
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST_F(LimitsTest, TellThatThereCanBeNoOtherProcess) {
+    const SystemCall fork{SYS_clone, 0, CLONE_VM, 0};
+    withAnsweredCall(fork, -EAGAIN, [&] {
+        expectFailure(shell("exec vexa-xslt transform ok.xsl ok.xml --max-seconds 30"), 1,
+                      "ok.xml: no process can be made for it: "
+                      "Resource temporarily unavailable\n");
+    });
+}
+
+TEST_F(LimitsTest, TellThatThereIsNoMemoryForTwoProcesses) {
+#ifdef SYS_mmap2
+    constexpr long MAP = SYS_mmap2;
+#else
+    constexpr long MAP = SYS_mmap;
+#endif
+    constexpr std::uint32_t SHARED = MAP_SHARED | MAP_ANONYMOUS;
+    withAnsweredCall({MAP, 3, SHARED, SHARED}, -ENOMEM, [&] {
+        expectFailure(tool("transform ok.xsl ok.xml --max-seconds 30"), 1,
+                      "memory for two processes: Cannot allocate memory\n");
+    });
+}
+
+TEST_F(LimitsTest, TakeALowerLimitOfTheUsersForAResultInMemory) {
+    writeSheet(std::string(3'000'000, 'x'));
+    for (const char* limit : {"", " --max-memory 500"}) {
+        if (*limit && isUnderAMemoryChecker()) {
+            continue; // which needs all of the address space
+        }
+        expectFailure(shell("ulimit -f 2048; vexa-xslt transform sheet.xsl file://$PWD/ok.xml" +
+                            std::string(limit)),
+                      1, "standard output: ", "File too large");
+    }
 }

@@ -1,5 +1,9 @@
+#include "OtherKernel.h"
 #include "ToolTest.h"
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 /** A result appears whole or not at all. */
@@ -16,6 +20,50 @@ TEST_F(OutputFileTest, TellsOfAPlaceThatCannotBeWritten) {
     expectFailure(tool("transform ok.xsl ok.xml > /dev/full"), 1,
                   "standard output: ", "No space left on device");
     expectFailure(tool("transform ok.xsl -o /dev/full < ok.xml"), 1, "/dev/full: ");
+    expectFailure(tool("transform ok.xsl file://$PWD/ok.xml > /dev/full"), 1,
+                  "standard output: No space left on device\n");
+}
+
+TEST_F(OutputFileTest, TellsOfAPlaceThatCannotBeOpenedEvenForAnEmptyResult) {
+    m_folder.write("none.xsl", stylesheet("<xsl:output method='text'/><xsl:template match='/'/>"));
+    makeSocket("socket");
+    for (const char* arguments : {"transform none.xsl", "chain - ok.xsl none.xsl"}) {
+        expectFailure(tool(std::string(arguments) + " -o socket <ok.xml"), 1,
+                      "socket: No such device or address\n");
+    }
+    EXPECT_EQ(shell("test -S socket").status, 0);
+}
+
+TEST_F(OutputFileTest, LeavesAFileAloneThatMayNotBeWritten) {
+    // root may write everything, unless it gives that right up.
+    m_folder.write("out", "earlier");
+    const auto outcome = shell("[ $(id -u) = 0 ] && drop='setpriv --bounding-set=-dac_override'; "
+                               "chmod 444 out; $drop vexa-xslt transform ok.xsl ok.xml -o out");
+    expectFailure(outcome, 1, "out: Permission denied\n");
+    EXPECT_EQ(file("out"), "earlier");
+    EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl out");
+}
+
+TEST_F(OutputFileTest, TellsOfAPlaceThatIsTakenInTheMeantime) {
+    const auto outcome =
+        shell("mkfifo pipe; vexa-xslt transform ok.xsl -o out <pipe & tool=$!; exec 3>pipe; "
+              "for i in $(seq 100); do ls -A | grep -q '^.vexa-xslt-' && break; sleep 0.05; done; "
+              "mkdir out; cat ok.xml >&3; exec 3>&-; wait $tool");
+    expectFailure(outcome, 1, "out: Is a directory\n");
+    EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl out pipe");
+}
+
+TEST_F(OutputFileTest, GivesUpWhereNoUnusedNameIsFound) {
+    const SystemCall create{SYS_openat, 2, O_CREAT | O_EXCL, O_CREAT | O_EXCL};
+    withAnsweredCall(create, -EEXIST, [&] {
+        expectFailure(tool("transform ok.xsl ok.xml -o $PWD/out"), 1, m_folder.path("out: "),
+                      "File exists");
+    });
+    withAnsweredCall({SYS_getrandom, 2, ~0U, 0}, -ENOSYS, [&] {
+        expectFailure(tool("transform ok.xsl ok.xml -o $PWD/out"), 1, m_folder.path("out: "),
+                      "Function not implemented");
+    });
+    EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl");
 }
 
 TEST_F(OutputFileTest, LeavesAnEarlierFileAsItWasWhenTheTransformFails) {

@@ -60,10 +60,12 @@ TEST_F(SuggestionTest, NamesTheNearestFileAndOfTwoTheFirstInTheAlphabet) {
 }
 
 TEST_F(SuggestionTest, NamesNothingThatIsNoFile) {
-    shell("mkdir orders.xml; ln -s nowhere reports.xml; touch $'invoices\\e[2J.xml'");
+    shell("mkdir orders.xml; ln -s nowhere reports.xml; touch $'invoices\\e[2J.xml' "
+          "$'tickets\\x7F.xml'");
     EXPECT_EQ(suggested("xpath 1 order.xml", 1), "");
     EXPECT_EQ(suggested("xpath 1 reports.xml", 1), "");
     EXPECT_EQ(suggested("xpath 1 $'invoices\\e[2K.xml'", 1), "");
+    EXPECT_EQ(suggested("xpath 1 tickets.xml", 1), "");
 }
 
 TEST_F(SuggestionTest, AsksNothingOfAFolderThatOthersMayNotRead) {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 ToolTest::ToolTest() {
     m_folder.write("ok.xml", "<a>x</a>");
@@ -35,6 +38,15 @@ void ToolTest::expectFailure(const Outcome& outcome, int status, const std::stri
 
 void ToolTest::writeSheet(const std::string& content) {
     m_folder.write("sheet.xsl", stylesheetWithRootTemplate(content));
+}
+
+void ToolTest::makeSocket(const std::string& name) const {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    m_folder.path(name).copy(address.sun_path, sizeof address.sun_path - 1);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+    EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    close(descriptor);
 }
 
 unsigned ToolTest::permissions(const std::string& name) const {

@@ -33,6 +33,9 @@ protected:
     /** Writes "sheet.xsl" with a template for the document node. */
     void writeSheet(const std::string& content);
 
+    /** Makes what is there, and may be read and written, but cannot be opened. */
+    void makeSocket(const std::string& name) const;
+
     /** What a file in the test's folder holds. */
     std::string file(const std::string& name) const { return readFile(m_folder.path(name)); }
 

@@ -1,7 +1,11 @@
+#include "OtherKernel.h"
 #include "ToolTest.h"
 
 #include "support/BareEngine.h"
 #include "support/EngineTest.h"
+
+#include <cerrno>
+#include <sys/syscall.h>
 
 using TransformCommandTest = ToolTest;
 
@@ -123,6 +127,23 @@ TEST_F(TransformCommandTest, TakesUris) {
     EXPECT_EQ(tool("transform file://" + m_folder.path("ok.xsl") + " " + uri).output, "<b>x</b>");
     EXPECT_EQ(tool("transform ok.xsl " + uri + " -o out").status, 0);
     EXPECT_EQ(file("out"), "<b>x</b>");
+}
+
+TEST_F(TransformCommandTest, WritesNothingForAnEmptyResult) {
+    m_folder.write("none.xsl", stylesheet("<xsl:output method='text'/><xsl:template match='/'/>"));
+    for (const char* source : {"ok.xml", "<ok.xml", "file://$PWD/ok.xml"}) {
+        const auto outcome = tool("transform none.xsl " + std::string(source));
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.error, "");
+    }
+}
+
+TEST_F(TransformCommandTest, TellsThatThereCanBeNoFileInMemory) {
+    withAnsweredCall({SYS_memfd_create}, -ENOSYS, [&] {
+        expectFailure(tool("transform ok.xsl file://$PWD/ok.xml"), 1,
+                      "a file in memory: Function not implemented\n");
+    });
 }
 
 TEST_F(TransformCommandTest, ReadsPipesByName) {

@@ -50,7 +50,7 @@ TEST_P(XPathQueryTest, WritesNothingForANumberOrABoolean) {
 TEST_P(XPathQueryTest, ReportsAWrongExpression) {
     const Holder holder = parsed("<a/>");
     for (const char* wrong : {"a[", "(", "a b", "]", "//", "1 +", "nonsense()", "count()", "'open",
-                              "none:a", "a/none:b", "@", "!", "", " ", "\n"}) {
+                              "none:a", "a/none:b", "@", "!", "", " ", "\n", "{", "a^b"}) {
         std::string result;
         EXPECT_EQ(query(*holder, wrong, result), -1) << wrong;
         EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("\nXSLException Type is: ", 0),
@@ -123,6 +123,24 @@ TEST_P(XPathQueryTest, TakesOddCharactersInAnExpression) {
     out.str("");
     EXPECT_EQ(m_transformer.doXPath(*holder, loneSurrogate, out), 0);
     EXPECT_EQ(out.str(), "\xEF\xBF\xBD");
+}
+
+TEST_P(XPathQueryTest, TakesNamesOfEveryKind) {
+    const Holder holder = parsed("<_a><\xCE\xB1.b-c>x</\xCE\xB1.b-c><or1>y</or1></_a>");
+    EXPECT_EQ(queried(*holder, "string(/_a/\xCE\xB1.b-c)"), "x");
+    EXPECT_EQ(queried(*holder, "string(_a/or1)"), "y");
+    EXPECT_EQ(queried(*holder, "string(_a or _a/or1)"), "true");
+}
+
+TEST_P(XPathQueryTest, ReportsACharacterThatXmlDoesNotHave) {
+    const Holder holder = parsed("<?xml version='1.1'?><a>x&#1;<b>y</b></a>");
+    std::string result;
+    EXPECT_EQ(query(*holder, "/a", result), -2); // a SAXException of the engine's
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("invalid Unicode scalar"),
+              std::string::npos)
+        << m_transformer.getLastError();
+    EXPECT_EQ(queried(*holder, "string(/a)"), "x\1y");
+    EXPECT_EQ(queried(*holder, "/a/b"), "<b>y</b>");
 }
 
 TEST_P(XPathQueryTest, NoHolderInAnyStateMakesItCrash) {
