@@ -79,9 +79,10 @@ TEST_F(SuggestionTest, AsksNothingOfAFolderThatOthersMayNotRead) {
 }
 
 TEST_F(SuggestionTest, TellsWhatElseIsWrongWithACommandLine) {
-    expectFailure(tool(""), 2, "a command is missing: transform, chain or xpath (",
+    expectFailure(tool(""), 2, "a command is missing: transform, chain, xpath or batch (",
                   "see 'vexa-xslt --help'");
-    expectFailure(tool("help"), 2, "help: there is no such command; there are transform, chain and",
+    expectFailure(tool("help"), 2,
+                  "help: there is no such command; there are transform, chain, xpath and",
                   "see 'vexa-xslt --help'");
     expectFailure(tool("help chain"), 2, "help: ", "see 'vexa-xslt chain --help'");
     expectFailure(tool("--quiet transform ok.xsl ok.xml"), 2,
