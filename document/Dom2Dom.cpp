@@ -55,7 +55,7 @@ bool Dom2Dom::parse(std::istream& stream, const char* systemId) {
         m_pTransformer->parseSource(source, parsed, VEXAXslTransformer::m_bUseXercesDOM);
     m_pParsedSource.reset(parsed);
     // The reason of a failed parse is the engine's: an own text would hide it.
-    m_strLastError = "";
+    m_strLastError = I18NString();
     m_bInputInitialized = true;
     if (parsed) {
         m_pDocument = parsed->getDocument();
@@ -68,7 +68,7 @@ bool Dom2Dom::InitializeOutputTarget() {
         return false;
     }
     m_bOutputInitialized = true;
-    m_strLastError = "";
+    m_strLastError = I18NString();
     m_pDocumentBuilder.reset(m_pTransformer->createDocumentBuilder(XalanDOMString()));
     m_pDocument = m_pDocumentBuilder->getDocument();
     m_pFormatter = std::make_unique<DocumentFormatter>(
@@ -83,7 +83,7 @@ bool Dom2Dom::InitializeOutputTarget(std::ostream& stream) {
         return false;
     }
     m_bOutputInitialized = true;
-    m_strLastError = "";
+    m_strLastError = I18NString();
     m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(stream);
     return true;
 }

@@ -152,7 +152,9 @@ private:
 } // namespace
 
 void refuseTooDeepExpression(std::u16string_view expression) {
-    if (StackCounter(expression).isTooMuch()) {
+    // No character takes more than a bracket does: short ones need not be read.
+    if (expression.size() >= MOST_STACK / STACK_OF_BRACKET &&
+        StackCounter(expression).isTooMuch()) {
         throw xalanc::XalanXPathException(
             xalanc::XalanDOMString("The expression is nested too deeply."),
             xalanc::XalanMemMgrs::getDefaultXercesMemMgr());

@@ -26,7 +26,7 @@ constexpr int PARSE_FAILED = -2;
 
 int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
                                     const I18NString& outputFile) {
-    m_strLastError = "";
+    m_strLastError = I18NString();
     if (sourceFile.empty()) {
         // The engine would go on without a document and crash.
         m_strLastError = "The name of the source file is empty.";

@@ -79,7 +79,7 @@ private:
 } // namespace
 
 int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out) {
-    m_strLastError = "";
+    m_strLastError = I18NString();
     if (in.m_bInputInitialized && in.m_nParseResult != 0) {
         return in.m_nParseResult;
     }
@@ -104,7 +104,7 @@ void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& styles
         engineMemory(), engine.processor, stylesheetXPathFactory, 1024, 128, 128, 128, 32, 512);
     ExecutionContext execution(engine);
 
-    const XSLTInputSource stylesheetFile(stylesheet.c_str());
+    const XSLTInputSource stylesheetFile(toEngineString(stylesheet));
     XSLTInputSource stylesheetDocument(
         engine.parserLiaison.parseXMLStream(stylesheetFile, XalanDOMString()));
     // Imports, includes and document() are resolved against the stylesheet's place.

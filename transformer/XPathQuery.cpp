@@ -62,7 +62,7 @@ void query(xalanc::XalanDocument* document, const I18NString& expression, std::o
 } // namespace
 
 int VEXAXslTransformer::doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out) {
-    m_strLastError = "";
+    m_strLastError = I18NString();
     if (holder.m_bInputInitialized && holder.m_nParseResult != 0) {
         return holder.m_nParseResult;
     }

@@ -71,6 +71,12 @@ std::string stylesheetWithRootTemplate(const std::string& content) {
                       content + "</xsl:template>");
 }
 
+std::string sheetOfAnyScript() {
+    return stylesheet("<xsl:output method='text' encoding='UTF-8'/><xsl:param "
+                      "name='gr\xC3\xB6\xC3\x9F'/><xsl:template match='/'><xsl:value-of "
+                      "select='vexa:\xC3\x84($gr\xC3\xB6\xC3\x9F)'/></xsl:template>");
+}
+
 ::testing::AssertionResult sameBytes(const std::string& actual, const std::string& expected) {
     if (actual == expected) {
         return ::testing::AssertionSuccess();

@@ -42,5 +42,8 @@ std::string stylesheet(const std::string& content);
 /** A stylesheet with one template, for the document node. */
 std::string stylesheetWithRootTemplate(const std::string& content);
 
+/** A stylesheet that calls a function and reads a parameter whose names are beyond ASCII. */
+std::string sheetOfAnyScript();
+
 /** Whether two results are the same; where they are not, it shows only where they part. */
 ::testing::AssertionResult sameBytes(const std::string& actual, const std::string& expected);

@@ -47,6 +47,14 @@ TEST_F(FileTransformTest, PassesParametersNowAndAtEveryLaterTransform) {
     EXPECT_EQ(onFileRoad(source(), sheet).output, "2+2");
 }
 
+TEST_F(FileTransformTest, PassesNamesAndValuesInAnyScript) {
+    const std::string sheet = m_folder.write("p.xsl", sheetOfAnyScript());
+    m_transformer.setStylesheetParam("gr\xC3\xB6\xC3\x9F", "\xCE\xB1 \xF0\x9F\x98\x80");
+    m_transformer.installExternalFunction("\xC3\x84", BracketFunction());
+    EXPECT_EQ(onFileRoad(source(), sheet).output, "[\xCE\xB1 \xF0\x9F\x98\x80]");
+    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("[\xCE\xB1 \xF0\x9F\x98\x80]"));
+}
+
 TEST_F(FileTransformTest, ReplaysItsParametersAtEachTransform) {
     const std::string sheet = m_folder.write(
         "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/><xsl:template "

@@ -71,6 +71,14 @@ TEST_P(InMemoryTransformTest, PassesParameters) {
     EXPECT_EQ(transformed(*in, file), "first last");
 }
 
+TEST_P(InMemoryTransformTest, PassesNamesAndValuesInAnyScript) {
+    m_transformer.setStylesheetParam("gr\xC3\xB6\xC3\x9F", "\xCE\xB1 \xF0\x9F\x98\x80");
+    m_transformer.installExternalFunction("\xC3\x84", BracketFunction());
+    const Holder in = parsed("<a/>");
+    EXPECT_EQ(transformed(*in, m_folder.write("\xCE\xB2.xsl", sheetOfAnyScript())),
+              "[\xCE\xB1 \xF0\x9F\x98\x80]");
+}
+
 TEST_P(InMemoryTransformTest, ServesFunctionsAndNodeset) {
     m_transformer.installExternalFunction("B", BracketFunction());
     const Holder in = parsed("<a>x</a>");
