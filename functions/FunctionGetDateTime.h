@@ -4,10 +4,10 @@
  */
 #pragma once
 
-#include <vexa/TqXsltFunction.h>
+#include "BuiltInFunction.h"
 
 /** Gives the local time of day as hh:mm:ss.mmm. In spite of its name it gives no date. */
-class FunctionGetDateTime : public TqXsltFunction {
+class FunctionGetDateTime : public BuiltInFunction<FunctionGetDateTime> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,

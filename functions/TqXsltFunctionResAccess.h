@@ -4,10 +4,10 @@
  */
 #pragma once
 
-#include <vexa/TqXsltFunction.h>
+#include "BuiltInFunction.h"
 
 /** Gives a message of the catalogue in the language asked for, or else in English. */
-class FunctionGetLocalizedString : public TqXsltFunction {
+class FunctionGetLocalizedString : public BuiltInFunction<FunctionGetLocalizedString> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,

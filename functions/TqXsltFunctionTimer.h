@@ -9,8 +9,9 @@
  */
 #pragma once
 
+#include "BuiltInFunction.h"
+
 #include <nrb/I18NString.h>
-#include <vexa/TqXsltFunction.h>
 
 #include <cstdint>
 #include <map>
@@ -42,7 +43,7 @@ std::uint32_t MyCurrentTime();
 double MyTimeElapsed(std::uint32_t from, std::uint32_t to);
 
 /** TimerCreate(): a new timer; gives its number. */
-class FunctionTimerCreate : public TqXsltFunction {
+class FunctionTimerCreate : public BuiltInFunction<FunctionTimerCreate> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
@@ -54,7 +55,7 @@ public:
 };
 
 /** TimerStart(id): starts a lap; gives its start as a count of MyCurrentTime. */
-class FunctionTimerStart : public TqXsltFunction {
+class FunctionTimerStart : public BuiltInFunction<FunctionTimerStart> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
@@ -66,7 +67,7 @@ public:
 };
 
 /** TimerStop(id): ends the lap and adds it to the total; gives the lap in seconds. */
-class FunctionTimerStop : public TqXsltFunction {
+class FunctionTimerStop : public BuiltInFunction<FunctionTimerStop> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
@@ -78,7 +79,7 @@ public:
 };
 
 /** TimerTotal(id): gives the seconds of all laps, the running one included. */
-class FunctionTimerTotal : public TqXsltFunction {
+class FunctionTimerTotal : public BuiltInFunction<FunctionTimerTotal> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
@@ -90,7 +91,7 @@ public:
 };
 
 /** TimerReset(id): gives the total, then stops the timer and sets it to zero. */
-class FunctionTimerReset : public TqXsltFunction {
+class FunctionTimerReset : public BuiltInFunction<FunctionTimerReset> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
@@ -102,7 +103,7 @@ public:
 };
 
 /** TimerDestroy(id): gives the total, then forgets the timer. */
-class FunctionTimerDestroy : public TqXsltFunction {
+class FunctionTimerDestroy : public BuiltInFunction<FunctionTimerDestroy> {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,

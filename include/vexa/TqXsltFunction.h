@@ -86,7 +86,7 @@ public:
      * @param memoryManager the engine's own
      * @return belongs to the engine, which gives its memory back to that manager
      */
-    Function* clone(xercesc::MemoryManager& memoryManager) const final;
+    Function* clone(xercesc::MemoryManager& memoryManager) const override;
 
     /** The text as an engine string. Needs a started library. It ends at the first NUL. */
     static xalanc::XalanDOMString I18NStringToXalanDOMString(const I18NString& text);
