@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 
 using xalanc::XPathExecutionContext;
@@ -35,9 +36,21 @@ xalanc::XObjectPtr FunctionCall::result(const I18NString& text) const {
         TqXsltFunction::I18NStringToXalanDOMString(text));
 }
 
+NarrowText::NarrowText(const I18NString& text) {
+    const auto* const utf16 = static_cast<const char16_t*>(text.getExternalBuffer());
+    for (std::size_t i = 0; i < std::size(m_shortText) && utf16[i] < 0x80; ++i) {
+        m_shortText[i] = static_cast<char>(utf16[i]);
+        if (!utf16[i]) {
+            m_pText = m_shortText;
+            return;
+        }
+    }
+    m_pText = text.c_str();
+}
+
 std::int32_t parseNumber(const I18NString& text) {
     constexpr long SMALLEST = std::numeric_limits<std::int32_t>::min();
     constexpr long LARGEST = std::numeric_limits<std::int32_t>::max();
-    const long number = std::strtol(text.c_str(), nullptr, 10);
+    const long number = std::strtol(NarrowText(text).get(), nullptr, 10);
     return static_cast<std::int32_t>(std::clamp(number, SMALLEST, LARGEST));
 }

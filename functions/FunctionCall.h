@@ -45,6 +45,23 @@ private:
 };
 
 /**
+ * The narrow form of an argument up to its first NUL. Nearly every argument is short and plain
+ * ASCII, and then takes no memory. The text must live longer than this.
+ */
+class NarrowText {
+public:
+    explicit NarrowText(const I18NString& text);
+    NarrowText(const NarrowText&) = delete;
+    NarrowText& operator=(const NarrowText&) = delete;
+
+    const char* get() const { return m_pText; }
+
+private:
+    char m_shortText[32];
+    const char* m_pText;
+};
+
+/**
  * The number at the beginning of a text, as strtol reads it in base 10 where a long has 32 bits:
  * leading blanks and a sign are accepted, a text without digits is 0, and a number too large or too
  * small is the largest or smallest one. A wider long must not make other timers or messages of it.

@@ -4,9 +4,16 @@
 
 #include <nrb/NRBUtSystemInfo.h>
 
+#include <string>
+
 namespace {
 
 constexpr const char* NO_ARGUMENTS = "tqfunc:GetDateTime() function takes no arguments!";
+
+/** From `start` up to `end`, as far as the text goes. */
+std::string part(const std::string& text, std::size_t start, std::size_t end) {
+    return start < text.size() ? text.substr(start, end - start) : "";
+}
 
 } // namespace
 
@@ -28,11 +35,9 @@ xalanc::XalanDOMString FunctionGetDateTime::getError() const {
 }
 
 I18NString FunctionGetDateTime::GetDateTime() const {
-    const I18NString stamp(NRBUtSystemInfo::getTimeStamp(0).c_str()); // YYYYMMDDhhmmssmmm
+    const std::string stamp = NRBUtSystemInfo::getTimeStamp(0); // YYYYMMDDhhmmssmmm
     // Everything behind the seconds belongs to the fraction, should a stamp ever be finer.
-    const I18NString milliseconds = stamp.substring(14, 19);
-    const I18NString seconds = stamp.substring(12, 14);
-    const I18NString minutes = stamp.substring(10, 12);
-    const I18NString hours = stamp.substring(8, 10);
-    return hours + ":" + minutes + ":" + seconds + "." + milliseconds;
+    const std::string text = part(stamp, 8, 10) + ":" + part(stamp, 10, 12) + ":" +
+                             part(stamp, 12, 14) + "." + part(stamp, 14, 19);
+    return I18NString(text.c_str());
 }

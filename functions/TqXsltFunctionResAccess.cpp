@@ -48,7 +48,7 @@ FunctionGetLocalizedString::execute(xalanc::XPathExecutionContext& executionCont
 
     const WolMdMessage message(GetMappedResourceId(number));
     I18NString text;
-    message.format(language.c_str(), FALLBACK_LANGUAGE, text);
+    message.format(NarrowText(language).get(), FALLBACK_LANGUAGE, text);
     return call.result(text);
 }
 

@@ -1,6 +1,7 @@
 #include "EncodingConversions.h"
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -78,7 +79,7 @@ void refuseWhereTooLong(int32_t units, int32_t mostBytesForOne) {
 
 /** UTF-8 is what nearly every text is in, and ICU converts it without a converter object. */
 bool isUtf8(const char* encoding) {
-    return ucnv_compareNames(encoding, "UTF-8") == 0;
+    return std::strcmp(encoding, "UTF-8") == 0 || ucnv_compareNames(encoding, "UTF-8") == 0;
 }
 
 std::u16string utf8ToUtf16(const char* text, int32_t length) {

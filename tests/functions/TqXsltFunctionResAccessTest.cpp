@@ -72,10 +72,12 @@ TEST_F(LocalizedStringTest, FindsTheLanguageOfARegion) {
         EXPECT_EQ(text("4", german), "Summe") << german;
     }
     EXPECT_EQ(text("8", "zh-Hant-TW"), text("8", "zh"));
+    EXPECT_EQ(text("4", "de_AT@collation=phonebook;currency=EUR"), "Summe");
 }
 
 TEST_F(LocalizedStringTest, FallsBackToEnglish) {
-    for (const char* unknown : {"xx", "", "tlh", "no such language", "../../etc/passwd"}) {
+    for (const char* unknown :
+         {"xx", "", "tlh", "no such language", "../../etc/passwd", "d\xC3\xA9"}) {
         EXPECT_EQ(text("4", unknown), "Total") << unknown;
     }
 }

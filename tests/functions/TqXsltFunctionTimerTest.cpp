@@ -333,7 +333,16 @@ TEST_F(TimerTest, ReadsTheNumberAtTheBeginningOfAText) {
     EXPECT_TRUE(isRunning(-3));
     start("+8.9");
     EXPECT_TRUE(isRunning(8));
-    EXPECT_EQ(gmapTimers.size(), 4U);
+    start((std::string(50, ' ') + "5").c_str());
+    EXPECT_TRUE(isRunning(5));
+    start((std::string(29, '0') + "12").c_str()); // the longest that needs no memory
+    EXPECT_TRUE(isRunning(12));
+    start((std::string(29, '0') + "123").c_str());
+    EXPECT_TRUE(isRunning(123));
+    start("9\xC3\xA9");
+    EXPECT_TRUE(isRunning(9));
+    start("\xEF\xBC\x91"); // a digit of full width is none
+    EXPECT_EQ(gmapTimers.size(), 8U);
 }
 
 /** As where a long has 32 bits, on every platform. */
