@@ -59,7 +59,11 @@ void printNode(const xalanc::XalanNode& node) {
     if (node.getNodeType() == xalanc::XalanNode::ATTRIBUTE_NODE) {
         std::cout << TqXsltFunction::XalanDOMStringToI18NString(node.getNodeValue()).c_str();
     } else {
-        writeXml(std::cout, &node, XmlDeclaration::LeftOut);
+        // The writer flushes behind each node: straight to standard output, that is a system call
+        // each.
+        std::ostringstream text;
+        writeXml(text, &node, XmlDeclaration::LeftOut);
+        std::cout << text.str();
     }
     std::cout << '\n';
 }
