@@ -1,0 +1,70 @@
+"""The documents that are measured with: made anew for each run, and the same each time."""
+
+import pathlib
+import shutil
+
+HERE = pathlib.Path(__file__).resolve().parent
+HOUSE = HERE.parent
+
+WORDS = ("lamp wick lens vent tower stair gallery logbook storm harbour signal keeper watch "
+         "oil brass rock tide ferry chart horn").split()
+KINDS = ("glass", "metal", "wood", "paper")
+
+HEAD = '<?xml version="1.0" encoding="UTF-8"?>\n<rows>\n'
+TAIL = "</rows>\n"
+
+
+class Numbers:
+    """Numbers without a pattern that sorting would find, from a generator that stays as it is."""
+
+    def __init__(self):
+        self.state = 12345
+
+    def below(self, limit):
+        self.state = (self.state * 1103515245 + 12345) % 2**31
+        return (self.state >> 8) % limit
+
+
+def row(number, numbers):
+    words = " ".join(WORDS[numbers.below(len(WORDS))] for _ in range(12))
+    name = WORDS[numbers.below(len(WORDS))] + "-" + str(numbers.below(10000))
+    kind = KINDS[numbers.below(len(KINDS))]
+    amount = f"{numbers.below(100000)}.{numbers.below(100):02}"
+    return (f'<row id="{number}" kind="{kind}"><name>{name}</name><amount>{amount}</amount>'
+            f"<note>{words} &amp; more</note></row>\n")
+
+
+def write_rows(file, size):
+    """Rows up to so many bytes."""
+    numbers = Numbers()
+    parts, length, number = [HEAD], len(HEAD) + len(TAIL), 0
+    while length < size:
+        number += 1
+        parts.append(row(number, numbers))
+        length += len(parts[-1])
+    file.write_text("".join(parts) + TAIL)
+
+
+def write_report(folder):
+    """The sample report, with the name for node sets that all three programs know."""
+    for file in (HOUSE / "samples").iterdir():
+        text = file.read_text()
+        if file.name == "report.xsl":
+            text = text.replace("http://xml.apache.org/xalan", "http://exslt.org/common")
+            text = text.replace("xalan:nodeset", "xalan:node-set")
+        (folder / file.name).write_text(text)
+
+
+def write_documents(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    for stylesheet in (HERE / "stylesheets").iterdir():
+        shutil.copy(stylesheet, folder)
+    (folder / "empty.xml").write_text("<empty/>\n")
+    (folder / "rows-tiny.xml").write_text(
+        '<rows><row id="1" kind="glass"><name>lens</name><amount>12.50</amount></row></rows>')
+    (folder / "rows-calls.xml").write_text("<rows>" + "<row/>" * 1000 + "</rows>")
+    write_rows(folder / "rows-medium.xml", 20_000)
+    write_rows(folder / "rows-sorted.xml", 2_000_000)
+    write_rows(folder / "rows-large.xml", 10_000_000)
+    write_report(folder)
+    shutil.copy(HOUSE / "tests" / "data" / "handbook.xml", folder)

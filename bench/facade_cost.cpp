@@ -1,0 +1,279 @@
+// What the facade adds to the engine: the same work by the facade, and by the engine used directly
+// as its own documentation shows it.
+#include "support/BareEngine.h"
+#include "support/Work.h"
+
+#include <vexa/Dom2Dom.h>
+#include <vexa/VEXAXslTransformer.h>
+
+#include <memory>
+#include <sstream>
+
+#include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
+#include <xalanc/PlatformSupport/XalanOutputStreamPrintWriter.hpp>
+#include <xalanc/PlatformSupport/XalanStdOutputStream.hpp>
+#include <xalanc/PlatformSupport/XalanTranscodingServices.hpp>
+#include <xalanc/XMLSupport/FormatterToXML.hpp>
+#include <xalanc/XMLSupport/FormatterTreeWalker.hpp>
+#include <xalanc/XPath/XPathEvaluator.hpp>
+#include <xalanc/XSLT/XSLTInputSource.hpp>
+#include <xalanc/XSLT/XSLTResultTarget.hpp>
+#include <xalanc/XalanDOM/XalanDocument.hpp>
+#include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeParserLiaison.hpp>
+#include <xalanc/XalanTransformer/XalanDocumentBuilder.hpp>
+#include <xalanc/XalanTransformer/XalanParsedSource.hpp>
+
+namespace {
+
+constexpr const char* EXPRESSION = "string(/rows/row[1]/name)";
+
+struct Files {
+    std::string source;
+    std::string stylesheet;
+    std::string output;
+};
+
+xercesc::MemoryManager& memory() {
+    return xalanc::XalanMemMgrs::getDefaultXercesMemMgr();
+}
+
+/** @param closing what the facade closes some of its texts with: a NUL, a line end */
+std::size_t sizeOf(std::ostringstream& output, std::size_t closing = 0) {
+    return static_cast<std::size_t>(output.tellp()) - closing;
+}
+
+// ---- By the facade ----
+
+Work::Call facadeFiles(const Files& files) {
+    const auto transformer = std::make_shared<VEXAXslTransformer>();
+    return [transformer, files] {
+        require(transformer->doTransform(files.source.c_str(), files.stylesheet.c_str(),
+                                         files.output.c_str()) == 0,
+                transformer->getLastError());
+        return std::size_t{0};
+    };
+}
+
+Work::Call facadeStreams(const Files& files) {
+    const auto transformer = std::make_shared<VEXAXslTransformer>();
+    return [transformer, files, text = readFile(files.source)] {
+        std::istringstream source(text);
+        std::ostringstream output;
+        require(transformer->doTransform(source, files.stylesheet.c_str(), output) == 0,
+                transformer->getLastError());
+        return sizeOf(output, 1);
+    };
+}
+
+/** A transformer, and the holder of a document in it. */
+struct FacadeDocument {
+    explicit FacadeDocument(const Files& files)
+        : transformer(std::make_unique<VEXAXslTransformer>()),
+          source(transformer->createDom2Dom()) {
+        require(source->InitializeInputSource(readFile(files.source).c_str()), files.source);
+    }
+
+    std::unique_ptr<VEXAXslTransformer> transformer;
+    std::unique_ptr<Dom2Dom> source;
+};
+
+Work::Call facadeMemory(const Files& files) {
+    const auto document = std::make_shared<FacadeDocument>(files);
+    return [document, files] {
+        VEXAXslTransformer& transformer = *document->transformer;
+        const auto result = transformer.createDom2Dom();
+        require(result->InitializeOutputTarget() &&
+                    transformer.doTransform(*document->source, files.stylesheet.c_str(), *result) ==
+                        0,
+                transformer.getLastError());
+        return std::size_t{0};
+    };
+}
+
+Work::Call facadeQuery(const Files& files) {
+    const auto document = std::make_shared<FacadeDocument>(files);
+    return [document] {
+        std::ostringstream output;
+        VEXAXslTransformer& transformer = *document->transformer;
+        require(transformer.doXPath(*document->source, EXPRESSION, output) == 0,
+                transformer.getLastError());
+        return sizeOf(output);
+    };
+}
+
+/** The document is the result of a transform: only such a holder can be written. */
+Work::Call facadeSerialise(const Files& files) {
+    const auto document = std::make_shared<FacadeDocument>(files);
+    const std::shared_ptr<Dom2Dom> result = document->transformer->createDom2Dom();
+    require(result->InitializeOutputTarget() &&
+                document->transformer->doTransform(*document->source, files.stylesheet.c_str(),
+                                                   *result) == 0,
+            document->transformer->getLastError());
+    return [document, result] {
+        std::ostringstream output;
+        require(result->Serialize(output) == 0, result->getLastError());
+        return sizeOf(output, 2);
+    };
+}
+
+// ---- By the engine alone ----
+
+Work::Call bareFiles(const Files& files) {
+    const auto engine = std::make_shared<BareEngine>();
+    return [engine, files] {
+        transformKept(*engine, files.source.c_str(), files.stylesheet, files.output.c_str());
+        return std::size_t{0};
+    };
+}
+
+Work::Call bareStreams(const Files& files) {
+    const auto engine = std::make_shared<BareEngine>();
+    return [engine, files, text = readFile(files.source)] {
+        std::istringstream source(text);
+        std::ostringstream output;
+        transformKept(*engine, &source, files.stylesheet, output);
+        return sizeOf(output);
+    };
+}
+
+/** As the engine's documentation has it first; such a source is not kept. */
+Work::Call bareAtOnce(const Files& files) {
+    const auto engine = std::make_shared<BareEngine>();
+    return [engine, files] {
+        require(engine->transform(files.source.c_str(), files.stylesheet.c_str(),
+                                  files.output.c_str()) == 0,
+                engine->getLastError());
+        return std::size_t{0};
+    };
+}
+
+/** An engine, and a document parsed by it. */
+struct BareDocument {
+    explicit BareDocument(const Files& files) {
+        require(engine.parseSource(files.source.c_str(), source) == 0, files.source);
+    }
+
+    BareEngine engine;
+    const xalanc::XalanParsedSource* source = nullptr; // the engine's
+};
+
+/** A document that receives a result: what the engine's documentation calls a document builder. */
+class BareResult {
+public:
+    explicit BareResult(xalanc::XalanTransformer& engine)
+        : m_engine(engine), m_pBuilder(engine.createDocumentBuilder()),
+          m_formatter(memory(),
+                      static_cast<xalanc::XalanSourceTreeDocument*>(m_pBuilder->getDocument())) {}
+    BareResult(const BareResult&) = delete;
+    BareResult& operator=(const BareResult&) = delete;
+    ~BareResult() { m_engine.destroyDocumentBuilder(m_pBuilder); }
+
+    xalanc::FormatterListener& formatter() { return m_formatter; }
+    xalanc::XalanDocument* document() { return m_pBuilder->getDocument(); }
+
+private:
+    xalanc::XalanTransformer& m_engine;
+    xalanc::XalanDocumentBuilder* m_pBuilder;
+    xalanc::FormatterToSourceTree m_formatter;
+};
+
+Work::Call bareMemory(const Files& files) {
+    const auto document = std::make_shared<BareDocument>(files);
+    return [document, files] {
+        BareResult result(document->engine);
+        const xalanc::XSLTResultTarget target(result.formatter());
+        require(document->engine.transform(*document->source, files.stylesheet.c_str(), target) ==
+                    0,
+                document->engine.getLastError());
+        return std::size_t{0};
+    };
+}
+
+Work::Call bareQuery(const Files& files) {
+    const auto document = std::make_shared<BareDocument>(files);
+    return [document] {
+        xalanc::XalanDocument* const node = document->source->getDocument();
+        xalanc::XalanSourceTreeDOMSupport support;
+        xalanc::XalanSourceTreeParserLiaison liaison(support);
+        support.setParserLiaison(&liaison);
+        xalanc::XPathEvaluator evaluator;
+        const xalanc::XalanDocumentPrefixResolver prefixes(node, xalanc::XalanDOMString());
+        const xalanc::XObjectPtr result =
+            evaluator.evaluate(support, node, xalanc::XalanDOMString(EXPRESSION).c_str(), prefixes);
+        xalanc::CharVectorType narrow(memory());
+        result->str(evaluator.getExecutionContext()).transcode(narrow);
+        std::ostringstream output;
+        output << narrow.begin();
+        return sizeOf(output);
+    };
+}
+
+Work::Call bareSerialise(const Files& files) {
+    const auto document = std::make_shared<BareDocument>(files);
+    const auto result = std::make_shared<BareResult>(document->engine);
+    const xalanc::XSLTResultTarget target(result->formatter());
+    require(document->engine.transform(*document->source, files.stylesheet.c_str(), target) == 0,
+            document->engine.getLastError());
+    return [document, result] {
+        std::ostringstream output;
+        xalanc::XalanStdOutputStream stream(output);
+        xalanc::XalanOutputStreamPrintWriter writer(stream);
+        xalanc::FormatterToXML formatter(writer);
+        xalanc::FormatterTreeWalker walker(formatter);
+        formatter.startDocument();
+        walker.traverseSubtree(result->document()->getDocumentElement());
+        formatter.endDocument();
+        return sizeOf(output);
+    };
+}
+
+// ---- Both, over documents of three sizes ----
+
+struct Kind {
+    const char* name;
+    Work::Call (*facade)(const Files&);
+    Work::Call (*bare)(const Files&);
+};
+
+constexpr Kind KINDS[] = {{"files", facadeFiles, bareFiles},
+                          {"streams", facadeStreams, bareStreams},
+                          {"memory", facadeMemory, bareMemory},
+                          {"query", facadeQuery, bareQuery},
+                          {"serialise", facadeSerialise, bareSerialise}};
+
+struct Size {
+    const char* name;
+    int mostCalls;
+};
+
+// A kept large source takes more than 100 MB.
+constexpr Size SIZES[] = {
+    {"tiny", Work::KEEPS_SOURCES}, {"medium", Work::KEEPS_SOURCES}, {"large", 1}};
+
+Works makeWorks(const std::string& folder) {
+    Works works;
+    for (const Size& size : SIZES) {
+        const Files files{folder + "/rows-" + size.name + ".xml", folder + "/table.xsl",
+                          folder + "/output"};
+        for (const Kind& kind : KINDS) {
+            const std::string name = std::string(kind.name) + " " + size.name;
+            works.push_back(
+                {"facade " + name, [kind, files] { return kind.facade(files); }, size.mostCalls});
+            works.push_back(
+                {"bare " + name, [kind, files] { return kind.bare(files); }, size.mostCalls});
+        }
+        works.push_back({std::string("bare at-once ") + size.name,
+                         [files] { return bareAtOnce(files); }, size.mostCalls});
+    }
+    return works;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Library library;
+    return runWorks(argc, argv, makeWorks);
+}

@@ -1,0 +1,154 @@
+"""Runs the programs that measure, and reads what they say."""
+
+import concurrent.futures
+import filecmp
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbook.xsl")
+
+# Other load changes no count, so as many are counted at a time as there are processors. A large document is
+# counted in a process of its own: it finds the heap as another has left it otherwise.
+COUNTED = [("facade_cost", f"{who} {kind} large") for who in ("facade", "bare") for kind in ("files", "streams", "memory", "query", "serialise")] + [
+    ("facade_cost", "medium"), ("facade_cost", "tiny"), ("chain_cost", ""), ("function_cost", ""),
+    ("lifecycle_cost", "")]
+
+# Seconds for each work, and how often all of them are timed in turn: the least time counts.
+TIMED = {"facade_cost": (0.1, 5), "chain_cost": (0.1, 5), "function_cost": (0.05, 3),
+         "lifecycle_cost": (0.1, 3), "thread_scaling": (0.5, 3)}
+
+# What to transform, by what, how often, and what the table calls it.
+PROCESSES = [("empty.xml", "empty.xsl", 40, "an empty document"),
+             ("orders.xml", "report.xsl", 15, "the sample report, 80 kB"),
+             ("handbook.xml", DOCBOOK, 15, "DocBook to HTML, 6 kB"),
+             ("rows-large.xml", "identity.xsl", 9, "copying by templates, 10 MB"),
+             ("rows-sorted.xml", "sort.xsl", 15, "sorting by three keys, 2 MB"),
+             ("rows-sorted.xml", "keys.xsl", 15, "looking up by keys, 2 MB"),
+             ("rows-sorted.xml", "strings.xsl", 9, "work on strings, 2 MB")]
+
+
+class Failed(Exception):
+    """A measurement that could not be made."""
+
+
+def progress(text):
+    if sys.stderr.isatty():
+        sys.stderr.write(f"\r\033[Kbench: {text}" if text else "\r\033[K")
+        sys.stderr.flush()
+
+
+def run(command, **options):
+    done = subprocess.run([str(part) for part in command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, text=True, **options)
+    if done.returncode:
+        raise Failed(f"{' '.join(str(part) for part in command)}: {done.stderr.strip()[-500:]}")
+    return done.stdout
+
+
+def read_instructions(folder):
+    """The instructions of each work, by its name: callgrind writes one file for each."""
+    counts = {}
+    for file in folder.iterdir():
+        text = file.read_text(errors="replace")
+        name = re.search(r"^desc: Trigger: Client Request: (.+)$", text, re.M)
+        total = re.search(r"^totals: (\d+)$", text, re.M)
+        if name and total:
+            counts[name.group(1)] = int(total.group(1))
+    return counts
+
+
+def count_part(build, program, part):
+    """Instructions, allocations and result size of each call."""
+    folder = build / "counts" / f"{program} {part}"
+    folder.mkdir(parents=True, exist_ok=True)
+    for old in folder.iterdir():
+        old.unlink()
+    output = run(["valgrind", "-q", "--tool=callgrind", "--collect-atstart=no", "--callgrind-out-file=counted",
+                  build / "bin" / program, build / "documents", "--count", part], cwd=folder)
+    instructions = read_instructions(folder)
+    counts = {}
+    for line in output.splitlines():
+        work = json.loads(line)
+        calls = work["calls"]
+        counts[work["name"]] = {"instructions": instructions[work["name"]] / calls,
+                                "allocations": work["allocations"] / calls, "size": work["size"]}
+    return program, counts
+
+
+def count_all(build):
+    counts, done = {}, 0
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        futures = [pool.submit(count_part, build, program, part) for program, part in COUNTED]
+        for future in concurrent.futures.as_completed(futures):
+            program, part = future.result()
+            counts.setdefault(program, {}).update(part)
+            done += 1
+            progress(f"counting instructions, {done} of {len(COUNTED)}")
+    return counts
+
+
+def time_program(build, program):
+    """The least microseconds of each work, the bytes that a call leaves, and the most calls in a second."""
+    seconds, repetitions = TIMED[program]
+    report = json.loads(run([build / "bin" / program, build / "documents", f"--benchmark_min_time={seconds}",
+                             f"--benchmark_repetitions={repetitions}", "--benchmark_format=json",
+                             "--benchmark_enable_random_interleaving=true"]))
+    times = {}
+    for one in report["benchmarks"]:
+        if one["run_type"] == "iteration":
+            name = re.sub(r"/real_time.*", "", one["name"])
+            times.setdefault(name, []).append(one)
+    return {name: {"us": min(run["real_time"] for run in runs) / 1000,
+                   "kept": min(run["kept"] for run in runs),
+                   "rate": max(run["items_per_second"] for run in runs)} for name, runs in times.items()}
+
+
+def time_all(build):
+    times = {}
+    for program in TIMED:
+        progress(f"timing {program}")
+        times[program] = time_program(build, program)
+    return times
+
+
+def commands(build, source, stylesheet):
+    """The same work by three programs, each into a file of its own."""
+    return {"Xalan": ["Xalan", "-o", "by-Xalan", source, stylesheet],
+            "xsltproc": ["xsltproc", "-o", "by-xsltproc", stylesheet, source],
+            "vexa-xslt": [build / "bin" / "vexa-xslt", "transform", stylesheet, source, "-o", "by-vexa-xslt"]}
+
+
+def measure_processes(build):
+    results = {}
+    folder = build / "documents"
+    for source, stylesheet, repetitions, title in PROCESSES:
+        progress(f"whole processes, {title}")
+        runs = {}
+        candidates = list(commands(build, source, stylesheet).items())
+        for turn in range(repetitions + 1):
+            for name, command in candidates[turn % 3:] + candidates[:turn % 3]:
+                words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
+                if turn > 0:  # the first turn warms the caches of the system
+                    runs.setdefault(name, []).append([float(word) for word in words])
+        if not filecmp.cmp(folder / "by-Xalan", folder / "by-vexa-xslt", shallow=False):
+            raise Failed(f"{title}: Xalan and vexa-xslt give different results")
+        if not (folder / "by-xsltproc").stat().st_size:
+            raise Failed(f"{title}: xsltproc gives nothing")
+        results[title] = {name: {"ms": min(run[0] for run in runs[name]) * 1000,
+                                 "cpu": min(run[1] for run in runs[name]) * 1000,
+                                 "mb": min(run[2] for run in runs[name]) * 1024 / 1e6} for name in runs}
+    return results
+
+
+def versions():
+    def first_line(command):
+        return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                              check=False).stdout.strip().splitlines()[0]
+
+    package = run(["dpkg-query", "-W", "-f=${Version}", "xsltproc"])
+    return (f"{os.uname().machine}, {os.cpu_count()} processors, {first_line(['g++', '--version']).split(') ')[-1]} of g++, "
+            f"{first_line(['Xalan']).rstrip('.')}, xsltproc {package.split('-')[0]}")

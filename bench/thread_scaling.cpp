@@ -1,0 +1,34 @@
+// The same transform in one thread, and in two at once, each with a transformer of its own.
+#include "support/Work.h"
+
+#include <vexa/VEXAXslTransformer.h>
+
+#include <memory>
+#include <sstream>
+
+namespace {
+
+Work::Call transformStreams(const std::string& source, const std::string& stylesheet) {
+    const auto transformer = std::make_shared<VEXAXslTransformer>();
+    return [transformer, source, stylesheet] {
+        std::istringstream input(source);
+        std::ostringstream output;
+        require(transformer->doTransform(input, stylesheet.c_str(), output) == 0,
+                transformer->getLastError());
+        return output.str().size();
+    };
+}
+
+Works makeWorks(const std::string& folder) {
+    const std::string source = readFile(folder + "/rows-medium.xml");
+    const std::string stylesheet = folder + "/table.xsl";
+    const auto prepare = [source, stylesheet] { return transformStreams(source, stylesheet); };
+    return {{"one", prepare, Work::KEEPS_SOURCES, 1}, {"two", prepare, Work::KEEPS_SOURCES, 2}};
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Library library;
+    return runWorks(argc, argv, makeWorks);
+}
