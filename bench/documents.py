@@ -65,6 +65,7 @@ def write_documents(folder):
     (folder / "rows-calls.xml").write_text("<rows>" + "<row/>" * 1000 + "</rows>")
     write_rows(folder / "rows-medium.xml", 20_000)
     (folder / "rows-elements.xml").write_text("<rows>" + "<row><name>1</name></row>" * 40_000 + "</rows>")
+    write_rows(folder / "rows-strings.xml", 500_000)
     write_rows(folder / "rows-sorted.xml", 2_000_000)
     write_rows(folder / "rows-large.xml", 10_000_000)
     write_report(folder)

@@ -31,7 +31,7 @@ class XSLTResultTarget;
  *     }
  *
  * Ownership: a transformer owns its engine. It keeps the source of every transform of files or
- * streams until it is destroyed: 10 to 13 times the source's size, plus about 120 KB for each
+ * streams until it is destroyed: 6 to 12 times the source's size, plus about 130 KB for each
  * transform. A process that runs on and on should therefore renew its transformer now and then.
  * Documents in memory go with their holders. The clones made by installExternalFunction() are never
  * freed.
