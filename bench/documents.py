@@ -55,6 +55,20 @@ def write_report(folder):
         (folder / file.name).write_text(text)
 
 
+BATCHES = (10, 10_000)
+
+
+def write_batches(folder):
+    """Small sources in a folder for each batch, and their names in a list."""
+    for count in BATCHES:
+        sources = folder / f"batch-{count}"
+        sources.mkdir(exist_ok=True)
+        names = [f"{sources.name}/{number}.xml" for number in range(count)]
+        for number, name in enumerate(names):
+            (folder / name).write_text(f'<rows><row id="{number}" kind="glass"><name>lens</name></row></rows>')
+        (folder / f"{sources.name}.list").write_text("\n".join(names))
+
+
 def write_documents(folder):
     folder.mkdir(parents=True, exist_ok=True)
     for stylesheet in (HERE / "stylesheets").iterdir():
@@ -69,4 +83,5 @@ def write_documents(folder):
     write_rows(folder / "rows-sorted.xml", 2_000_000)
     write_rows(folder / "rows-large.xml", 10_000_000)
     write_report(folder)
+    write_batches(folder)
     shutil.copy(HOUSE / "tests" / "data" / "handbook.xml", folder)

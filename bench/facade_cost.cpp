@@ -124,6 +124,7 @@ Work::Call facadeSerialise(const Files& files) {
 Work::Call bareFiles(const Files& files) {
     const auto engine = std::make_shared<BareEngine>();
     return [engine, files] {
+        engine->installFunctions();
         transformKept(*engine, files.source.c_str(), files.stylesheet, files.output.c_str());
         return std::size_t{0};
     };
@@ -134,6 +135,7 @@ Work::Call bareStreams(const Files& files) {
     return [engine, files, text = readFile(files.source)] {
         std::istringstream source(text);
         std::ostringstream output;
+        engine->installFunctions();
         transformKept(*engine, &source, files.stylesheet, output);
         return sizeOf(output);
     };

@@ -163,7 +163,7 @@ Work::Call bareReplay(const Replay& replay) {
     return [engine, replay] { return transform(*engine, replay); };
 }
 
-/** The engine's own share of the eight functions: a transform with none of them... */
+/** The engine's own share of the functions: a transform with none of them... */
 Work::Call bareWithoutFunctions(const Replay& replay) {
     const auto engine = std::make_shared<xalanc::XalanTransformer>();
     return [engine, replay] { return transform(*engine, replay); };
@@ -172,8 +172,8 @@ Work::Call bareWithoutFunctions(const Replay& replay) {
 /** ... and one that installs them each time, as the facade's contract wants it. */
 Work::Call bareInstallingEachTime(const Replay& replay) {
     const auto engine = std::make_shared<xalanc::XalanTransformer>();
-    return [engine, replay, names = FunctionNames()] {
-        names.installIn(*engine);
+    return [engine, replay, functions = Functions()] {
+        functions.installIn(*engine);
         return transform(*engine, replay);
     };
 }

@@ -9,6 +9,8 @@ import re
 import subprocess
 import sys
 
+import documents
+
 DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbook.xsl")
 
 # Other load changes no count, so as many are counted at a time as there are processors. A large document is
@@ -157,6 +159,34 @@ def measure_processes(build):
         results[title] = {name: {"ms": min(run[0] for run in runs[name]) * 1000,
                                  "cpu": min(run[1] for run in runs[name]) * 1000,
                                  "mb": min(run[2] for run in runs[name]) * 1024 / 1e6} for name in runs}
+    return results
+
+
+def batch_commands(build, sources):
+    """One stylesheet over many sources, in several ways."""
+    program = build / "bin" / "vexa-xslt"
+    batch = [program, "batch", "table.xsl", "--files-from", f"{sources}.list", "--quiet", "-d", f"{sources}-results"]
+    each = f"while read -r source; do '{program}' transform table.xsl $source -o by-one; done <{sources}.list"
+    return {"one": [*batch, "-j", 1], "two": [*batch, "-j", 2], "isolated": [*batch, "-j", 2, "--isolate"],
+            "each": ["bash", "-c", each]}
+
+
+def measure_batches(build):
+    results = {}
+    folder = build / "documents"
+    for count in documents.BATCHES:
+        progress(f"batches of {count:,} sources")
+        sources = f"batch-{count}"
+        runs = {}
+        for _ in range(9 if count < 100 else 3):
+            for name, command in batch_commands(build, sources).items():
+                if name != "each" or count < 100:
+                    words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
+                    runs.setdefault(name, []).append((float(words[0]), float(words[2]) * 1024 / 1e6))
+        if len(list((folder / f"{sources}-results").iterdir())) != count:
+            raise Failed(f"a batch of {count} sources lacks results")
+        results[str(count)] = {name: {"rate": count / min(run[0] for run in timed), "mb": max(run[1] for run in timed)}
+                               for name, timed in runs.items()}
     return results
 
 

@@ -1,7 +1,7 @@
 /**
  * @file
- * The engine used directly, as its own documentation shows it, by someone who has eight functions
- * too: installed once, for all transforms, which the engine allows.
+ * The engine used directly, as its own documentation shows it, by someone who has functions
+ * too.
  */
 #pragma once
 
@@ -11,38 +11,42 @@
 #include <vexa/VEXAXslTransformer.h>
 
 #include <string>
-#include <vector>
 
+#include <xalanc/XSLT/XSLTEngineImpl.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
+#include <xalanc/XalanExtensions/FunctionNodeSet.hpp>
 #include <xalanc/XalanTransformer/XalanTransformer.hpp>
 
-/** What eight functions are installed under: the library's own names. */
-class FunctionNames {
+/** The engine's own function for node sets, and eight under the library's names. */
+class Functions {
 public:
-    FunctionNames() {
+    void installIn(xalanc::XalanTransformer& engine) const {
+        engine.installExternalFunction(xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL(),
+                                       xalanc::XalanDOMString("nodeset"),
+                                       xalanc::FunctionNodeSet(true));
+        const FixedFunction function("x");
         for (const char* const name :
              {"GetLocalizedString", "GetDateTime", "TimerCreate", "TimerStart", "TimerStop",
               "TimerTotal", "TimerReset", "TimerDestroy"}) {
-            m_names.emplace_back(name);
-        }
-    }
-
-    void installIn(xalanc::XalanTransformer& engine) const {
-        const FixedFunction function("x");
-        for (const xalanc::XalanDOMString& name : m_names) {
-            engine.installExternalFunction(m_namespace, name, function);
+            engine.installExternalFunction(m_namespace, xalanc::XalanDOMString(name), function);
         }
     }
 
 private:
     xalanc::XalanDOMString m_namespace{VEXA_XSL_EXTENSION_NAMESPACE};
-    std::vector<xalanc::XalanDOMString> m_names;
 };
 
 class BareEngine : public xalanc::XalanTransformer {
 public:
-    BareEngine() { FunctionNames().installIn(*this); }
+    BareEngine() { installFunctions(); }
+
+    /** Again: a host may change what its functions are before any transform, and the facade lets
+     * it. */
+    void installFunctions() { m_functions.installIn(*this); }
+
+private:
+    Functions m_functions;
 };
 
 /**
