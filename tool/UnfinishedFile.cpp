@@ -5,6 +5,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstring>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -28,10 +29,19 @@ bool isOwn(const UnfinishedFileName& name) {
     return &name >= std::begin(g_names) && &name < std::end(g_names);
 }
 
-extern "C" void removeAndEnd(int signalNumber) {
+/** For good: a thread whose file the engine is about to open would make it anew. */
+void removeAll() {
+    rlimit noMoreFiles{};
+    getrlimit(RLIMIT_NOFILE, &noMoreFiles);
+    noMoreFiles.rlim_cur = 0;
+    setrlimit(RLIMIT_NOFILE, &noMoreFiles);
     for (const UnfinishedFileName& name : g_names) {
         removeUnfinishedFile(name);
     }
+}
+
+extern "C" void removeAndEnd(int signalNumber) {
+    removeAll();
     std::raise(signalNumber); // whose action is the default one again
 }
 
@@ -88,7 +98,5 @@ std::unique_lock<std::mutex> lockUnfinishedFiles() {
 }
 
 void removeUnfinishedFiles(const std::unique_lock<std::mutex>& /*lock*/) {
-    for (const UnfinishedFileName& name : g_names) {
-        removeUnfinishedFile(name);
-    }
+    removeAll();
 }

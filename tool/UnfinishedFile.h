@@ -37,5 +37,8 @@ void removeUnfinishedFile(const UnfinishedFileName& name);
  */
 std::unique_lock<std::mutex> lockUnfinishedFiles();
 
-/** Removes the files of all threads. Not to be called in a signal handler. */
+/**
+ * Removes the files of all threads, before the process ends: no thread can open a file from now on.
+ * Not to be called in a signal handler.
+ */
 void removeUnfinishedFiles(const std::unique_lock<std::mutex>& lock);
