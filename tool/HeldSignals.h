@@ -24,6 +24,8 @@ public:
     using Clock = std::chrono::steady_clock;
 
     HeldSignals();
+    /** Releases them. */
+    ~HeldSignals() { release(); }
     HeldSignals(const HeldSignals&) = delete;
     HeldSignals& operator=(const HeldSignals&) = delete;
 

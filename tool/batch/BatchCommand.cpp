@@ -67,6 +67,7 @@ public:
     void run();
 
 private:
+    Tally doAll();
     void plan();
     void makeDirectory() const;
     Tally runInThreads(const HeldSignals& signals);
@@ -82,8 +83,13 @@ void BatchRun::run() {
     plan();
     makeDirectory();
     VEXAXslTransformer::m_bUseXercesDOM = m_batch.options.common.useXercesDom;
+    tell(doAll());
+}
+
+/** Afterwards there is nothing unfinished, and a signal may end the process at once. */
+Tally BatchRun::doAll() {
     const HeldSignals signals;
-    tell(m_batch.options.needProcesses() ? runInProcesses(signals) : runInThreads(signals));
+    return m_batch.options.needProcesses() ? runInProcesses(signals) : runInThreads(signals);
 }
 
 void BatchRun::plan() {

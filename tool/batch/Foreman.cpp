@@ -12,6 +12,16 @@
 #include <sys/signalfd.h>
 #include <system_error>
 
+namespace {
+
+/** Not where the reader of a pipe waits, or a terminal is stopped. */
+bool canTellAtOnce() {
+    pollfd standardError{STDERR_FILENO, POLLOUT, 0};
+    return poll(&standardError, 1, 0) == 1;
+}
+
+} // namespace
+
 Foreman::Foreman(const Batch& batch, const HeldSignals& signals)
     : m_batch(batch), m_signals(signals),
       m_signalSource(signalfd(-1, &signals.set(), SFD_NONBLOCK | SFD_CLOEXEC)),
@@ -29,7 +39,9 @@ Tally Foreman::run(std::vector<std::unique_ptr<Worker>> workers) {
     }
     std::for_each(m_posts.begin(), m_posts.end(), [this](Post& post) { man(post); });
     while (isAnyManned()) {
-        m_progress.draw(m_tally);
+        if (canTellAtOnce()) {
+            m_progress.draw(m_tally);
+        }
         wait();
     }
     m_progress.clear();
@@ -160,11 +172,22 @@ void Foreman::stopLateWorkers() {
     }
 }
 
+/** Signals are held: nobody could end a process that is stuck in writing to a reader who waits. */
+void Foreman::waitForStandardError() {
+    pollfd either[] = {{m_signalSource.get(), POLLIN, 0}, {STDERR_FILENO, POLLOUT, 0}};
+    while (either[1].revents == 0) {
+        poll(either, std::size(either), -1);
+        endOnSignal();
+    }
+}
+
 void Foreman::tellMessage(const Post& post, const std::string& text) {
+    waitForStandardError();
     m_progress.clear();
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty()) {
+            waitForStandardError();
             std::cerr << (post.job ? sourceOf(post) + ": " : "") + line + "\n";
         }
     }
@@ -173,6 +196,7 @@ void Foreman::tellMessage(const Post& post, const std::string& text) {
 
 void Foreman::tellFailed(const std::string& text) {
     ++m_tally.failed;
+    waitForStandardError();
     m_progress.clear();
     tellFailure(text);
 }
@@ -188,14 +212,17 @@ void Foreman::endOnSignal() {
 }
 
 void Foreman::interrupt(int signalNumber) {
+    const bool canTell = canTellAtOnce();
     // Kept to the end, so that no thread finishes anything, or makes another file.
     const auto lock = lockUnfinishedFiles();
     for (Post& post : m_posts) {
         post.worker->stop();
     }
     removeUnfinishedFiles(lock);
-    m_progress.clear();
-    tellFailure("interrupted: " + summary(m_tally));
+    if (canTell) {
+        m_progress.clear();
+        tellFailure("interrupted: " + summary(m_tally));
+    }
     m_signals.endBy(signalNumber);
 }
 

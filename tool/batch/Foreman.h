@@ -57,6 +57,7 @@ private:
     void giveJob(Post& post);
     void takeEnd(Post& post);
     void stopLateWorkers();
+    void waitForStandardError();
     void tellMessage(const Post& post, const std::string& text);
     void tellFailed(const std::string& text);
     void endOnSignal();

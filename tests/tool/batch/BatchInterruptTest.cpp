@@ -60,6 +60,17 @@ TEST_F(BatchInterruptTest, LeavesNothingWhicheverMomentItComes) {
     }
 }
 
+TEST_F(BatchInterruptTest, EndsThoughNobodyReadsWhatItTells) {
+    m_folder.write("message.xsl", stylesheetWithRootTemplate("<xsl:message>note</xsl:message>"));
+    for (const char* options : {"", "--isolate"}) {
+        const Outcome outcome =
+            shell("rm -rf out told; mkfifo told; exec 3<>told; head -c 65536 /dev/zero >&3; "
+                  "timeout -k 20 0.5 vexa-xslt batch message.xsl sources/s*.xml -d out 2>&3 " +
+                  std::string(options) + "; echo $?; ls -A out | grep '^[.]'");
+        EXPECT_EQ(outcome.output, "124\n") << options; // 137 where it had to be killed
+    }
+}
+
 TEST_F(BatchInterruptTest, TakesAnInterruptOfItsWholeGroup) {
     const Outcome outcome = whenStuck("--isolate", "kill -INT -- -$batch");
     EXPECT_EQ(outcome.output, "INT\n");
