@@ -37,6 +37,20 @@ Tally Foreman::run(std::vector<std::unique_ptr<Worker>> workers) {
         Post& post = m_posts.emplace_back();
         post.worker = std::move(worker);
     }
+    try {
+        haveAllDone();
+    } catch (const std::exception& failure) {
+        m_progress.clear();
+        if (m_tally.finished() == 0) {
+            throw;
+        }
+        waitForStandardError();
+        tellFailure(failure.what());
+    }
+    return m_tally;
+}
+
+void Foreman::haveAllDone() {
     std::for_each(m_posts.begin(), m_posts.end(), [this](Post& post) { man(post); });
     while (isAnyManned()) {
         if (canTellAtOnce()) {
@@ -45,7 +59,6 @@ Tally Foreman::run(std::vector<std::unique_ptr<Worker>> workers) {
         wait();
     }
     m_progress.clear();
-    return m_tally;
 }
 
 void Foreman::man(Post& post) {
@@ -53,8 +66,14 @@ void Foreman::man(Post& post) {
     post.channel = std::move(foremansEnd);
     post.wasReady = false;
     post.isLate = false;
-    post.worker->start(std::move(workersEnd));
-    post.isManned = true;
+    try {
+        post.worker->start(std::move(workersEnd));
+        post.isManned = true;
+    } catch (const Failure&) {
+        if (!isAnyManned()) {
+            throw;
+        }
+    }
 }
 
 void Foreman::wait() {
@@ -119,7 +138,6 @@ void Foreman::take(Post& post, const Report& report) {
         post.deadline.reset();
         break;
     case Report::Kind::GivenUp:
-        m_progress.clear();
         throw std::runtime_error(report.text);
     }
 }
@@ -150,7 +168,6 @@ void Foreman::takeEnd(Post& post) {
     post.isManned = false;
     post.deadline.reset();
     if (!post.wasReady) {
-        m_progress.clear();
         throw Failure(m_batch.options.stylesheet, reason);
     }
     if (post.job) {

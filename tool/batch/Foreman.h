@@ -30,7 +30,9 @@ public:
      * Has all jobs done. Each failure is told at once. When a signal comes, unfinished results are
      * removed, a last line is told, and the process ends by that signal.
      *
-     * @param workers at least one
+     * Where workers can no longer be made, the rest is left undone, and the reason told.
+     *
+     * @param workers at least one; of these, as many work as the system allows
      * @throws Failure where the workers cannot do any job
      */
     Tally run(std::vector<std::unique_ptr<Worker>> workers);
@@ -49,6 +51,7 @@ private:
         std::optional<Clock::time_point> deadline;
     };
 
+    void haveAllDone();
     void man(Post& post);
     void wait();
     int millisecondsToWait() const;

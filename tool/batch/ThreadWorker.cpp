@@ -1,7 +1,10 @@
 #include "BatchWork.h"
 #include "Worker.h"
 
+#include "../Failure.h"
+
 #include <exception>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -20,7 +23,13 @@ public:
     ~ThreadWorker() override { ThreadWorker::end(); }
 
     void start(WorkerChannel channel) override {
-        m_thread = std::thread([this, channel = std::move(channel)] { work(m_batch, channel); });
+        try {
+            m_thread =
+                std::thread([this, channel = std::move(channel)] { work(m_batch, channel); });
+        } catch (const std::system_error& error) {
+            throw Failure(m_batch.options.stylesheet,
+                          "no thread can be made for it: " + systemReason(error.code().value()));
+        }
     }
 
     void stop() override {}

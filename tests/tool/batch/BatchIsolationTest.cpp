@@ -150,3 +150,58 @@ TEST_F(BatchIsolationTest, ManySourcesTakeNoMoreMemoryThanAFew) {
     EXPECT_EQ(outcome.error, "vexa-xslt: 600 of 600 sources done\n");
     EXPECT_EQ(shell("ls out | wc -l").output, "600\n");
 }
+
+/** No more processes or threads can be made. */
+class BatchShortageTest : public BatchTest {
+protected:
+    BatchShortageTest() {
+        writeSources(30);
+        shell("chmod 777 .");
+    }
+
+    /** Runs the rest of a line as a user whom limits hold for, and who has no other process. */
+    static std::string asUser(int user) {
+        const std::string id = std::to_string(user);
+        return " setpriv --reuid " + id + " --regid " + id + " --clear-groups ";
+    }
+};
+
+TEST_F(BatchShortageTest, WorksWithAsManyWorkersAsThereCanBe) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a checker makes threads of its own";
+    }
+    for (const char* options : {"", " --isolate"}) {
+        shell("rm -rf out");
+        const Outcome outcome =
+            shell("prlimit --nproc=5" + asUser(54321) +
+                  "vexa-xslt batch ok.xsl sources/* -d out -j 20" + std::string(options));
+        EXPECT_EQ(outcome.error, "vexa-xslt: 30 of 30 sources done\n") << options;
+        EXPECT_EQ(rightResults(), 30);
+        const Outcome none = shell("prlimit --nproc=1" + asUser(54321) +
+                                   "vexa-xslt batch ok.xsl sources/* -d out" + options);
+        expectFailure(none, 1, "ok.xsl: no ", " can be made for it: Resource temporarily unavail");
+    }
+}
+
+TEST_F(BatchShortageTest, TellsHowFarItCameWhereNoWorkerIsLeft) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a checker makes threads of its own";
+    }
+    // The first source is done; the worker waits for the second when it is ended.
+    const Outcome outcome =
+        shell("mkdir -m 777 out; mkfifo -m 666 pipe.xml;" + asUser(54322) +
+              "vexa-xslt batch ok.xsl sources/s1.xml pipe.xml sources/s2.xml -d out -j 1 --isolate "
+              "& batch=$!; for i in $(seq 400); do "
+              "[ -e out/s1.out ] && ls -A out | grep -q '^[.]vexa' && break; sleep 0.05; done;" +
+              asUser(54322) +
+              "prlimit --pid $batch --nproc=1; "
+              "kill -KILL $(cat /proc/$batch/task/$batch/children); wait $batch");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error.rfind("vexa-xslt: pipe.xml: the engine was ended from outside", 0), 0U)
+        << outcome.error;
+    EXPECT_NE(outcome.error.find("\nvexa-xslt: ok.xsl: no process can be made for it: "),
+              std::string::npos)
+        << outcome.error;
+    EXPECT_EQ(lastLine(outcome.error), "vexa-xslt: 1 of 3 sources done, 1 failed, 1 not done");
+    EXPECT_EQ(names(), "s1.out\n");
+}
