@@ -108,7 +108,12 @@ OutputFile::OutputFile(const std::string& name)
     if (exists && access(m_strPlace.c_str(), W_OK) != 0) {
         throw Failure(name, systemReason(errno));
     }
-    if ((exists && !S_ISREG(existing.st_mode)) || fs::is_symlink(m_strPlace)) {
+    std::error_code error;
+    const fs::file_type type = fs::symlink_status(m_strPlace, error).type();
+    if (type == fs::file_type::none) { // a name that is too long, for one
+        throw Failure(name, systemReason(error.value()));
+    }
+    if ((exists && !S_ISREG(existing.st_mode)) || type == fs::file_type::symlink) {
         return;
     }
     createBeside();

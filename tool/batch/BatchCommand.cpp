@@ -69,6 +69,7 @@ public:
 private:
     Tally doAll();
     void plan();
+    void checkStylesheet() const;
     void makeDirectory() const;
     Tally runInThreads(const HeldSignals& signals);
     Tally runInProcesses(const HeldSignals& signals);
@@ -104,18 +105,31 @@ void BatchRun::plan() {
         throw WrongUsage("--suffix", "a suffix names no folder");
     }
     m_batch.parameters = parseParameters(options.common.parameters);
-    InputName(options.stylesheet).checkReadable();
+    checkStylesheet();
     m_batch.jobs = planBatch(options);
+}
+
+/** A pipe would give the stylesheet to the first source only. */
+void BatchRun::checkStylesheet() const {
+    const InputName stylesheet(m_batch.options.stylesheet);
+    stylesheet.checkReadable();
+    std::error_code ignored;
+    if (stylesheet.isLocal() && !fs::is_regular_file(displayName(stylesheet.uri()), ignored)) {
+        throw WrongUsage(stylesheet.asTyped(),
+                         "a batch reads it for each source; it must be a regular file");
+    }
 }
 
 void BatchRun::makeDirectory() const {
     const std::string& directory = m_batch.options.directory;
-    std::error_code error;
     if (directory.empty()) {
         throw WrongUsage("-d", "the name of the folder is empty");
     }
+    toText(directory); // which the engine needs
+    std::error_code error;
+    std::error_code ignored;
     fs::create_directory(directory, error);
-    if (fs::exists(directory) && !fs::is_directory(directory)) {
+    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
         throw Failure(directory, systemReason(ENOTDIR));
     }
     if (error) {

@@ -201,7 +201,10 @@ TEST_F(BatchCommandTest, RefusesWrongUsageBeforeAnyWork) {
     expectRefused("ok.xsl http://host/ -d out", "http://host/: it has no file name");
     expectRefused("ok.xsl ok.xml -d out -0", "-0: ");
     expectRefused("ok.xsl ok.xml -d ''", "-d: the name of the folder is empty");
+    expectRefused("ok.xsl ok.xml -d $'out\\xFF'", "out\xFF: this is not valid UTF-8 text (see ");
     expectRefused("ok.xsl ok.xml -d out --suffix /x", "--suffix: ");
+    expectRefused("<(cat ok.xsl) ok.xml -d out", "/dev/fd/",
+                  ": a batch reads it for each source; it must be a regular file (see ");
     expectRefused("ok.xsl ok.xml -d out -j 0", "--jobs: 0 is no whole number from 1 to 256");
     expectRefused("ok.xsl ok.xml -d out -j 257", "--jobs: ");
     expectRefused("ok.xsl ok.xml -d out -p x", "-p x: ");
@@ -224,6 +227,17 @@ TEST_F(BatchCommandTest, TellsOfAFolderThatCannotBeWrittenTo) {
     const Outcome full = tool("batch ok.xsl ok.xml -d full");
     EXPECT_EQ(full.status, 1);
     EXPECT_EQ(full.error.rfind("vexa-xslt: ok.xml: full/ok.out: ", 0), 0U) << full.error;
+}
+
+TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
+    const std::string name(252, 'x');
+    m_folder.write(name, "<a/>");
+    const Outcome outcome = tool("batch ok.xsl " + name + " -d out");
+    EXPECT_EQ(outcome.error, "vexa-xslt: " + name + ": out/" + name +
+                                 ".out: File name too long\n"
+                                 "vexa-xslt: 0 of 1 source done, 1 failed\n");
+    expectFailure(tool("batch ok.xsl ok.xml -d " + name + name), 1,
+                  name + name + ": File name too long\n");
 }
 
 TEST_F(BatchCommandTest, TellsWhereTheTimeWent) {
