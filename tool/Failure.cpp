@@ -2,6 +2,7 @@
 
 #include "TerminalStyle.h"
 
+#include <algorithm>
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <iostream>
@@ -16,8 +17,8 @@ int g_nErrorDescriptor = STDERR_FILENO;
 
 void tellFailure(const std::string& text) {
     std::cout.flush();
-    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " + foldLines(text) +
-                     "\n";
+    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " +
+                     printable(foldLines(text)) + "\n";
 }
 
 void silenceSystemLibraries() {
@@ -44,6 +45,13 @@ std::string foldLines(const std::string& text) {
         begin = end == std::string::npos ? end : text.find_first_not_of(BLANKS, end);
     }
     return folded;
+}
+
+std::string printable(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(),
+        [](unsigned char c) { return (c < ' ' && c != '\t') || c == 0x7F; }, '?');
+    return text;
 }
 
 std::string systemReason(int errorNumber) {

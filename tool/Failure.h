@@ -37,5 +37,8 @@ void silenceSystemLibraries();
 /** The text without blanks at its ends, and with each run of line ends inside as one blank. */
 std::string foldLines(const std::string& text);
 
+/** The text with ? for what would reach into a terminal. */
+std::string printable(std::string text);
+
 /** What the operating system says of an errno value. */
 std::string systemReason(int errorNumber);

@@ -74,7 +74,7 @@ std::string createUnusedFile(const fs::path& folder) {
         if (getentropy(random, sizeof random) != 0) {
             break;
         }
-        std::string name = ".vexa-xslt-";
+        std::string name = UNFINISHED_FILE_NAME;
         for (const unsigned char byte : random) {
             name += CHARACTERS[byte % (sizeof CHARACTERS - 1)];
         }

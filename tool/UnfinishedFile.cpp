@@ -88,7 +88,12 @@ void leaveUnfinishedFileTo(UnfinishedFileName& place) {
 }
 
 void removeUnfinishedFile(const UnfinishedFileName& name) {
-    if (name.text[0]) {
+    const std::size_t length = strnlen(name.text, sizeof name.text);
+    const char* const slash = static_cast<const char*>(memrchr(name.text, '/', length));
+    const char* const fileName = slash ? slash + 1 : name.text;
+    // A process that a stranger's input may have taken over can name any file here.
+    if (length < sizeof name.text &&
+        std::strncmp(fileName, UNFINISHED_FILE_NAME, std::strlen(UNFINISHED_FILE_NAME)) == 0) {
         unlink(name.text);
     }
 }

@@ -13,6 +13,9 @@ struct UnfinishedFileName {
     char text[4096];
 };
 
+/** What the names of such files begin with. */
+constexpr const char* UNFINISHED_FILE_NAME = ".vexa-xslt-";
+
 /** How many threads of a process may have an unfinished file, one each. */
 constexpr std::size_t MOST_WRITING_THREADS = 257;
 
@@ -28,7 +31,7 @@ void setUnfinishedFile(const std::string& path);
  */
 void leaveUnfinishedFileTo(UnfinishedFileName& place);
 
-/** Removes the file, if there is one. May be called in a signal handler. */
+/** Removes the file, if it is there and one of ours. May be called in a signal handler. */
 void removeUnfinishedFile(const UnfinishedFileName& name);
 
 /**

@@ -205,7 +205,7 @@ void Foreman::tellMessage(const Post& post, const std::string& text) {
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty()) {
             waitForStandardError();
-            std::cerr << (post.job ? sourceOf(post) + ": " : "") + line + "\n";
+            std::cerr << (post.job ? printable(sourceOf(post)) + ": " : "") + line + "\n";
         }
     }
     std::cerr.flush();

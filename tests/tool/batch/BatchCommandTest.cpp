@@ -251,6 +251,18 @@ TEST_F(BatchCommandTest, TellsWhereTheTimeWent) {
     EXPECT_EQ(tool("batch ok.xsl ok.xml -d out --timing --quiet").error, "");
 }
 
+TEST_F(BatchCommandTest, KeepsStrangeNamesOutOfTheTerminal) {
+    m_folder.write("sources/a\033[31m\n.xml", "<a>");
+    m_folder.write("sources/b\033[31m\n.xml", "<a>1</a>");
+    const Outcome outcome = tool("batch message.xsl sources/* -d out -j 1");
+    EXPECT_EQ(outcome.error.find('\033'), std::string::npos) << outcome.error;
+    EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/a?[31m .xml: SAXParseException: ", 0), 0U)
+        << outcome.error;
+    EXPECT_NE(outcome.error.find("\nsources/b?[31m?.xml: XSLT message: note 1 ("),
+              std::string::npos)
+        << outcome.error;
+}
+
 TEST_F(BatchCommandTest, LeavesStandardInputAlone) {
     EXPECT_EQ(shell("echo text | (vexa-xslt batch ok.xsl ok.xml -d out --quiet; cat)").output,
               "text\n");
