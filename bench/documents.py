@@ -55,6 +55,36 @@ def write_report(folder):
         (folder / file.name).write_text(text)
 
 
+def entities(levels):
+    """Ten references to an entity of ten references, and so on."""
+    declared = ['<!ENTITY e0 "abc">']
+    declared += [f'<!ENTITY e{level} "{f"&e{level - 1};" * 10}">' for level in range(1, levels + 1)]
+    return f"<!DOCTYPE a [{''.join(declared)}]><a>&e{levels};</a>"
+
+
+def nested(depth):
+    return "<a>" * depth + "</a>" * depth
+
+
+def ampersands(count):
+    return "<a>" + "&amp;" * count + "</a>"
+
+
+def attributes(count):
+    return "<a " + " ".join(f'n{number}="x"' for number in range(count)) + "/>"
+
+
+# Input that takes more than its size lets expect, in two sizes each.
+HOSTILE = {"entity expansion, 4 levels": lambda: entities(4), "entity expansion, 5 levels": lambda: entities(5),
+           "20,000 nested elements": lambda: nested(20_000), "50,000 nested elements": lambda: nested(50_000),
+           "50,000 &amp; in one text": lambda: ampersands(50_000), "100,000 &amp; in one text": lambda: ampersands(100_000),
+           "20,000 attributes": lambda: attributes(20_000), "40,000 attributes": lambda: attributes(40_000)}
+
+
+def hostile_file(title):
+    return "hostile-" + "".join(c if c.isalnum() else "-" for c in title) + ".xml"
+
+
 BATCHES = (10, 10_000)
 
 
@@ -84,4 +114,6 @@ def write_documents(folder):
     write_rows(folder / "rows-large.xml", 10_000_000)
     write_report(folder)
     write_batches(folder)
+    for title, make in HOSTILE.items():
+        (folder / hostile_file(title)).write_text(make())
     shutil.copy(HOUSE / "tests" / "data" / "handbook.xml", folder)

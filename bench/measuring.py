@@ -190,6 +190,19 @@ def measure_batches(build):
     return results
 
 
+def measure_hostile(build):
+    """Seconds and megabytes of one transform that counts the elements, with either tree."""
+    results = {}
+    for title in documents.HOSTILE:
+        progress(f"hostile input, {title}")
+        command = [build / "bin" / "measure_process", build / "bin" / "vexa-xslt", "transform", "count.xsl",
+                   documents.hostile_file(title)]
+        for tree, options in (("engine", []), ("parser", ["--xerces-dom"])):
+            words = run([*command, *options], cwd=build / "documents").split()
+            results.setdefault(title, {})[tree] = {"s": float(words[1]), "mb": float(words[2]) * 1024 / 1e6}
+    return results
+
+
 def versions():
     def first_line(command):
         return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
