@@ -40,10 +40,11 @@ def draw_facade(axes, counts):
             shown = max(share, LEAST_SHARE)
             axes.plot([LEAST_SHARE, shown], [position, position], color=OTHER, linewidth=2.5, zorder=1)
             axes.plot(shown, position, "o", color=OURS, markersize=7)
-            axes.annotate(f"{share:.2g} %" if share > LEAST_SHARE else "nothing", (shown, position), (8, -4),
-                          textcoords="offset points", fontsize=10.5)
-            if kind in table.TRANSFORMS and size in table.MOST_ADDED:
-                axes.plot(table.MOST_ADDED[size], position, "|", color=TARGET, markersize=13, markeredgewidth=2.5)
+            target = table.MOST_ADDED.get(size) if kind in table.TRANSFORMS else None
+            if target:
+                axes.plot(target, position, "|", color=TARGET, markersize=13, markeredgewidth=2.5)
+            axes.annotate(f"{share:.2g} %" if share > LEAST_SHARE else "nothing", (max(shown, target or 0), position),
+                          (8, -4), textcoords="offset points", fontsize=10.5)
             labels.append(f"{name}, {length}" if size == "tiny" else length)
     axes.set_xscale("log")
     axes.set_xlim(LEAST_SHARE * 0.8, 700)
