@@ -235,11 +235,11 @@ void Foreman::interrupt(int signalNumber) {
     for (Post& post : m_posts) {
         post.worker->stop();
     }
-    removeUnfinishedFiles(lock);
     if (canTell) {
         m_progress.clear();
         tellFailure("interrupted: " + summary(m_tally));
     }
+    removeUnfinishedFiles(lock); // last, as nothing can be opened after it
     m_signals.endBy(signalNumber);
 }
 

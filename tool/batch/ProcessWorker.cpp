@@ -57,7 +57,7 @@ public:
     void stop() override {
         if (m_nProcess > 0) {
             kill(m_nProcess, SIGKILL);
-            end();
+            ProcessWorker::end();
         }
     }
 
