@@ -11,6 +11,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <sstream>
 #include <sys/resource.h>
 
@@ -22,9 +24,23 @@ void limitMemory() {
     setrlimit(RLIMIT_AS, &limit);
 }
 
+/**
+ * Where a small block is the one that is refused, there is nothing left that the engine could clean
+ * up with, and it ends the process. A host that keeps a reserve for that gets its report.
+ */
+void keepReserveForCleaningUp() {
+    static std::unique_ptr<char[]> reserve = std::make_unique<char[]>(16u * 1024 * 1024);
+    std::set_new_handler([] {
+        reserve.reset();
+        std::set_new_handler(nullptr);
+        throw std::bad_alloc();
+    });
+}
+
 /** @return 0 if an endless recursion is reported as -5 and the facade then serves a good input */
 int recurseThenRun(const char* endless, const char* good) {
     limitMemory();
+    keepReserveForCleaningUp();
     VEXAXslTransformer transformer;
     auto in = transformer.createDom2Dom();
     auto out = transformer.createDom2Dom();
