@@ -10,6 +10,7 @@
 #include <exception>
 #include <malloc.h>
 #include <memory>
+#include <mutex>
 #include <streambuf>
 
 namespace {
@@ -54,6 +55,10 @@ private:
 
 /** Of the whole process: how much one thread takes nobody knows. */
 std::size_t memoryInUse() {
+    // Where another allocator has taken its place, the system's own sets itself up at the first
+    // call.
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
     const auto memory = mallinfo2();
     return memory.uordblks + memory.hblkhd;
 }
