@@ -20,15 +20,20 @@ bool canTellAtOnce() {
     return poll(&standardError, 1, 0) == 1;
 }
 
+/** To be polled for signals. */
+Descriptor openSignalSource(const HeldSignals& signals) {
+    Descriptor source(signalfd(-1, &signals.set(), SFD_NONBLOCK | SFD_CLOEXEC));
+    if (source.get() < 0) {
+        throw std::system_error(errno, std::generic_category(), "signals");
+    }
+    return source;
+}
+
 } // namespace
 
 Foreman::Foreman(const Batch& batch, const HeldSignals& signals)
-    : m_batch(batch), m_signals(signals),
-      m_signalSource(signalfd(-1, &signals.set(), SFD_NONBLOCK | SFD_CLOEXEC)),
+    : m_batch(batch), m_signals(signals), m_signalSource(openSignalSource(signals)),
       m_progress(!batch.options.common.quiet) {
-    if (m_signalSource.get() < 0) {
-        throw std::system_error(errno, std::generic_category(), "signals");
-    }
     m_tally.total = batch.jobs.size();
 }
 
@@ -129,13 +134,11 @@ void Foreman::take(Post& post, const Report& report) {
         break;
     case Report::Kind::Done:
         ++m_tally.done;
-        post.job.reset();
-        post.deadline.reset();
+        post.endJob();
         break;
     case Report::Kind::Failed:
         tellFailed(report.text);
-        post.job.reset();
-        post.deadline.reset();
+        post.endJob();
         break;
     case Report::Kind::GivenUp:
         throw std::runtime_error(report.text);
@@ -161,18 +164,19 @@ void Foreman::giveJob(Post& post) {
 
 /** The worker is gone. Another takes its place while there is work. */
 void Foreman::takeEnd(Post& post) {
-    const std::string ending = post.worker->end();
-    const std::string reason = post.isLate      ? lackOfTime(m_batch.options.common.limits)
-                               : ending.empty() ? "the engine gave up without a reason"
-                                                : ending;
+    std::string reason = post.worker->end();
+    if (post.isLate) {
+        reason = lackOfTime(m_batch.options.common.limits);
+    } else if (reason.empty()) {
+        reason = "the engine gave up without a reason";
+    }
     post.isManned = false;
-    post.deadline.reset();
     if (!post.wasReady) {
         throw Failure(m_batch.options.stylesheet, reason);
     }
     if (post.job) {
         tellFailed(sourceOf(post) + ": " + reason);
-        post.job.reset();
+        post.endJob();
     }
     if (m_nNextJob < m_batch.jobs.size()) {
         man(post);
@@ -234,6 +238,7 @@ void Foreman::interrupt(int signalNumber) {
     const auto lock = lockUnfinishedFiles();
     for (Post& post : m_posts) {
         post.worker->stop();
+        countLastReports(post);
     }
     if (canTell) {
         m_progress.clear();
@@ -241,6 +246,18 @@ void Foreman::interrupt(int signalNumber) {
     }
     removeUnfinishedFiles(lock); // last, as nothing can be opened after it
     m_signals.endBy(signalNumber);
+}
+
+/** What was in its place already, but not taken note of. */
+void Foreman::countLastReports(Post& post) {
+    std::vector<Report> reports;
+    if (post.isManned) {
+        post.channel.receive(reports);
+    }
+    for (const Report& report : reports) {
+        m_tally.done += report.kind == Report::Kind::Done ? 1 : 0;
+        m_tally.failed += report.kind == Report::Kind::Failed ? 1 : 0;
+    }
 }
 
 bool Foreman::isAnyManned() const {

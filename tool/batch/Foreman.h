@@ -49,6 +49,11 @@ private:
         bool isLate = false;
         std::optional<std::uint32_t> job;
         std::optional<Clock::time_point> deadline;
+
+        void endJob() {
+            job.reset();
+            deadline.reset();
+        }
     };
 
     void haveAllDone();
@@ -65,6 +70,7 @@ private:
     void tellFailed(const std::string& text);
     void endOnSignal();
     [[noreturn]] void interrupt(int signalNumber);
+    void countLastReports(Post& post);
 
     bool isAnyManned() const;
     const std::string& sourceOf(const Post& post) const;
