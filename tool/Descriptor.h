@@ -12,9 +12,8 @@ class Descriptor {
 public:
     /** @param descriptor -1 for none */
     explicit Descriptor(int descriptor = -1) : m_nDescriptor(descriptor) {}
-    Descriptor(Descriptor&& other) noexcept : m_nDescriptor(other.m_nDescriptor) {
-        other.m_nDescriptor = -1;
-    }
+    Descriptor(Descriptor&& other) noexcept
+        : m_nDescriptor(std::exchange(other.m_nDescriptor, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
         std::swap(m_nDescriptor, other.m_nDescriptor);
         return *this;

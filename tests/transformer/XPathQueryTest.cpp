@@ -292,6 +292,22 @@ TEST_P(XPathQueryTest, WhatIsNotRefusedFitsIntoASmallStack) {
     }
 }
 
+TEST_P(XPathQueryTest, ReadsNamesOfEveryKindInLongExpressions) {
+    const Holder holder = parsed("<a><Z_9-.or/><_/><\xC3\xA9 and='1'/></a>");
+    EXPECT_EQ(queried(*holder, "string(count(a/Z_9-.or" + repeated("|a/_", 300) +
+                                   repeated("|a/\xC3\xA9[@and]", 300) +
+                                   repeated(" | a/child::Z_9-.or", 5'000) + "))"),
+              "3");
+}
+
+TEST_P(XPathQueryTest, LeavesUnopenedBracketsToTheEngine) {
+    const Holder holder = parsed("<a/>");
+    std::string result;
+    EXPECT_EQ(query(*holder, "1)" + repeated("+1", 600), result), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("Extra illegal token"),
+              std::string::npos);
+}
+
 TEST_P(XPathQueryTest, TakesLongExpressionsThatAreNotDeep) {
     const Holder holder = parsed("<a i='1'/>");
     EXPECT_EQ(queried(*holder, "string(" + repeated("(", 900) + "1" + repeated(")", 900) + ")"),

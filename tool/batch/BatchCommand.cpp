@@ -1,6 +1,7 @@
 #include "BatchCommand.h"
 
 #include "BatchPlan.h"
+#include "FileLimit.h"
 #include "Foreman.h"
 #include "Worker.h"
 
@@ -164,7 +165,7 @@ Tally BatchRun::runInProcesses(const HeldSignals& signals) {
 
 Workers BatchRun::workers(std::unique_ptr<Worker> (*make)(const Batch&)) const {
     const std::size_t jobs = m_batch.options.jobs == 0 ? processors() : m_batch.options.jobs;
-    Workers workers(std::min(jobs, m_batch.jobs.size()));
+    Workers workers(workersWithFiles(std::min(jobs, m_batch.jobs.size())));
     std::generate(workers.begin(), workers.end(), [&] { return make(m_batch); });
     return workers;
 }

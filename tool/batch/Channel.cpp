@@ -62,16 +62,6 @@ ForemanChannel::~ForemanChannel() {
     hangUp();
 }
 
-std::pair<ForemanChannel, WorkerChannel> ForemanChannel::open() {
-    int sockets[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
-        throw std::system_error(errno, std::generic_category(), "a connection to a worker");
-    }
-    ForemanChannel foreman;
-    foreman.m_socket = Descriptor(sockets[0]);
-    return {std::move(foreman), WorkerChannel(Descriptor(sockets[1]))};
-}
-
 void ForemanChannel::handOver(std::uint32_t job) const {
     sendAll(m_socket.get(), reinterpret_cast<const char*>(&job), sizeof job);
 }
@@ -92,4 +82,12 @@ bool ForemanChannel::receive(std::vector<Report>& reports) {
         reports.push_back(std::move(*report));
     }
     return received > 0;
+}
+
+Connection openConnection() {
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
+        throw std::system_error(errno, std::generic_category(), "a connection to a worker");
+    }
+    return {ForemanChannel(Descriptor(sockets[0])), WorkerChannel(Descriptor(sockets[1]))};
 }

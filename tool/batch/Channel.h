@@ -46,12 +46,9 @@ class ForemanChannel {
 public:
     /** Hangs up: the worker ends when its job is done. */
     ~ForemanChannel();
-    ForemanChannel() = default;
+    explicit ForemanChannel(Descriptor socket = Descriptor()) : m_socket(std::move(socket)) {}
     ForemanChannel(ForemanChannel&&) = default;
     ForemanChannel& operator=(ForemanChannel&&) = default;
-
-    /** Makes both ends. @throws std::system_error */
-    static std::pair<ForemanChannel, WorkerChannel> open();
 
     /** To be polled for what can be received. */
     int descriptor() const { return m_socket.get(); }
@@ -71,3 +68,12 @@ private:
     Descriptor m_socket;
     std::string m_strReceived;
 };
+
+/** Both ends of a connection. */
+struct Connection {
+    ForemanChannel foremansEnd;
+    WorkerChannel workersEnd;
+};
+
+/** @throws std::system_error */
+Connection openConnection();

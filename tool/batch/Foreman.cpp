@@ -67,12 +67,12 @@ void Foreman::haveAllDone() {
 }
 
 void Foreman::man(Post& post) {
-    auto [foremansEnd, workersEnd] = ForemanChannel::open();
-    post.channel = std::move(foremansEnd);
+    Connection connection = openConnection();
+    post.channel = std::move(connection.foremansEnd);
     post.wasReady = false;
     post.isLate = false;
     try {
-        post.worker->start(std::move(workersEnd));
+        post.worker->start(std::move(connection.workersEnd));
         post.isManned = true;
     } catch (const Failure&) {
         if (!isAnyManned()) {

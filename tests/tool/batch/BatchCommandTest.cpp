@@ -170,6 +170,8 @@ TEST_F(BatchCommandTest, TakesNamesFromAList) {
     expectFailure(tool("batch ok.xsl --files-from lost -d out"), 1,
                   "lost: No such file or directory");
     expectFailure(tool("batch ok.xsl --files-from sources -d out"), 1, "sources: Is a directory");
+    expectFailure(tool("batch ok.xsl --files-from /proc/self/mem -d out"), 1,
+                  "/proc/self/mem: it cannot be read\n");
 }
 
 TEST_F(BatchCommandTest, RefusesTwoSourcesForOneResult) {
@@ -182,6 +184,15 @@ TEST_F(BatchCommandTest, RefusesTwoSourcesForOneResult) {
     expectFailure(tool("batch ok.xsl sources/s1.xml sources/s2.xml -d linked"), 2,
                   "sources/s2.xml: ", "as that of sources/s1.xml does");
     EXPECT_EQ(names("linked"), "s2.out\n");
+}
+
+TEST_F(BatchCommandTest, ALinkThatLeadsNowhereCostsItsSourceOnly) {
+    writeSources(2);
+    shell("mkdir out; ln -s s1.out out/s1.out");
+    EXPECT_EQ(tool("batch ok.xsl sources/* -d out").error,
+              "vexa-xslt: sources/s1.xml: out/s1.out: Too many levels of symbolic links\n"
+              "vexa-xslt: 1 of 2 sources done, 1 failed\n");
+    EXPECT_EQ(file("out/s2.out"), "<b>2</b>");
 }
 
 TEST_F(BatchCommandTest, RefusesToReplaceWhatItReads) {

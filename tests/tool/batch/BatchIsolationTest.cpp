@@ -2,6 +2,11 @@
 
 #include "support/MemoryChecker.h"
 #include "tool/Listener.h"
+#include "tool/OtherKernel.h"
+
+#include <cerrno>
+#include <linux/net.h>
+#include <sys/syscall.h>
 
 /** What a source does to the others: nothing. */
 class BatchIsolationTest : public BatchTest {
@@ -119,6 +124,15 @@ TEST_F(BatchIsolationTest, ASandboxKeepsEachWorkerToWhatIsNamed) {
     EXPECT_EQ(names("secrets"), "x.xml\n");
 }
 
+TEST_F(BatchIsolationTest, WorksNowhereOutsideOfASandbox) {
+    withAnsweredCall({SYS_landlock_create_ruleset}, -ENOSYS, [&] {
+        expectFailure(tool("batch ok.xsl sources/* -d out --sandbox"), 1,
+                      "--sandbox: this system's kernel offers no Landlock: "
+                      "Function not implemented\n");
+    });
+    EXPECT_EQ(names(), "\n");
+}
+
 TEST_F(BatchIsolationTest, ARefusedNetworkCostsItsSourceOnly) {
     const Listener server{{{"/e", "from afar"}}};
     m_folder.write("sources/s3.xml",
@@ -139,19 +153,26 @@ TEST_F(BatchIsolationTest, ManySourcesTakeNoMoreMemoryThanAFew) {
     if (isUnderAMemoryChecker()) {
         GTEST_SKIP() << "a memory checker needs all of the address space";
     }
-    std::string items;
-    for (int i = 0; i < 1000; ++i) {
-        items += "<i n='" + std::to_string(i) + "'>text</i>";
-    }
-    m_folder.write("large.xml", "<a>" + items + "</a>");
-    shell("mkdir many; for i in $(seq 600); do ln large.xml many/$i.xml; done");
-    // What a transformer keeps of all of them would be twice as much.
-    const Outcome outcome = shell("ulimit -v 250000; vexa-xslt batch ok.xsl many/* -d out -j 1");
-    EXPECT_EQ(outcome.error, "vexa-xslt: 600 of 600 sources done\n");
-    EXPECT_EQ(shell("ls out | wc -l").output, "600\n");
+    const auto expectEnoughMemory = [&](int count, int size) {
+        std::string items;
+        for (int i = 0; i < size; ++i) {
+            items += "<i n='" + std::to_string(i) + "'>text</i>";
+        }
+        m_folder.write("large.xml", "<a>" + items + "</a>");
+        const std::string all = std::to_string(count);
+        shell("rm -rf many out; mkdir many; for i in $(seq " + all +
+              "); do ln large.xml many/$i.xml; done");
+        // What a transformer keeps of all of them would be more.
+        const Outcome outcome =
+            shell("ulimit -v 250000; vexa-xslt batch ok.xsl many/* -d out -j 1");
+        EXPECT_EQ(outcome.error, "vexa-xslt: " + all + " of " + all + " sources done\n");
+        EXPECT_EQ(shell("ls out | wc -l").output, all + "\n");
+    };
+    expectEnoughMemory(600, 1'000);
+    expectEnoughMemory(19, 50'000);
 }
 
-/** No more processes or threads can be made. */
+/** No more processes or threads can be made, or no more files opened. */
 class BatchShortageTest : public BatchTest {
 protected:
     BatchShortageTest() {
@@ -181,6 +202,37 @@ TEST_F(BatchShortageTest, WorksWithAsManyWorkersAsThereCanBe) {
                                    "vexa-xslt batch ok.xsl sources/* -d out" + options);
         expectFailure(none, 1, "ok.xsl: no ", " can be made for it: Resource temporarily unavail");
     }
+}
+
+TEST_F(BatchShortageTest, WorksWithAsManyWorkersAsHaveTheirFiles) {
+    // Allowed outright; allowed if asked for.
+    for (const char* files : {"70:70", "70:4000"}) {
+        for (const char* options : {"", " --isolate"}) {
+            shell("rm -rf out");
+            const Outcome outcome =
+                shell(std::string("prlimit --nofile=") + files +
+                      " vexa-xslt batch ok.xsl sources/* -d out -j 30" + options);
+            EXPECT_EQ(outcome.error, "vexa-xslt: 30 of 30 sources done\n") << files << options;
+            EXPECT_EQ(rightResults(), 30);
+        }
+    }
+}
+
+TEST_F(BatchShortageTest, TellsWhatNoWorkerCanDoWithout) {
+#ifdef SYS_socketcall
+    const SystemCall pairOfSockets{SYS_socketcall, 0, ~0U, SYS_SOCKETPAIR};
+#else
+    const SystemCall pairOfSockets{SYS_socketpair};
+#endif
+    const auto expectRefused = [&](const SystemCall& call, const std::string& what) {
+        withAnsweredCall(call, -ENOMEM, [&] {
+            expectFailure(tool("batch ok.xsl sources/* -d out"), 1,
+                          what + ": Cannot allocate memory\n");
+        });
+    };
+    expectRefused(pairOfSockets, "a connection to a worker");
+    expectRefused({SYS_signalfd4}, "signals");
+    EXPECT_EQ(names(), "\n");
 }
 
 TEST_F(BatchShortageTest, TellsHowFarItCameWhereNoWorkerIsLeft) {

@@ -27,6 +27,18 @@ TEST_F(BatchProgressTest, ShowsHowFarItIsAndClearsUp) {
     EXPECT_EQ(std::regex_replace(text, line, "").find("\033[K["), std::string::npos);
 }
 
+TEST_F(BatchProgressTest, TellsLongTimesInHours) {
+    // One in about a second, while the next makes it wait.
+    shell("mkfifo first.xml second.xml; "
+          "(echo first.xml; echo second.xml; seq -f 'none%.0f.xml' 30000) >list");
+    const std::string text =
+        onTerminal("ok.xsl --files-from list -d out -j 1 & (sleep 0.3; echo '<a/>') >first.xml; "
+                   "sleep 1.5; kill -TERM $!; wait");
+    EXPECT_TRUE(std::regex_search(
+        text, std::regex(" 1 of 30002, [0-9.]+/s, [0-9]+:[0-5][0-9]:[0-5][0-9] left")))
+        << text;
+}
+
 TEST_F(BatchProgressTest, ShowsNothingWhereNobodyWouldSeeIt) {
     writeSources(20);
     EXPECT_EQ(tool("batch ok.xsl sources/* -d out").error, "vexa-xslt: 20 of 20 sources done\n");

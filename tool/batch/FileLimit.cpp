@@ -1,0 +1,25 @@
+#include "FileLimit.h"
+
+#include <algorithm>
+#include <sys/resource.h>
+
+namespace {
+
+/** The standard streams, what is polled, and what libraries open for a moment. */
+constexpr rlim_t FILES_OF_ALL = 16;
+/** Both ends of the connection, stylesheet and source with what they include, and the result. */
+constexpr rlim_t FILES_OF_WORKER = 16;
+
+} // namespace
+
+std::size_t workersWithFiles(std::size_t wanted) {
+    const rlim_t needed = FILES_OF_ALL + wanted * FILES_OF_WORKER;
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    if (files.rlim_cur < needed) {
+        files.rlim_cur = std::min(needed, files.rlim_max);
+        setrlimit(RLIMIT_NOFILE, &files);
+    }
+    const rlim_t allowed = std::clamp(files.rlim_cur, FILES_OF_ALL + FILES_OF_WORKER, needed);
+    return static_cast<std::size_t>((allowed - FILES_OF_ALL) / FILES_OF_WORKER);
+}
