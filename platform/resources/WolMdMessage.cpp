@@ -12,14 +12,21 @@ namespace {
 
 constexpr const char* PACKAGE = "VEXA_Resources";
 
-/** Tells ICU, once in a process, where the catalogue is. */
+void throwAtLackOfMemory(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) {
+        throw std::bad_alloc();
+    }
+}
+
+/** Tells ICU, once in a process, where the catalogue is; where memory lacks, the next call does. */
 void registerCatalogue() {
-    static const UErrorCode status = [] {
-        UErrorCode result = U_ZERO_ERROR;
-        udata_setAppData(PACKAGE, VEXA_Resources_dat, &result);
-        return result;
+    static const UErrorCode registered = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        udata_setAppData(PACKAGE, VEXA_Resources_dat, &status);
+        throwAtLackOfMemory(status);
+        return status;
     }();
-    static_cast<void>(status);
+    static_cast<void>(registered);
 }
 
 } // namespace
@@ -37,9 +44,7 @@ bool WolMdMessage::findText(const char* locale, I18NString& out) const {
     const icu::LocalUResourceBundlePointer bundle(ures_openDirect(PACKAGE, locale, &status));
     int32_t length = 0;
     const UChar* const text = ures_getStringByKey(bundle.getAlias(), key, &length, &status);
-    if (status == U_MEMORY_ALLOCATION_ERROR) {
-        throw std::bad_alloc();
-    }
+    throwAtLackOfMemory(status);
     if (U_FAILURE(status)) {
         return false;
     }

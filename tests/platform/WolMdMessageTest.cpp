@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
 #include <string>
 #include <thread>
+#include <unicode/uclean.h>
 #include <vector>
 
 namespace {
@@ -52,6 +55,50 @@ TEST(WolMdMessage, IsToldInTheFallbackLanguageWhereALanguageIsUnknown) {
     EXPECT_EQ(text(TOTAL, "xx", "de_AT"), "Summe");
     EXPECT_EQ(text(TOTAL, "xx", "yy"), "");
     EXPECT_EQ(text(TOTAL, nullptr, nullptr), "");
+}
+
+namespace {
+
+/** How many allocations of ICU succeed before one fails; -1: all. */
+int g_left = -1;
+
+bool isRefused() {
+    return g_left >= 0 && g_left-- == 0;
+}
+
+void useRefusingMemory() {
+    UErrorCode status = U_ZERO_ERROR;
+    u_setMemoryFunctions(
+        nullptr, [](const void*, std::size_t size) { return isRefused() ? nullptr : malloc(size); },
+        [](const void*, void* block, std::size_t size) {
+            return isRefused() ? nullptr : realloc(block, size);
+        },
+        [](const void*, void* block) { free(block); }, &status);
+}
+
+/** Whether a message is told, or the lack of memory is. */
+bool isHonest() {
+    try {
+        return text(TOTAL, "de") == "Summe";
+    } catch (const std::bad_alloc&) {
+        return true;
+    }
+}
+
+} // namespace
+
+TEST(WolMdMessage, IsNeverTakenForUnknownWhereMemoryLacks) {
+    ::testing::FLAGS_gtest_death_test_style = "fast";
+    for (int left = 0; left < 20; ++left) {
+        const auto formatTwice = [left] {
+            useRefusingMemory();
+            g_left = left;
+            const bool isFirstHonest = isHonest();
+            g_left = -1;
+            std::_Exit(isFirstHonest && isHonest() ? 0 : 1);
+        };
+        EXPECT_EXIT(formatTwice(), ::testing::ExitedWithCode(0), "") << left;
+    }
 }
 
 TEST(WolMdMessage, MayBeToldInManyThreadsAtOnce) {
