@@ -69,12 +69,16 @@ bool Dom2Dom::InitializeOutputTarget() {
     }
     m_bOutputInitialized = true;
     m_strLastError = I18NString();
-    m_pDocumentBuilder.reset(m_pTransformer->createDocumentBuilder(XalanDOMString()));
-    m_pDocument = m_pDocumentBuilder->getDocument();
-    m_pFormatter = std::make_unique<DocumentFormatter>(
+    // All or nothing: what is made before memory runs out goes again.
+    decltype(m_pDocumentBuilder) builder(m_pTransformer->createDocumentBuilder(XalanDOMString()),
+                                         m_pDocumentBuilder.get_deleter());
+    auto formatter = std::make_unique<DocumentFormatter>(
         xalanc::XalanMemMgrs::getDefaultXercesMemMgr(),
-        static_cast<xalanc::XalanSourceTreeDocument*>(m_pDocument));
-    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(*m_pFormatter);
+        static_cast<xalanc::XalanSourceTreeDocument*>(builder->getDocument()));
+    m_pResultTarget = std::make_unique<xalanc::XSLTResultTarget>(*formatter);
+    m_pFormatter = std::move(formatter);
+    m_pDocumentBuilder = std::move(builder);
+    m_pDocument = m_pDocumentBuilder->getDocument();
     return true;
 }
 

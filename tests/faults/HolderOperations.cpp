@@ -62,6 +62,9 @@ public:
     /** A holder with the role, but without all that it needs, is spent; the next one serves. */
     bool servesOn() override {
         if (!m_taken) {
+            if (m_holder->GetDocument()) {
+                return false;
+            }
             m_holder = m_transformer.createDom2Dom();
         }
         return RoleTrial::servesOn();
