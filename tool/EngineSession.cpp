@@ -14,6 +14,7 @@
 #include <new>
 
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 
 namespace {
@@ -24,6 +25,12 @@ void tellCause(const Limits& limits, const std::string& sourceName) {
     if (hasLackedMemory()) {
         throw Failure(sourceName, lackOfMemory(limits));
     }
+}
+
+[[noreturn]] void tellEngineReason(const Limits& limits, const std::string& sourceName,
+                                   const std::string& type, const XMLCh* message) {
+    tellCause(limits, sourceName);
+    throw Failure(sourceName, type + I18NString(message, -1, nullptr, nullptr).c_str());
 }
 
 } // namespace
@@ -45,8 +52,9 @@ void tellEngineExceptions(const Limits& limits, const std::string& sourceName,
     } catch (const xercesc::OutOfMemoryException&) {
         throw Failure(sourceName, lackOfMemory(limits));
     } catch (const xercesc::DOMException& exception) { // an odd version in the XML declaration
-        tellCause(limits, sourceName);
-        throw Failure(sourceName, I18NString(exception.getMessage(), -1, nullptr, nullptr).c_str());
+        tellEngineReason(limits, sourceName, "", exception.getMessage());
+    } catch (const xercesc::SAXException& exception) { // a character that XML cannot hold
+        tellEngineReason(limits, sourceName, "SAXException: ", exception.getMessage());
     } catch (const std::exception&) {
         tellCause(limits, sourceName);
         throw;

@@ -65,6 +65,11 @@ TEST_F(XPathCommandTest, TellsOfFailuresInOneLine) {
     expectFailure(tool("xpath '1' <bad.xml"), 1, "standard input: SAXParseException: ");
     expectFailure(tool("xpath '1' none.xml"), 1, "none.xml: No such file or directory");
     expectFailure(tool("xpath"), 2, "", "EXPRESSION");
+    m_folder.write("control.xml", "<?xml version='1.1'?><a b='&#2;'>&#1;x</a>");
+    for (const char* expression : {"//a", "//@b | //a"}) { // one node, several
+        expectFailure(tool("xpath '" + std::string(expression) + "' control.xml"), 1,
+                      "control.xml: SAXException: '", "' is an invalid Unicode scalar value.\n");
+    }
     expectFailure(tool("xpath '//*' ok.xml >/dev/full"), 1, "standard output: ");
     expectFailure(tool("xpath \"$(printf '(%.0s' $(seq 30000))\" ok.xml"), 1,
                   "ok.xml: ", "nested too deeply");
