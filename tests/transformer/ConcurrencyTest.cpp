@@ -16,7 +16,7 @@ void work(const std::string& name, const std::string& sheet) {
     const TemporaryFolder folder;
     const std::string source = folder.write("a.xml", "<a>" + name + "</a>");
     const std::string output = folder.path("out");
-    const std::string expected = "<b>" + name + ":[" + name + "]</b>";
+    const std::string expected = "<b>" + name + ":[" + name + "] Summe 12</b>";
     VEXAXslTransformer transformer;
     transformer.setStylesheetParam("p", name.c_str());
     transformer.installExternalFunction("B", BracketFunction());
@@ -41,7 +41,9 @@ TEST_F(ConcurrencyTest, TwoThreadsWithATransformerEachDoNotDisturbOneAnother) {
     const std::string sheet = folder.write(
         "b.xsl", stylesheet("<xsl:output omit-xml-declaration='yes'/><xsl:param name='p'/>"
                             "<xsl:template match='/'><b><xsl:value-of select='$p'/>:"
-                            "<xsl:value-of select='vexa:B(a)'/></b></xsl:template>"));
+                            "<xsl:value-of select='vexa:B(a)'/><xsl:value-of select='concat("
+                            "\" \", vexa:GetLocalizedString(4, \"de\"), \" \", "
+                            "string-length(vexa:GetDateTime()))'/></b></xsl:template>"));
     std::vector<std::thread> threads;
     for (const char* name : {"one", "two"}) {
         threads.emplace_back(work, name, sheet);
