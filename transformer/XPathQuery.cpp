@@ -22,11 +22,17 @@ using xalanc::XalanDOMString;
 
 namespace {
 
+[[noreturn]] void refuse(const char* reason) {
+    throw xalanc::XalanXPathException(XalanDOMString(reason), engineMemory());
+}
+
 /** The engine crashes over many expressions where there is no document, or none with an element. */
 void refuseWithoutDocumentElement(const xalanc::XalanDocument* document) {
-    if (!document || !document->getDocumentElement()) {
-        throw xalanc::XalanXPathException(XalanDOMString("The holder has no document to query."),
-                                          engineMemory());
+    if (!document) {
+        refuse("The holder has no document to query.");
+    }
+    if (!document->getDocumentElement()) {
+        refuse("The document to query has no document element.");
     }
 }
 
@@ -48,6 +54,7 @@ void print(const xalanc::XObject& result, std::ostream& out) {
 
 void query(xalanc::XalanDocument* document, const I18NString& expression, std::ostream& out) {
     refuseWithoutDocumentElement(document);
+    // It evaluates nothing itself, but the evaluator reads the document through its supports.
     PrivateEngine engine(nullptr);
     engine.domSupport.setParserLiaison(&engine.parserLiaison);
     xalanc::XPathEvaluator evaluator;

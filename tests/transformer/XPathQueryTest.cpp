@@ -23,7 +23,8 @@ TEST_P(XPathQueryTest, WritesASingleNodeAsXmlWithoutADeclaration) {
     EXPECT_EQ(queried(*holder, "/r/comment()"), "<!--c-->");
     EXPECT_EQ(queried(*holder, "/r/processing-instruction()"), "<?p d?>");
     EXPECT_EQ(queried(*holder, "/r/text()"), "text");
-    EXPECT_EQ(queried(*parsed("<r/>"), "/").find("<?xml"), std::string::npos);
+    // The engine's own tree declares the prefix xml there.
+    EXPECT_EQ(queried(*parsed("<r/>"), "/").rfind("<r", 0), 0U);
 }
 
 TEST_P(XPathQueryTest, WritesWhatAParserWouldChangeAsReferences) {
@@ -36,6 +37,13 @@ TEST_P(XPathQueryTest, WritesNothingForNoneOrSeveralNodes) {
     EXPECT_EQ(queried(*holder, "/a/item"), "");
     EXPECT_EQ(queried(*holder, "/a/none"), "");
     EXPECT_EQ(queried(*holder, "/a/item[2]"), "<item/>");
+}
+
+TEST_P(XPathQueryTest, WritesNothingForAnAttributeOrANamespaceNode) {
+    const Holder holder = parsed("<a i='1' xmlns:p='urn:p'/>");
+    EXPECT_EQ(queried(*holder, "/a/@i"), "");
+    EXPECT_EQ(queried(*holder, "/a/namespace::p"), "");
+    EXPECT_EQ(queried(*holder, "string(/a/@i)"), "1");
 }
 
 TEST_P(XPathQueryTest, WritesNothingForANumberOrABoolean) {
@@ -145,18 +153,19 @@ TEST_P(XPathQueryTest, ReportsACharacterThatXmlDoesNotHave) {
 
 TEST_P(XPathQueryTest, NoHolderInAnyStateMakesItCrash) {
     std::ostringstream stream;
-    std::vector<Holder> holders;
-    holders.push_back(m_transformer.createDom2Dom()); // never initialised
-    holders.push_back(output());                      // no result yet
-    holders.push_back(output(stream));                // no document
-    for (const Holder& holder : holders) {
+    std::vector<std::pair<Holder, std::string>> holders;
+    const std::string noDocument = "The holder has no document to query.";
+    holders.emplace_back(m_transformer.createDom2Dom(), noDocument); // never initialised
+    holders.emplace_back(output(stream), noDocument);
+    holders.emplace_back(output(), // no result yet
+                         "The document to query has no document element.");
+    for (const auto& [holder, reason] : holders) {
         for (const char* expression : {"/", "//a", "count(/)", "/a", "string(/)", "1", "a", "."}) {
             std::string result;
             EXPECT_EQ(query(*holder, expression, result), -1) << expression;
-            EXPECT_STREQ(
-                m_transformer.getLastError(),
-                "\nXSLException Type is: XalanXPathException\nMessage is: The holder has no "
-                "document to query. (Unknown URI, line -1, column -1)\n");
+            EXPECT_EQ(m_transformer.getLastError(),
+                      "\nXSLException Type is: XalanXPathException\nMessage is: " + reason +
+                          " (Unknown URI, line -1, column -1)\n");
         }
     }
 }
