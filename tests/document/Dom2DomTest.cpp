@@ -1,5 +1,6 @@
 #include "support/InMemoryTest.h"
 
+#include <filesystem>
 #include <fstream>
 
 using Dom2DomTest = InMemoryTest;
@@ -92,13 +93,16 @@ TEST_P(Dom2DomTest, RefusesTextsThatAreNoDocuments) {
 }
 
 TEST_P(Dom2DomTest, FindsADtdAgainstTheSystemId) {
-    m_folder.write("d.dtd", "<!ENTITY e 'entity'>");
-    const std::string text = "<!DOCTYPE a SYSTEM 'd.dtd'><a>&e;</a>";
-    const Holder holder = m_transformer.createDom2Dom();
-    std::istringstream stream(text);
-    EXPECT_TRUE(holder->InitializeInputSource(stream, m_folder.path("source.xml").c_str()))
-        << holder->getLastError();
-    EXPECT_EQ(queried(*holder, "string(/a)"), "entity");
+    for (const std::string folder : {"plain", "\xCE\xAC \xCE\xB2"}) {
+        std::filesystem::create_directory(m_folder.path(folder));
+        m_folder.write(folder + "/d.dtd", "<!ENTITY e 'entity'>");
+        const Holder holder = m_transformer.createDom2Dom();
+        std::istringstream stream("<!DOCTYPE a SYSTEM 'd.dtd'><a>&e;</a>");
+        const std::string systemId = m_folder.path(folder + "/source.xml");
+        EXPECT_TRUE(holder->InitializeInputSource(stream, systemId.c_str()))
+            << holder->getLastError();
+        EXPECT_EQ(queried(*holder, "string(/a)"), "entity");
+    }
 }
 
 TEST_P(Dom2DomTest, NamesTheSystemIdInItsReasons) {

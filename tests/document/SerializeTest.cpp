@@ -55,6 +55,23 @@ TEST_P(SerializeTest, WritesOnlyTheDeclarationForAnOutputWithoutAResult) {
     EXPECT_EQ(serialized(*output()), asSerialized(""));
 }
 
+TEST_P(SerializeTest, FlushesTheStream) {
+    class Flushes : public std::stringbuf {
+    public:
+        int count = 0;
+
+    private:
+        int sync() override {
+            ++count;
+            return 0;
+        }
+    };
+    Flushes buffer;
+    std::ostream stream(&buffer);
+    EXPECT_EQ(parsed("<a/>")->Serialize(stream), 0);
+    EXPECT_EQ(buffer.count, 1);
+}
+
 TEST_P(SerializeTest, ClearsTheStreamsErrorStateFirst) {
     const Holder in = parsed("<a/>");
     const Holder out = output();

@@ -136,6 +136,10 @@ TEST_F(LocalizedStringTest, AssertsThatItsFirstArgumentIsThere) {
     }
 }
 
+TEST_F(LocalizedStringTest, TakesALanguageThatIsNoObjectForNone) {
+    EXPECT_EQ(callWithNull(FunctionGetLocalizedString(), {"4"}), "Total");
+}
+
 TEST_F(LocalizedStringTest, HasAnErrorTextThatDisagreesWithItsMessage) {
     const std::unique_ptr<TqXsltFunction> clone(FunctionGetLocalizedString().clone());
     EXPECT_EQ(typeid(*clone), typeid(FunctionGetLocalizedString));

@@ -19,18 +19,24 @@ void LenientExecutionContext::problem(eSource source, eClassification classifica
 
 std::string FunctionTest::callLeniently(const TqXsltFunction& function,
                                         const std::vector<std::string>& args) {
-    xalanc::Function::XObjectArgVectorType values(xalanc::XalanMemMgrs::getDefaultXercesMemMgr());
+    const Arguments values = arguments(args);
+    return narrow(function.execute(m_context, m_pContextNode, values, &m_locator)->str(m_context));
+}
+
+std::string FunctionTest::callWithNull(const TqXsltFunction& function,
+                                       const std::vector<std::string>& args) {
+    Arguments values = arguments(args);
+    values.push_back(xalanc::XObjectPtr());
+    return narrow(function.execute(m_context, nullptr, values, nullptr)->str(m_context));
+}
+
+FunctionTest::Arguments FunctionTest::arguments(const std::vector<std::string>& args) {
+    Arguments values(xalanc::XalanMemMgrs::getDefaultXercesMemMgr());
     for (const std::string& arg : args) {
         values.push_back(
             m_objectFactory.createString(TqXsltFunction::I18NStringToXalanDOMString(arg.c_str())));
     }
-    return narrow(function.execute(m_context, m_pContextNode, values, &m_locator)->str(m_context));
-}
-
-void FunctionTest::callWithNull(const TqXsltFunction& function) {
-    xalanc::Function::XObjectArgVectorType values(xalanc::XalanMemMgrs::getDefaultXercesMemMgr());
-    values.push_back(xalanc::XObjectPtr());
-    function.execute(m_context, nullptr, values, nullptr);
+    return values;
 }
 
 std::string FunctionTest::evaluate(const std::string& expression) {

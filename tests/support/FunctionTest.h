@@ -36,8 +36,9 @@ protected:
     /** Calls `execute` with string arguments, in a context that goes on after an error. */
     std::string callLeniently(const TqXsltFunction& function, const std::vector<std::string>& args);
 
-    /** Calls `execute` with one argument that is no object. */
-    void callWithNull(const TqXsltFunction& function);
+    /** Calls `execute` with string arguments and, behind them, one that is no object. */
+    std::string callWithNull(const TqXsltFunction& function,
+                             const std::vector<std::string>& args = {});
 
     /** The value of an XPath expression, by the file road; checks that it is the same in memory. */
     std::string evaluate(const std::string& expression);
@@ -51,6 +52,10 @@ protected:
     const xalanc::XalanNode* contextNode() const { return m_pContextNode; }
 
 private:
+    using Arguments = xalanc::Function::XObjectArgVectorType;
+
+    Arguments arguments(const std::vector<std::string>& args);
+
     /** A place of a call, which functions do not pass on. */
     class CallLocator : public xercesc::Locator {
         const XMLCh* getPublicId() const override { return nullptr; }

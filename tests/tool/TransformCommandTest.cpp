@@ -118,6 +118,10 @@ TEST_F(TransformCommandTest, TakesNamesLiterally) {
             EXPECT_EQ(outcome.output, "<b>x</b>") << name << ": " << outcome.error;
             EXPECT_EQ(outcome.error, "") << name;
         }
+        const auto chained = tool("chain ./" + quoted + ".xml ./" + quoted + ".xsl");
+        EXPECT_EQ(chained.output, "<b>x</b>") << name << ": " << chained.error;
+        const auto queried = tool("xpath 'string(/a)' ./" + quoted + ".xml");
+        EXPECT_EQ(queried.output, "x\n") << name << ": " << queried.error;
     }
 }
 

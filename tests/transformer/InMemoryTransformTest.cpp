@@ -71,6 +71,16 @@ TEST_P(InMemoryTransformTest, PassesParameters) {
     EXPECT_EQ(transformed(*in, file), "first last");
 }
 
+TEST_P(InMemoryTransformTest, PassesParametersInTheOrderOfTheirNames) {
+    // The engine complains of the first one that it is given.
+    m_transformer.setStylesheetParam("1z", "set first");
+    m_transformer.setStylesheetParam("1a", "set second");
+    const Holder in = parsed("<a/>"), out = output();
+    EXPECT_EQ(transform(*in, sheet("<b/>"), *out), -1);
+    EXPECT_NE(std::string(m_transformer.getLastError()).find("'1a'"), std::string::npos)
+        << m_transformer.getLastError();
+}
+
 TEST_P(InMemoryTransformTest, PassesNamesAndValuesInAnyScript) {
     m_transformer.setStylesheetParam("gr\xC3\xB6\xC3\x9F", "\xCE\xB1 \xF0\x9F\x98\x80");
     m_transformer.installExternalFunction("\xC3\x84", BracketFunction());

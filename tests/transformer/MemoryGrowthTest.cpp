@@ -36,6 +36,14 @@ protected:
     TemporaryFolder m_folder;
 };
 
+std::string manyElements() {
+    std::string text;
+    for (int i = 0; i < 5'000; ++i) {
+        text += "<i/>";
+    }
+    return text;
+}
+
 /** A transform, a query, a serialisation, and each of them failing. */
 void runOnce(VEXAXslTransformer& transformer, const std::string& good, const std::string& bad) {
     auto in = transformer.createDom2Dom();
@@ -56,6 +64,30 @@ void runOnce(VEXAXslTransformer& transformer, const std::string& good, const std
 }
 
 } // namespace
+
+TEST_F(MemoryGrowthTest, SourcesOfFilesAndStreamsAreKeptAsLongAsTheTransformer) {
+    const std::string sheet = m_folder.write("sheet.xsl", stylesheetWithRootTemplate("<b/>"));
+    const std::string source = m_folder.write("source.xml", "<a>" + manyElements() + "</a>");
+    const auto transformFile = [&](VEXAXslTransformer& transformer) {
+        return transformer.doTransform(source.c_str(), sheet.c_str(), m_folder.path("out").c_str());
+    };
+    const auto transformStream = [&](VEXAXslTransformer& transformer) {
+        std::istringstream in("<a>" + manyElements() + "</a>");
+        std::ostringstream out;
+        return transformer.doTransform(in, sheet.c_str(), out);
+    };
+    const auto expectGrowth = [&](const auto& transform) {
+        VEXAXslTransformer transformer;
+        EXPECT_EQ(transform(transformer), 0);
+        const std::size_t blocks = m_memory.blocks();
+        EXPECT_EQ(transform(transformer), 0);
+        EXPECT_GT(m_memory.blocks(), blocks + 100); // of some thirty elements each
+    };
+    const std::size_t before = m_memory.blocks();
+    expectGrowth(transformFile);
+    expectGrowth(transformStream);
+    EXPECT_EQ(m_memory.blocks(), before);
+}
 
 TEST_F(MemoryGrowthTest, ThousandsOfOperationsInMemoryLeaveNothingBehind) {
     const std::string good = m_folder.write(

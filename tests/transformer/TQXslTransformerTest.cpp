@@ -146,7 +146,8 @@ TEST(TQXslTransformer, AStartThatThrowsDoesNotCountAndIsTriedAgain) {
     EXPECT_THROW(start(), xercesc::OutOfMemoryException);
     memory.refuseNoMore();
 
-    EXPECT_EQ(start(), 0);
+    // On another thread: the lock of the failed start is free again.
+    std::thread([] { EXPECT_EQ(start(), 0); }).join();
     EXPECT_TRUE(xalanIsRunning());
     useOnce();
     EXPECT_EQ(stop(), 0);
