@@ -10,6 +10,7 @@
 #include <xalanc/XalanDOM/XalanElement.hpp>
 
 int Dom2Dom::Serialize(std::ostream& os) {
+    // m_strLastError stays as it was after a success: only a failure writes it.
     try {
         os.clear();
         // A stream output has the role, but no document.

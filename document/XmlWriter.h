@@ -15,6 +15,7 @@ enum class XmlDeclaration { Written, LeftOut };
  * indentation.
  *
  * @param node null: only the declaration
- * @throws the engine's XSLException where the stream does not take the text
+ * @throws the engine's XSLException where the stream does not take the text, and a
+ *         xercesc::SAXException for a character that XML cannot hold
  */
 void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration);

@@ -12,8 +12,8 @@
 
 /**
  * Puts a function of a known size, without state, straight into the engine's memory. The engine
- * copies each function twice for each transform, and the adapter around a host's function doubles
- * what such a copy takes.
+ * copies each function once or twice for each transform, and the adapter around a host's function
+ * doubles what such a copy takes.
  */
 template <typename Concrete>
 class BuiltInFunction : public TqXsltFunction {

@@ -1,6 +1,6 @@
 /**
  * @file
- * What the engine is given when it clones one of the library's functions.
+ * What the engine is given when it clones a function of a host's.
  */
 #pragma once
 

@@ -11,6 +11,7 @@ using xalanc::XPathExecutionContext;
 
 void FunctionCall::expectArguments(std::size_t count, const char* arityMessage) const {
     if (m_args.size() != count) {
+        // Without the call's own place, which reports have never had.
         m_executionContext.problem(XPathExecutionContext::eXPATH, XPathExecutionContext::eError,
                                    xalanc::XalanDOMString(arityMessage),
                                    static_cast<const xalanc::Locator*>(nullptr), m_pContextNode);
@@ -25,6 +26,7 @@ void FunctionCall::assertFirstArgument(const AssertionPlace& place) const {
 }
 
 I18NString FunctionCall::argument(std::size_t index) const {
+    // Only the first argument is asserted; any other that is missing is an empty text.
     if (index >= m_args.size() || m_args[index].null()) {
         return I18NString();
     }

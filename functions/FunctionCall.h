@@ -10,7 +10,10 @@
 
 #include <cstdint>
 
-/** Where a function asserts that its first argument is there. */
+/**
+ * Where a function asserts that its first argument is there. The lines are part of the texts that
+ * hosts compare, and so do not follow the files.
+ */
 struct AssertionPlace {
     const char* sourceUnit;
     int line;

@@ -37,6 +37,7 @@ int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NStri
                                                        source, m_bUseXercesDOM)) {
         return result;
     }
+    // The source stays the engine transformer's, until that is destroyed: hosts count on it.
     XSLTResultTarget target;
     target.setFileName(XalanDOMString(toSystemId(outputFile)));
     return transformParsedSource(*source, stylesheetFile, target);

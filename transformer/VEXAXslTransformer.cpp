@@ -30,6 +30,7 @@ void VEXAXslTransformer::installExternalFunction(const I18NString& name,
 void VEXAXslTransformer::setStylesheetParam(const I18NString& name, const I18NString& value) {
     const I18NString quoted = "'" + value + "'";
     try {
+        // At once, and with all others before each transform: each of the two is promised to hosts.
         m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
         m_mapParams.insert_or_assign(name, quoted);
     } catch (...) {

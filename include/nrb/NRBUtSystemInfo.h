@@ -19,7 +19,8 @@ public:
      * one that the C library knows: after a change of the variable TZ, call tzset.
      *
      * @param kind which time stamp; 0 is the only kind there is, others are treated as 0
-     * @return the digits
+     * @return the digits, in ASCII
+     * @throws std::bad_alloc
      */
     static std::string getTimeStamp(int kind);
 };

@@ -115,6 +115,8 @@ public:
      *           text
      * @return 0; -1 if the engine reported an XSLException, with the reason in getLastError(): then
      *         the line feed and the NUL are missing. A success leaves an earlier reason in place
+     * @throws xercesc::SAXException for a character that XML cannot hold (U+0001, from a function,
+     *         say); whatever the stream throws
      */
     int Serialize(std::ostream& os);
 
@@ -130,14 +132,13 @@ public:
      * parse, or of its last transform of a file or a stream. Read the reason of a failed parse
      * before the next one.
      *
-     * Empty if there is none; never null. The pointer lives until the next operation of the holder
-     * or its transformer: copy the text.
+     * Empty if there is none; never null. The pointer lives until the next operation of the holder,
+     * its transformer, or another of its holders: copy the text.
      */
     const char* getLastError() const;
 
 private:
     friend class VEXAXslTransformer;
-    friend struct Dom2DomInspector; // for tests
 
     /** Gives objects of the engine back to the engine transformer that made them. */
     struct VEXA_LOCAL EngineRelease {

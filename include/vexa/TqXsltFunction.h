@@ -88,10 +88,15 @@ public:
      */
     Function* clone(xercesc::MemoryManager& memoryManager) const override;
 
-    /** The text as an engine string. Needs a started library. It ends at the first NUL. */
+    /**
+     * The text as an engine string. Needs a started library. It ends at the first NUL. Any number
+     * of threads may convert at once, this way and back.
+     *
+     * @throws std::bad_alloc, or what the engine's memory manager throws
+     */
     static xalanc::XalanDOMString I18NStringToXalanDOMString(const I18NString& text);
 
-    /** An engine string as a text. It ends at the first NUL. */
+    /** An engine string as a text. It ends at the first NUL. @throws std::bad_alloc */
     static I18NString XalanDOMStringToI18NString(const xalanc::XalanDOMString& text);
 
 protected:

@@ -37,7 +37,8 @@ class XSLTResultTarget;
  * freed.
  *
  * Threads: one transformer is used by one thread at a time. Transformers in different threads work
- * side by side. Create them after TQXslTransformer_Initialize(), and destroy them before the
+ * side by side, unless their stylesheets use timers, which all transformers share without a lock.
+ * Create them after TQXslTransformer_Initialize(), and destroy them before the
  * matching TQXslTransformer_Terminate().
  *
  * Failures: an operation tells of a failure by a non-zero result, and getLastError() then gives the
@@ -78,11 +79,14 @@ public:
     /**
      * Sets a top-level parameter for the stylesheets of all later transforms.
      *
-     * @param name  the parameter's name
+     * @param name  the parameter's name, a QName: "p", or "x:p" with a prefix that each stylesheet
+     *              declares. Nothing takes a parameter back: after any other name all transforms of
+     *              this transformer fail with -1
      * @param value its value, which the stylesheet sees as a string. It must not hold an
      * apostrophe: it is passed on between apostrophes, and nothing is escaped. The engine refuses
      *              or misreads such a value at the next transforms. If memory runs out, all
-     *              parameters stay as they were
+     *              parameters stay as they were, unless the engine's own table breaks (see
+     *              docs/engine-faults.md)
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
 
@@ -123,8 +127,8 @@ public:
     /**
      * Transforms a stream into a stream.
      *
-     * An earlier error text of an in-memory transform or a query stays in place, and getLastError()
-     * goes on to give it: the other transforms clear it.
+     * An earlier error text of an in-memory transform, a query or an empty source name stays in
+     * place, and getLastError() goes on to give it: the other transforms clear it.
      *
      * @param source         the document, read to its end. It has no base: relative references in
      *                       it are resolved against the working directory
@@ -173,9 +177,10 @@ public:
      *                   are those that the document declares
      * @param expression the expression. One that would overflow a stack of 1 MiB (some 1,000 nested
      *                   brackets, 3,000 steps, or 4,000 operators in a row) is refused with -1
-     * @param out        receives the text
+     * @param out        receives the text. Its state tells whether it took a string; a node that
+     *                   it does not take is reported with -1
      * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without
-     * a document
+     *         a document, or with one that has no document element
      */
     int doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out);
 
