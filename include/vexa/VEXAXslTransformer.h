@@ -83,9 +83,9 @@ public:
      *              declares. Nothing takes a parameter back: after any other name all transforms of
      *              this transformer fail with -1
      * @param value its value, which the stylesheet sees as a string. It must not hold an
-     * apostrophe: it is passed on between apostrophes, and nothing is escaped. The engine refuses
-     *              or misreads such a value at the next transforms. If memory runs out, all
-     *              parameters stay as they were, unless the engine's own table breaks (see
+     *              apostrophe: it is passed on between apostrophes, and nothing is escaped. The
+     *              engine refuses or misreads such a value at the next transforms. If memory runs
+     *              out, all parameters stay as they were, unless the engine's own table breaks (see
      *              docs/engine-faults.md)
      */
     void setStylesheetParam(const I18NString& name, const I18NString& value);
