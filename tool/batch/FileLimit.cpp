@@ -20,6 +20,7 @@ std::size_t workersWithFiles(std::size_t wanted) {
         files.rlim_cur = std::min(needed, files.rlim_max);
         setrlimit(RLIMIT_NOFILE, &files);
     }
-    const rlim_t allowed = std::clamp(files.rlim_cur, FILES_OF_ALL + FILES_OF_WORKER, needed);
-    return static_cast<std::size_t>((allowed - FILES_OF_ALL) / FILES_OF_WORKER);
+    const rlim_t left = files.rlim_cur - std::min(files.rlim_cur, FILES_OF_ALL);
+    const rlim_t fitting = std::max<rlim_t>(left / FILES_OF_WORKER, 1);
+    return static_cast<std::size_t>(std::min<rlim_t>(wanted, fitting));
 }
