@@ -5,8 +5,8 @@
 #include "FailedFile.h"
 #include "Failure.h"
 #include "HolderInput.h"
-#include "document/DocumentPrefixes.h"
-#include "document/XmlWriter.h"
+#include "engine/DocumentPrefixes.h"
+#include "engine/XmlWriter.h"
 
 #include <vexa/TqXsltFunction.h>
 #include <vexa/VEXAXslTransformer.h>

@@ -7,6 +7,8 @@
 #include <nrb/NRBExport.h>
 
 #include <atomic>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -116,6 +118,20 @@ public:
      * pointer lives as long as one from c_str. Never null.
      */
     const void* getExternalBuffer() const noexcept { return m_strText.c_str(); }
+
+    /**
+     * The length up to the first NUL if all characters before it are ASCII, else nothing. Such a
+     * text is the same in UTF-16, in UTF-8 and in most other encodings: callers can do without a
+     * conversion.
+     */
+    std::optional<std::size_t> asciiLength() const noexcept {
+        const char16_t* end = m_strText.c_str();
+        while (*end > 0 && *end < 0x80) {
+            ++end;
+        }
+        return *end == 0 ? std::make_optional(static_cast<std::size_t>(end - m_strText.c_str()))
+                         : std::nullopt;
+    }
 
     /**
      * The part from `start` up to but not including `end`, counted in UTF-16 code units. Positions

@@ -196,15 +196,11 @@ public:
 
 private:
     friend class Dom2Dom;
-    friend struct VEXAXslTransformerInspector; // for tests
 
     VEXA_LOCAL int transformParsedSource(const VEXA_ENGINE_NAMESPACE::XalanParsedSource& source,
                                          const I18NString& stylesheetFile,
                                          VEXA_ENGINE_NAMESPACE::XSLTResultTarget& target);
     VEXA_LOCAL void transformInMemory(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
-    VEXA_LOCAL void installBuiltInFunctions();
-    VEXA_LOCAL void applyParams();
-    VEXA_LOCAL void applyFunctions();
 
     I18NString m_strLastError;
     std::unique_ptr<VEXA_ENGINE_NAMESPACE::XalanTransformer> m_pTransformer;

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string FOLDER = projectFile("platform/resources/catalogue/");
+const std::string FOLDER = projectFile("src/platform/resources/catalogue/");
 
 } // namespace
 

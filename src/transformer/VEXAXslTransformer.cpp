@@ -1,0 +1,116 @@
+#include <vexa/VEXAXslTransformer.h>
+
+#include <vexa/Dom2Dom.h>
+#include <vexa/TqXsltFunction.h>
+
+#include "engine/EngineStrings.h"
+#include "functions/BuiltInFunctions.h"
+#include "functions/FunctionMap.h"
+#include "transformer/StylesheetParams.h"
+
+#include <ostream>
+
+#include <xalanc/XSLT/XSLTInputSource.hpp>
+#include <xalanc/XSLT/XSLTResultTarget.hpp>
+#include <xalanc/XalanTransformer/XalanTransformer.hpp>
+
+using xalanc::XalanDOMString;
+using xalanc::XalanParsedSource;
+using xalanc::XSLTInputSource;
+using xalanc::XSLTResultTarget;
+
+namespace {
+
+/** What the engine itself reports for a document that it cannot find or parse. */
+constexpr int PARSE_FAILED = -2;
+
+} // namespace
+
+bool VEXAXslTransformer::m_bUseXercesDOM = false;
+
+VEXAXslTransformer::VEXAXslTransformer()
+    : m_pTransformer(std::make_unique<xalanc::XalanTransformer>()) {
+    installBuiltInFunctions([this](const I18NString& name, const TqXsltFunction& function) {
+        installExternalFunction(name, function);
+    });
+}
+
+VEXAXslTransformer::~VEXAXslTransformer() {
+    // The engine goes before the maps; the clones in m_mapFunctions stay allocated on purpose.
+    m_pTransformer.reset();
+}
+
+void VEXAXslTransformer::installExternalFunction(const I18NString& name,
+                                                 const TqXsltFunction& function) {
+    std::unique_ptr<TqXsltFunction> copy(function.clone());
+    TqXsltFunction*& entry = m_mapFunctions[name];
+    // A clone that is replaced here stays allocated, like every clone that was ever registered.
+    entry = copy.release();
+}
+
+void VEXAXslTransformer::setStylesheetParam(const I18NString& name, const I18NString& value) {
+    const I18NString quoted = "'" + value + "'";
+    try {
+        // At once, and with all others before each transform: each of the two is promised to hosts.
+        m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
+        m_mapParams.insert_or_assign(name, quoted);
+    } catch (...) {
+        // The engine may have half of it. All that was set before is set again at each transform.
+        m_pTransformer->clearStylesheetParams();
+        throw;
+    }
+}
+
+std::unique_ptr<Dom2Dom> VEXAXslTransformer::createDom2Dom() {
+    return std::make_unique<Dom2Dom>(this);
+}
+
+const char* VEXAXslTransformer::getLastError() const {
+    return m_strLastError.empty() ? m_pTransformer->getLastError() : m_strLastError.c_str();
+}
+
+int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
+                                    const I18NString& outputFile) {
+    m_strLastError = I18NString();
+    if (sourceFile.empty()) {
+        // The engine would go on without a document and crash.
+        m_strLastError = "The name of the source file is empty.";
+        return PARSE_FAILED;
+    }
+    const XalanParsedSource* source = nullptr;
+    if (const int result = m_pTransformer->parseSource(XSLTInputSource(toSystemId(sourceFile)),
+                                                       source, m_bUseXercesDOM)) {
+        return result;
+    }
+    // The source stays the engine transformer's, until that is destroyed: hosts count on it.
+    XSLTResultTarget target;
+    target.setFileName(XalanDOMString(toSystemId(outputFile)));
+    return transformParsedSource(*source, stylesheetFile, target);
+}
+
+int VEXAXslTransformer::doTransform(std::istream& source, const I18NString& stylesheetFile,
+                                    std::ostream& output) {
+    // m_strLastError stays as it was: hosts read it after a run of several transforms.
+    const XalanParsedSource* parsedSource = nullptr;
+    if (const int result =
+            m_pTransformer->parseSource(XSLTInputSource(&source), parsedSource, m_bUseXercesDOM)) {
+        return result;
+    }
+    XSLTResultTarget target(&output);
+    const int result = transformParsedSource(*parsedSource, stylesheetFile, target);
+    // Hosts read the result as C text out of a memory stream, after a failure too.
+    output << std::ends;
+    return result;
+}
+
+int VEXAXslTransformer::transformParsedSource(const XalanParsedSource& source,
+                                              const I18NString& stylesheetFile,
+                                              XSLTResultTarget& target) {
+    const XSLTInputSource stylesheet(toSystemId(stylesheetFile));
+    setStylesheetParams(m_mapParams, *m_pTransformer);
+    installFunctions(m_mapFunctions,
+                     [this](const auto& namespaceUri, const auto& name, const auto& function) {
+                         m_pTransformer->installExternalFunction(namespaceUri, name, function);
+                     });
+    return m_pTransformer->transform(source, stylesheet, target);
+}
