@@ -1,10 +1,10 @@
-"""The documents that are measured with: made anew for each run, and the same each time."""
+"""The documents for the measurements: written again for each run, and always the same."""
 
 import pathlib
 import shutil
 
 HERE = pathlib.Path(__file__).resolve().parent
-HOUSE = HERE.parent
+PROJECT = HERE.parent
 
 WORDS = ("lamp wick lens vent tower stair gallery logbook storm harbour signal keeper watch "
          "oil brass rock tide ferry chart horn").split()
@@ -15,7 +15,7 @@ TAIL = "</rows>\n"
 
 
 class Numbers:
-    """Numbers without a pattern that sorting would find, from a generator that stays as it is."""
+    """Pseudo-random numbers, the same in every version of Python."""
 
     def __init__(self):
         self.state = 12345
@@ -47,7 +47,7 @@ def write_rows(file, size):
 
 def write_report(folder):
     """The sample report, with the name for node sets that all three programs know."""
-    for file in (HOUSE / "samples").iterdir():
+    for file in (PROJECT / "samples").iterdir():
         text = file.read_text()
         if file.name == "report.xsl":
             text = text.replace("http://xml.apache.org/xalan", "http://exslt.org/common")
@@ -74,7 +74,7 @@ def attributes(count):
     return "<a " + " ".join(f'n{number}="x"' for number in range(count)) + "/>"
 
 
-# Input that takes more than its size lets expect, in two sizes each.
+# Input that costs more than its size suggests, in two sizes each.
 HOSTILE = {"entity expansion, 4 levels": lambda: entities(4), "entity expansion, 5 levels": lambda: entities(5),
            "20,000 nested elements": lambda: nested(20_000), "50,000 nested elements": lambda: nested(50_000),
            "50,000 &amp; in one text": lambda: ampersands(50_000), "100,000 &amp; in one text": lambda: ampersands(100_000),
@@ -116,4 +116,4 @@ def write_documents(folder):
     write_batches(folder)
     for title, make in HOSTILE.items():
         (folder / hostile_file(title)).write_text(make())
-    shutil.copy(HOUSE / "tests" / "data" / "handbook.xml", folder)
+    shutil.copy(PROJECT / "tests" / "data" / "handbook.xml", folder)

@@ -1,4 +1,4 @@
-"""The picture of the table's main figures: readable on a telephone, and the same file for the same figures."""
+"""The picture of the main figures: readable on a phone, and the same file for the same figures."""
 
 import matplotlib
 
@@ -7,7 +7,7 @@ import matplotlib.pyplot as plot
 
 import table
 
-INK, SOFT, OURS, OTHER, TARGET = "#1d232b", "#5b6673", "#0b5cad", "#c9ced4", "#b4530a"
+INK, SOFT, OURS, OTHER, REFERENCE = "#1d232b", "#5b6673", "#0b5cad", "#c9ced4", "#b4530a"
 
 plot.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "costs", "font.family": "DejaVu Sans", "font.size": 11.5,
                       "text.color": INK, "axes.labelcolor": SOFT, "xtick.color": SOFT, "ytick.color": INK,
@@ -15,7 +15,7 @@ plot.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "costs", "font.fam
                       "axes.spines.right": False, "axes.spines.left": False, "ytick.major.size": 0,
                       "figure.facecolor": "white"})
 
-# The least share that is told from nothing, in percent.
+# A smaller share is drawn as none, in percent.
 LEAST_SHARE = 0.01
 
 
@@ -40,11 +40,8 @@ def draw_facade(axes, counts):
             shown = max(share, LEAST_SHARE)
             axes.plot([LEAST_SHARE, shown], [position, position], color=OTHER, linewidth=2.5, zorder=1)
             axes.plot(shown, position, "o", color=OURS, markersize=7)
-            target = table.MOST_ADDED.get(size) if kind in table.TRANSFORMS else None
-            if target:
-                axes.plot(target, position, "|", color=TARGET, markersize=13, markeredgewidth=2.5)
-            axes.annotate(f"{share:.2g} %" if share > LEAST_SHARE else "nothing", (max(shown, target or 0), position),
-                          (8, -4), textcoords="offset points", fontsize=10.5)
+            axes.annotate(f"{share:.2g} %" if share > LEAST_SHARE else "none", (shown, position), (8, -4),
+                          textcoords="offset points", fontsize=10.5)
             labels.append(f"{name}, {length}" if size == "tiny" else length)
     axes.set_xscale("log")
     axes.set_xlim(LEAST_SHARE * 0.8, 700)
@@ -52,12 +49,12 @@ def draw_facade(axes, counts):
     axes.minorticks_off()
     axes.set_yticks(range(len(labels)), labels)
     axes.invert_yaxis()
-    title(axes, "Instructions that the facade adds")
-    under_title(axes, "to the bare engine’s, in a warm call; orange: the target")
+    title(axes, "Instructions that the library adds")
+    under_title(axes, "to those of the engine alone, in a warm call")
 
 
 def draw_functions(axes, counts):
-    """What the engine takes for any function, and what ours takes beyond."""
+    """What the engine needs for any function, and what ours needs in addition."""
     none = counts["no-call"]["instructions"]
     names = [name[len("vexa-"):] for name in counts if name.startswith("vexa-")]
     for position, name in enumerate(names):
@@ -70,24 +67,24 @@ def draw_functions(axes, counts):
     axes.xaxis.set_major_locator(plot.MaxNLocator(4))
     axes.xaxis.set_major_formatter(lambda value, _: f"{value:,.0f}")
     axes.invert_yaxis()
-    title(axes, "Instructions of one call of a function")
-    under_title(axes, "grey: of any function; blue: of ours beyond that")
+    title(axes, "Instructions of one function call")
+    under_title(axes, "grey: any function; blue: what ours adds")
 
 
 def draw_processes(axes, processes):
-    """Time on the clock, that of the engine's own program being 1."""
+    """Elapsed time relative to Xalan, the engine's own program."""
     for position, runs in enumerate(processes.values()):
         for offset, name, colour in ((-0.2, "vexa-xslt", OURS), (0.2, "xsltproc", OTHER)):
             ratio = runs[name]["ms"] / runs["Xalan"]["ms"]
             axes.barh(position + offset, ratio, color=colour, height=0.38)
             axes.annotate(f"{ratio:.2f}", (ratio, position + offset), (6, -4), textcoords="offset points", fontsize=10.5,
                           bbox={"facecolor": "white", "edgecolor": "none", "pad": 1})
-    axes.axvline(1, color=TARGET, linewidth=1.5, zorder=0.5)
+    axes.axvline(1, color=REFERENCE, linewidth=1.5, zorder=0.5)
     axes.set_yticks(range(len(processes)), processes)
     axes.set_xlim(0, axes.get_xlim()[1] * 1.15)
     axes.xaxis.set_major_locator(plot.MaxNLocator(5))
     axes.invert_yaxis()
-    title(axes, "Time of whole processes, that of Xalan being 1")
+    title(axes, "Time of whole processes, Xalan = 1")
     under_title(axes, "blue: vexa-xslt; grey: xsltproc")
 
 

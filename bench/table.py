@@ -1,13 +1,13 @@
-"""The table: rows of figures under their headings, and which targets they hold."""
+"""The tables: figures under their headings. That of the developers also has targets, and says which are met."""
 
 SIZES = {"tiny": "83 bytes", "medium": "20 kB", "large": "10 MB"}
 KINDS = {"files": "files", "streams": "streams", "memory": "in memory", "query": "XPath query",
          "serialise": "Serialize"}
-TRANSFORMS = ("files", "streams")  # in memory, the facade makes an engine for each call
+TRANSFORMS = ("files", "streams")  # in memory, the library makes an engine for each call
 
-# The most that the facade may add to the instructions of a warm transform, in percent.
+# The most that the library may add to the instructions of a warm transform, in percent.
 MOST_ADDED = {"tiny": 1.0, "medium": 0.05}
-# The most time that vexa-xslt may take, as a multiple of the engine's own program's.
+# The most time that vexa-xslt may take, relative to the program Xalan.
 MOST_START_UP = 1.2
 MOST_TIME = 1.0
 
@@ -26,24 +26,24 @@ def percent(value):
 
 
 class Section:
-    """Rows of one shape. A target is the last cell; `held` says whether the row holds it, None where it has none."""
+    """Rows of the same columns. `met` says whether a row meets its target; None if it has none."""
 
     def __init__(self, title, *headings):
         self.title = title
         self.headings = headings
         self.rows = []
 
-    def add(self, *cells, target="", held=None):
-        mark = "" if held is None else ("held" if held else "MISSED")
-        self.rows.append(([str(cell) for cell in cells], target, held, mark))
+    def add(self, *cells, target="", met=None):
+        self.rows.append(([str(cell) for cell in cells], target, met))
 
-    def text(self):
-        lines = [list(self.headings)] + [row[0] for row in self.rows]
-        has_targets = any(row[1] for row in self.rows)
-        if has_targets:
-            lines = [lines[0] + ["target", ""]] + [row[0] + [row[1], row[3]] for row in self.rows]
+    def text(self, with_targets):
+        lines = [list(self.headings)] + [cells for cells, _, _ in self.rows]
+        left = {0}
+        if with_targets and any(target for _, target, _ in self.rows):
+            marks = {None: "", True: "met", False: "MISSED"}
+            lines = [lines[0] + ["target", ""]] + [cells + [target, marks[met]] for cells, target, met in self.rows]
+            left.add(len(lines[0]) - 1)
         widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
-        left = {0, len(widths) - 1} if has_targets else {0}
         output = [self.title]
         for line in lines:
             cells = [cell.ljust(width) if i in left else cell.rjust(width)
@@ -57,13 +57,13 @@ def added(bare, facade):
 
 
 def facade_section(counts, times):
-    section = Section("The facade against the bare engine, one warm call", "", "bare, instr.", "facade, instr.", "added",
-                      "share", "bare, alloc.", "facade", "added", "bare, µs", "facade, µs")
+    section = Section("The library compared with the engine alone, one warm call", "", "engine, instr.", "library, instr.",
+                      "added", "share", "engine, alloc.", "library", "added", "engine, µs", "library, µs")
     for kind, title in KINDS.items():
         for size, length in SIZES.items():
             bare, facade = (counts[f"{who} {kind} {size}"] for who in ("bare", "facade"))
             if bare["size"] != facade["size"]:
-                raise ValueError(f"{kind} {size}: the facade's result differs from the bare engine's")
+                raise ValueError(f"{kind} {size}: the library's result differs from the engine's")
             share = added(bare["instructions"], facade["instructions"])
             most = MOST_ADDED.get(size) if kind in TRANSFORMS else None
             section.add(f"{title}, {length}", number(bare["instructions"]), number(facade["instructions"]),
@@ -71,7 +71,7 @@ def facade_section(counts, times):
                         number(bare["allocations"]), number(facade["allocations"]),
                         signed(facade["allocations"] - bare["allocations"]),
                         number(times[f"bare {kind} {size}"]["us"]), number(times[f"facade {kind} {size}"]["us"]),
-                        target=f"≤ {most:g} %" if most else "", held=share <= most if most else None)
+                        target=f"≤ {most:g} %" if most else "", met=share <= most if most else None)
     return section
 
 
@@ -79,8 +79,9 @@ CALLS = 1000  # rows of the document in which a stylesheet calls
 
 
 def functions_section(counts, times):
-    section = Section("The library's functions, one call out of a stylesheet, against a function that does nothing", "",
-                      "nothing, instr.", "ours, instr.", "nothing, alloc.", "ours, alloc.", "added", "ours, µs")
+    section = Section("One call of each built-in function, compared with a function that returns a fixed text", "",
+                      "fixed text, instr.", "library, instr.", "fixed text, alloc.", "library, alloc.", "added",
+                      "library, µs")
     none = counts["no-call"]
     for name in [name[len("vexa-"):] for name in counts if name.startswith("vexa-")]:
         def per_call(what, prefix, name=name):
@@ -90,7 +91,7 @@ def functions_section(counts, times):
         microseconds = (times["vexa-" + name]["us"] - times["no-call"]["us"]) / CALLS
         section.add(name, number(per_call("instructions", "fixed-")), number(per_call("instructions", "vexa-")),
                     number(fixed, 1), number(own, 1), signed(own - fixed, 1), number(microseconds, 2),
-                    target="≤ 1 added", held=own - fixed < 1.05)
+                    target="≤ 1 added", met=own - fixed < 1.05)
     return section
 
 
@@ -99,14 +100,14 @@ LENGTHS = (100, 1100)
 
 
 def conversions_section(counts):
-    section = Section("The two conversions of strings, without a copy", "", "instr. a call", "instr. a character",
-                      "allocations")
+    section = Section("The two string conversions that return a buffer without a copy", "", "instr. per call",
+                      "instr. per character", "allocations")
     for work, title in (("to-utf16", "I18NExternalBufferToUTF16"), ("to-external", "I18NUTF16ToExternalBuffer")):
         short, long = (counts[f"{work} {length}"] for length in LENGTHS)
         per_character = (long["instructions"] - short["instructions"]) / (LENGTHS[1] - LENGTHS[0]) / CONVERSIONS
         section.add(title, number(short["instructions"] / CONVERSIONS, 1), number(per_character, 3),
                     number(long["allocations"]), target="0 and 0",
-                    held=abs(per_character) < 0.0005 and long["allocations"] == 0)
+                    met=abs(per_character) < 0.0005 and long["allocations"] == 0)
     return section
 
 
@@ -114,13 +115,13 @@ ENTRIES = 40
 
 
 def replay_section(counts):
-    section = Section("What each transform pays for what a transformer remembers", "", "bare, instr.", "facade, instr.",
-                      "bare, alloc.", "facade, alloc.")
+    section = Section("What stored parameters and functions cost each transform", "", "engine, instr.", "library, instr.",
+                      "engine, alloc.", "library, alloc.")
 
     def per_entry(who, entries, what):
         return (counts[f"{who}-replay {entries}"][what] - counts[f"{who}-replay none"][what]) / ENTRIES
 
-    for entries, title in (("parameters", "a parameter"), ("functions", "a function of the host's")):
+    for entries, title in (("parameters", "one parameter"), ("functions", "one function of the host")):
         section.add(title, *(number(per_entry(who, entries, "instructions")) for who in ("bare", "facade")),
                     *(number(per_entry(who, entries, "allocations"), 1) for who in ("bare", "facade")))
     without = counts["bare-without-functions"]
@@ -129,14 +130,14 @@ def replay_section(counts):
         return counts[work][what] - without[what]
 
     own, engine = eight("facade-replay none", "instructions"), eight("bare-installing", "instructions")
-    section.add("the eight functions and nodeset (bare: the same)", number(engine), number(own),
+    section.add("the eight built-in functions and nodeset (engine: the same)", number(engine), number(own),
                 number(eight("bare-installing", "allocations")), number(eight("facade-replay none", "allocations")),
-                target="≤ bare", held=own <= engine)
+                target="≤ engine", met=own <= engine)
     return section
 
 
 def chain_section(counts, times):
-    section = Section("A chain in memory against the same chain through text, 20 kB", "", "text, instr.", "memory, instr.",
+    section = Section("A chain in memory compared with the same chain through text, 20 kB", "", "text, instr.", "memory, instr.",
                       "ratio", "text, alloc.", "memory, alloc.", "text, µs", "memory, µs", "ratio")
     for steps in (1, 2, 4, 8):
         text, memory = (counts[f"{who} {steps}"] for who in ("text", "memory"))
@@ -152,9 +153,9 @@ PROGRAMS = ("Xalan", "xsltproc", "vexa-xslt")
 
 
 def process_sections(processes, instructions):
-    clock = Section("Whole processes, milliseconds on the clock, and millions of instructions", "", *PROGRAMS, "of Xalan",
+    clock = Section("Whole processes: milliseconds of elapsed time, and millions of instructions", "", *PROGRAMS, "of Xalan",
                     "of xsltproc", "Xalan, instr.", "vexa-xslt", "of Xalan")
-    other = Section("Whole processes, milliseconds of processor time, and megabytes at most", "",
+    other = Section("Whole processes: milliseconds of processor time, and peak memory in megabytes", "",
                     *(f"{name}, ms" for name in PROGRAMS), *(f"{name}, MB" for name in PROGRAMS))
     for index, (title, runs) in enumerate(processes.items()):
         milliseconds = [runs[name]["ms"] for name in PROGRAMS]
@@ -166,15 +167,15 @@ def process_sections(processes, instructions):
         most = MOST_START_UP if index == 0 else MOST_TIME
         clock.add(title, *(number(value, 1) for value in milliseconds), number(ratio, 2),
                   number(milliseconds[2] / milliseconds[1], 2), *counted,
-                  target=f"≤ {most:g} of Xalan’s time", held=ratio <= most)
+                  target=f"≤ {most:g} of Xalan’s time", met=ratio <= most)
         other.add(title, *(number(runs[name]["cpu"], 1) for name in PROGRAMS),
                   *(number(runs[name]["mb"], 1) for name in PROGRAMS))
     return [clock, other]
 
 
 def batch_section(batches):
-    section = Section("vexa-xslt batch over small sources: how many in a second, and megabytes at most", "", "one job",
-                      "two jobs", "ratio", "two, --isolate", "a process each", "one, MB", "two, MB", "two, --isolate")
+    section = Section("vexa-xslt batch over small sources: sources per second, and peak memory in megabytes", "", "one job",
+                      "two jobs", "ratio", "two, --isolate", "one process each", "one, MB", "two, MB", "two, --isolate")
     for count, runs in batches.items():
         rates = {name: run["rate"] for name, run in runs.items()}
         section.add(f"{int(count):,} sources", number(rates["one"]), number(rates["two"]),
@@ -185,30 +186,30 @@ def batch_section(batches):
 
 
 def kept_section(times, sizes):
-    section = Section("Memory that a transform of files leaves until its transformer goes", "", "bare, at once",
-                      "bare, kept", "facade", "beyond the smallest")
+    section = Section("Bytes that a file transform keeps until its transformer is destroyed", "", "engine, freed at once",
+                      "engine, kept", "library", "above the smallest")
     smallest = times["facade files tiny"]["kept"]
     for size, length in {**SIZES, "elements": "1 MB, small elements"}.items():
         at_once, kept, facade = (times[f"{who} {size}"]["kept"] for who in ("bare at-once", "bare files", "facade files"))
         multiple = (facade - smallest) / sizes[size]
         section.add(length, *(number(value) for value in (at_once, kept, facade)),
-                    f"{multiple:.1f} of the source" if size != "tiny" else "")
+                    f"{multiple:.1f} × source" if size != "tiny" else "")
     return section
 
 
 def lifecycle_section(counts, times):
-    section = Section("Start and stop", "", "instructions", "allocations", "µs")
-    for work, title in (("start-and-stop", "the engines, start and stop"),
-                        ("further-start-and-stop", "a further start and its stop"),
-                        ("facade", "a transformer, made and destroyed"),
-                        ("bare", "an engine transformer, the same")):
+    section = Section("Initialize and terminate", "", "instructions", "allocations", "µs")
+    for work, title in (("start-and-stop", "first initialize and last terminate"),
+                        ("further-start-and-stop", "further initialize and terminate"),
+                        ("facade", "VEXAXslTransformer, constructed and destroyed"),
+                        ("bare", "XalanTransformer, constructed and destroyed")):
         section.add(title, number(counts[work]["instructions"]), number(counts[work]["allocations"]),
                     number(times[work]["us"], 1))
     return section
 
 
 def threads_section(times):
-    section = Section("Threads, each with a transformer of its own: transforms of 20 kB in a second", "", "one thread",
+    section = Section("Threads, each with its own transformer: transforms of 20 kB per second", "", "one thread",
                       "two threads", "ratio")
     one, two = times["one"]["rate"], times["two"]["rate"]
     section.add("streams", number(one), number(two), number(two / one, 2))
@@ -216,8 +217,8 @@ def threads_section(times):
 
 
 def hostile_section(hostile):
-    section = Section("Hostile input: seconds of processor time and megabytes at most, one transform", "",
-                      "engine’s tree, s", "parser’s tree, s", "engine’s, MB", "parser’s, MB")
+    section = Section("Hostile input: seconds of processor time and peak memory in megabytes, one transform", "",
+                      "Xalan source tree, s", "Xerces DOM, s", "Xalan source tree, MB", "Xerces DOM, MB")
     for title, runs in hostile.items():
         trees = [runs["engine"], runs["parser"]]
         section.add(title, *(number(tree["s"], 2) for tree in trees), *(number(tree["mb"], 0) for tree in trees))
@@ -237,9 +238,13 @@ def make_sections(figures):
 
 
 def targets(sections):
-    held = [row[2] for section in sections for row in section.rows if row[2] is not None]
-    return f"{sum(held)} of {len(held)} targets held"
+    met = [met for section in sections for _, _, met in section.rows if met is not None]
+    return f"{sum(met)} of {len(met)} targets met"
 
 
-def table_text(sections, machine):
-    return f"{machine}\n\n" + "\n".join(section.text() for section in sections) + f"\n{targets(sections)}\n"
+def users_table(sections, machine, with_targets=False):
+    return f"{machine}\n\n" + "\n".join(section.text(with_targets) for section in sections)
+
+
+def developers_table(sections, machine):
+    return users_table(sections, machine, with_targets=True) + f"\n{targets(sections)}\n"
