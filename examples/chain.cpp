@@ -1,4 +1,4 @@
-// Two stylesheets in memory, and a query of what lies between them.
+// Runs two stylesheets in memory, one after the other, and queries the intermediate document.
 //
 //     chain orders.xml open-only.xsl report.xsl > report.html
 #include <cstdlib>

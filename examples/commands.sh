@@ -1,8 +1,8 @@
-# What vexa-xslt is mostly used for. Run it in a copy of the folder samples.
+# Typical uses of vexa-xslt. Run it in a copy of the folder samples.
 set -euo pipefail
 
 # [transform]
-vexa-xslt transform report.xsl orders.xml -o report.html          # appears whole or not at all
+vexa-xslt transform report.xsl orders.xml -o report.html          # written atomically
 vexa-xslt transform report.xsl orders.xml -p title=Books > b.html # a parameter; standard output
 cat orders.xml | vexa-xslt transform open-only.xsl > open.xml     # the source from a pipe
 # [/transform]

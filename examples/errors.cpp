@@ -1,8 +1,8 @@
-// Every result code, provoked on purpose, and what a host does about it:
+// Causes every result code on purpose, and shows how a host can react:
 //
 //     errors errors.xsl
 //
-// The advice goes to standard output, the engine's reasons to standard error.
+// The advice is printed on standard output, the error messages on standard error.
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
@@ -17,7 +17,7 @@
 
 namespace {
 
-/** vexa:HostOf(address): lets pass what goes wrong inside it. */
+/** vexa:HostOf(address): does not catch the exceptions that are thrown inside it. */
 class FunctionHostOf : public TqXsltFunction {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
@@ -70,7 +70,7 @@ public:
         transformTwiceIntoOneHolder();
         transform("<address>file:///home</address>");
         transformOnStreamRoad("<address>file:///home</address>");
-        transform("<address>http://vexa.example/</address>"); // still usable after all that
+        transform("<address>http://vexa.example/</address>"); // the transformer is still usable
     }
 
 private:

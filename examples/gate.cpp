@@ -14,7 +14,7 @@
 
 namespace {
 
-/** Reads a stranger's document and keeps nothing of it. */
+/** Parses an untrusted document without storing anything of it. */
 class Gate : public xercesc::DefaultHandler {
 public:
     void startDTD(const XMLCh*, const XMLCh*, const XMLCh*) override {
@@ -36,7 +36,7 @@ std::string text(const XMLCh* message) {
     return reinterpret_cast<const char*>(xercesc::TranscodeToStr(message, "UTF-8").str());
 }
 
-/** Why the document is not taken; empty if it is. */
+/** Why the document is refused; empty if it is accepted. */
 std::string refusal(const char* file) {
     const std::unique_ptr<xercesc::SAX2XMLReader> reader(
         xercesc::XMLReaderFactory::createXMLReader());
@@ -62,7 +62,7 @@ int main(int, char** files) { // source, stylesheet, output
     TQXslTransformer_Initialize(nullptr);
     std::string error = refusal(files[1]);
     if (error.empty()) {
-        VEXAXslTransformer::m_bUseXercesDOM = true; // where a text of many pieces costs little
+        VEXAXslTransformer::m_bUseXercesDOM = true; // fast for a text of many pieces
         VEXAXslTransformer transformer;
         transformer.doTransform(files[1], files[2], files[3]);
         error = transformer.getLastError();

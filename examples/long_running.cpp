@@ -1,5 +1,5 @@
-// The pattern of a process that runs on and on: a fresh transformer after every so many transforms,
-// as each keeps what it has parsed. A thousand transforms, renewed after every hundred:
+// The pattern of a long-running process: a transformer keeps every source that it has parsed, so
+// create a new one at regular intervals. A thousand transforms, a new transformer every hundred:
 //
 //     long_running orders-small.xml report.xsl 1000 100
 #include <cstdlib>
@@ -15,16 +15,16 @@
 namespace {
 
 // [renewed transformer]
-/** Gives the transformer to use, a fresh one after every so many uses. */
+/** Provides the transformer to use, and recreates it after a number of uses. */
 class RenewedTransformer {
 public:
     explicit RenewedTransformer(unsigned long usesOfEach) : m_usesOfEach(usesOfEach) {}
 
     VEXAXslTransformer& forNextUse() {
         if (m_uses++ % m_usesOfEach == 0) {
-            m_transformer.reset(); // the old one goes first: never two at once
+            m_transformer.reset(); // destroy the old one first: never two at a time
             m_transformer = std::make_unique<VEXAXslTransformer>();
-            m_transformer->setStylesheetParam("title", "Orders"); // each one is configured anew
+            m_transformer->setStylesheetParam("title", "Orders"); // configure each one
             ++m_renewals;
         }
         return *m_transformer;
@@ -49,7 +49,7 @@ std::size_t transformOnce(VEXAXslTransformer& transformer, const char* source,
         return 0;
     }
     // [holders]
-    // What is in memory needs no renewal: it goes with its holders, here at the closing brace.
+    // In memory nothing is kept: the in-memory documents are destroyed at the end of this block.
     auto page = transformer.createDom2Dom();
     auto again = transformer.createDom2Dom();
     std::ifstream inAgain(source);

@@ -1,4 +1,4 @@
-// An extension function of one's own, vexa:Repeat(text, times):
+// A user-defined extension function, vexa:Repeat(text, times):
 //
 //     own_function orders-small.xml own_function.xsl
 #include <cmath>

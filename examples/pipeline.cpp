@@ -2,7 +2,7 @@
 //
 //     pipeline 2025-12-29 orders.xml open-only.xsl line-amounts.xsl totals.xsl
 //
-// The day goes to every stylesheet as the parameter "since".
+// Every stylesheet gets the day as the parameter "since".
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -41,7 +41,7 @@ int run(const char* since, const char* source, const std::vector<const char*>& s
         if (transformer.doTransform(*current, stylesheet, *next) != 0) {
             return failed(stylesheet, transformer.getLastError());
         }
-        current = std::move(next); // the document before it is freed here
+        current = std::move(next); // frees the previous document
     }
     // [/pipeline]
     return EXIT_SUCCESS;

@@ -16,7 +16,7 @@ namespace {
 
 // [work of one thread]
 void work(const char* source, const char* stylesheet, std::string& result) {
-    VEXAXslTransformer transformer; // this thread's own
+    VEXAXslTransformer transformer; // one for each thread
     std::ifstream in(source);
     std::ostringstream out;
     if (transformer.doTransform(in, stylesheet, out) == 0) {
@@ -54,6 +54,6 @@ int main(int argc, char** argv) {
     }
     TQXslTransformer_Initialize(nullptr); // once, before the threads
     const int status = run(argv[1], argv[2], count);
-    TQXslTransformer_Terminate(nullptr); // once, after they are gone
+    TQXslTransformer_Terminate(nullptr); // once, after the threads have ended
     return status;
 }

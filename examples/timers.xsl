@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- Takes the time of a part of a stylesheet:
+<!-- Measures the time of a part of a stylesheet:
 
          vexa-xslt transform timers.xsl orders.xml -->
 <!-- [timers] -->
