@@ -1,7 +1,7 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-  The last step: plain HTML 5 from what the DocBook stylesheets made. Their pages carry namespace
-  declarations that no browser wants, and a table of contents that is not marked as navigation.
+  The last step: plain HTML 5 from the output of the DocBook stylesheets. Removes their namespace
+  declarations, and marks the table of contents as navigation.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 

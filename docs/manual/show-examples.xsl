@@ -1,11 +1,11 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-  The first step from the manual to its page: puts the parts of example files where the manual asks
-  for them by <?example FILE PART?>, and notes the file's name for the caption.
+  The first step from the manual to its page: inserts the part of an example file at each
+  <?example FILE PART?>, and stores the file's name for the caption.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 
-  <!-- The document that the build has made from the files. -->
+  <!-- The document that the build has created from the files. -->
   <xsl:param name="examples"/>
 
   <xsl:key name="example" match="example" use="@part"/>

@@ -1,4 +1,4 @@
-# Renders the manual into a scratch folder and looks whether the page is whole:
+# Renders the manual into a temporary directory and checks that the page is complete:
 # -D VEXA_XSLT=... -D PROJECT_FOLDER=... -D OUTPUT=...
 cmake_minimum_required(VERSION 3.25)
 
@@ -10,11 +10,11 @@ file(READ "${OUTPUT}/index.html" page)
 function(fail_unless_on_page text what)
   string(FIND "${page}" "${text}" position)
   if(position EQUAL -1)
-    message(SEND_ERROR "The page lacks ${what}: ${text}")
+    message(SEND_ERROR "The page does not have ${what}: ${text}")
   endif()
 endfunction()
 
-# Every chapter that is written is there and in the table of contents, and shows all its examples.
+# Every chapter file is on the page and in the table of contents, with all its examples.
 file(GLOB chapters "${MANUAL}/*.xml")
 set(examples 0)
 foreach(chapter IN LISTS chapters)
@@ -22,9 +22,9 @@ foreach(chapter IN LISTS chapters)
   if(text MATCHES "<chapter id=\"([^\"]+)\"")
     fail_unless_on_page("class=\"chapter\" id=\"${CMAKE_MATCH_1}\"" "a chapter")
     fail_unless_on_page("<li><span class=\"chapter\"><a href=\"#${CMAKE_MATCH_1}\">"
-                        "a chapter in its contents")
+                        "a chapter in the table of contents")
   elseif(NOT chapter MATCHES "/manual\\.xml$")
-    message(SEND_ERROR "${chapter} is no chapter")
+    message(SEND_ERROR "${chapter} is not a chapter")
   endif()
   string(REGEX MATCHALL "<\\?example " wanted "${text}")
   list(LENGTH wanted count)
@@ -33,15 +33,15 @@ endforeach()
 string(REGEX MATCHALL "<figcaption>" shown "${page}")
 list(LENGTH shown count)
 if(examples EQUAL 0 OR NOT count EQUAL examples)
-  message(SEND_ERROR "The chapters ask for ${examples} examples, and the page shows ${count}")
+  message(SEND_ERROR "The chapters name ${examples} examples, but the page shows ${count}")
 endif()
 
-# Every link within the page has its one target, and every file that it uses is there.
+# Every link inside the page has exactly one target, and every file that the page uses exists.
 string(REGEX MATCHALL " id=\"[^\"]+\"" ids "${page}")
 set(unique "${ids}")
 list(REMOVE_DUPLICATES unique)
 if(NOT ids STREQUAL unique)
-  message(SEND_ERROR "The page has an id twice: ${ids}")
+  message(SEND_ERROR "The page has a duplicate id: ${ids}")
 endif()
 string(REGEX MATCHALL "href=\"#[^\"]+\"" links "${page}")
 foreach(link IN LISTS links)
@@ -52,15 +52,15 @@ string(REGEX MATCHALL "(src|link rel=\"stylesheet\" type=\"text/css\" href)=\"[^
 foreach(use IN LISTS uses)
   string(REGEX REPLACE ".*=\"(.*)\"" "\\1" file "${use}")
   if(NOT EXISTS "${OUTPUT}/${file}")
-    message(SEND_ERROR "The page uses a file that is not there: ${file}")
+    message(SEND_ERROR "The page uses a missing file: ${file}")
   endif()
 endforeach()
 list(LENGTH uses count)
 if(count LESS 2)
-  message(SEND_ERROR "The page has lost its style sheet or its picture")
+  message(SEND_ERROR "The page has no style sheet or no picture")
 endif()
 
-# So the DocBook stylesheets write a reference that leads nowhere.
+# The DocBook stylesheets write ??? for an unresolved reference.
 if(page MATCHES "\\?\\?\\?")
   message(SEND_ERROR "The page has an unresolved reference")
 endif()
