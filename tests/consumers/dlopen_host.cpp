@@ -1,4 +1,7 @@
-// A host that does not link the library but loads it when it wants it, and lets it go again.
+// A host that does not link the library but loads it when it needs it, and unloads it again: alone,
+// and together with a component that links it.
+//
+//     dlopen_host LIBRARY COMPONENT STYLESHEET
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -8,10 +11,20 @@
 namespace {
 
 using StartOrStop = int (*)(const char*);
+using RunComponent = void (*)(const char*);
 
 [[noreturn]] void fail(const char* what) {
-    std::fprintf(stderr, "%s: %s\n", what, dlerror());
+    const char* const error = dlerror();
+    std::fprintf(stderr, "%s: %s\n", what, error ? error : "failed");
     std::exit(EXIT_FAILURE);
+}
+
+void* load(const char* file) {
+    void* const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        fail(file);
+    }
+    return library;
 }
 
 void* find(void* library, const char* name) {
@@ -22,11 +35,18 @@ void* find(void* library, const char* name) {
     return symbol;
 }
 
-void useOnce(const char* file) {
-    void* const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
-    if (!library) {
-        fail(file);
+void unload(void* library, const char* file) {
+    if (dlclose(library) != 0) {
+        fail("dlclose");
     }
+    if (dlopen(file, RTLD_NOW | RTLD_NOLOAD)) {
+        std::fprintf(stderr, "%s stays loaded\n", file);
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+void useLibrary(const char* file) {
+    void* const library = load(file);
     const auto start = reinterpret_cast<StartOrStop>(find(library, "TQXslTransformer_Initialize"));
     const auto stop = reinterpret_cast<StartOrStop>(find(library, "TQXslTransformer_Terminate"));
     const auto info = static_cast<const char* const*>(find(library, "nrbVersionInfo"));
@@ -39,17 +59,27 @@ void useOnce(const char* file) {
         }
     }
     std::puts(info[2]);
-    if (dlclose(library) != 0) {
-        fail("dlclose");
-    }
-    if (dlopen(file, RTLD_NOW | RTLD_NOLOAD)) {
-        fail("the library stays loaded");
-    }
+    unload(library, file);
+}
+
+/** The component finds the library by its name, as it is loaded already. */
+void useComponent(const char* file, const char* componentFile, const char* stylesheet) {
+    void* const library = load(file);
+    void* const component = load(componentFile);
+    reinterpret_cast<RunComponent>(find(component, "runComponent"))(stylesheet);
+    unload(component, componentFile);
+    unload(library, file);
 }
 
 } // namespace
 
-int main(int, char** argv) {
-    useOnce(argv[1]);
-    useOnce(argv[1]);
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        fail("usage: dlopen_host LIBRARY COMPONENT STYLESHEET");
+    }
+    std::setvbuf(stdout, nullptr, _IONBF, 0); // the component writes there, too
+    for (int i = 0; i < 2; ++i) {
+        useLibrary(argv[1]);
+        useComponent(argv[1], argv[2], argv[3]);
+    }
 }
