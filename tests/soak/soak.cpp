@@ -1,5 +1,6 @@
-// Runs transformers in several threads for a while, over every road, with good and bad inputs in
-// turn. Fails at a wrong result, and where memory grows though it is promised not to.
+// Runs transformers in several threads for a while, over file, stream and in-memory transforms and
+// queries, with good and bad inputs in random order. Fails at a wrong result, and if memory grows
+// that is guaranteed to be freed.
 //
 //     soak SECONDS SAMPLES_FOLDER
 #include <vexa/Dom2Dom.h>
@@ -17,6 +18,7 @@
 #include <iostream>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -28,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned THREADS = 4;
 constexpr int TRANSFORMS_PER_TRANSFORMER = 25;
-/** What allocators and caches may still take after the first third of the time. */
+/** How much memory allocators and caches may still take after the first third of the time. */
 constexpr long SLACK_KIB = 24 * 1024;
 
 struct Outcome {
@@ -38,21 +40,29 @@ struct Outcome {
     bool operator==(const Outcome& other) const { return code == other.code && text == other.text; }
 };
 
-/** One way to use a transformer; `isInMemory` where nothing stays with the transformer. */
+enum class Expected { Success, Failure };
+
+/** One way to use a transformer. */
 struct Task {
     const char* name;
+    Expected expected;
+    /** Whether no memory stays with the transformer. */
     bool isInMemory;
     std::function<Outcome(VEXAXslTransformer&)> run;
 };
 
 std::string read(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) {
+        throw std::runtime_error("cannot read " + file);
+    }
     std::ostringstream text;
-    text << std::ifstream(file, std::ios::binary).rdbuf();
+    text << stream.rdbuf();
     return text.str();
 }
 
-Outcome throughFiles(VEXAXslTransformer& transformer, const std::string& source,
-                     const std::string& stylesheet) {
+Outcome transformFiles(VEXAXslTransformer& transformer, const std::string& source,
+                       const std::string& stylesheet) {
     char name[] = "/tmp/vexa-soak-XXXXXX";
     close(mkstemp(name));
     const int code = transformer.doTransform(source.c_str(), stylesheet.c_str(), name);
@@ -61,16 +71,16 @@ Outcome throughFiles(VEXAXslTransformer& transformer, const std::string& source,
     return {code, code == 0 ? text : transformer.getLastError()};
 }
 
-Outcome throughStreams(VEXAXslTransformer& transformer, const std::string& source,
-                       const std::string& stylesheet) {
+Outcome transformStreams(VEXAXslTransformer& transformer, const std::string& source,
+                         const std::string& stylesheet) {
     std::istringstream input(source);
     std::ostringstream output;
     const int code = transformer.doTransform(input, stylesheet.c_str(), output);
-    return {code, output.str()};
+    return {code, output.str()}; // an earlier operation's error message may still be there
 }
 
-Outcome throughMemory(VEXAXslTransformer& transformer, const std::string& source,
-                      const std::string& first, const std::string& second) {
+Outcome transformInMemory(VEXAXslTransformer& transformer, const std::string& source,
+                          const std::string& first, const std::string& second) {
     const auto holder = transformer.createDom2Dom();
     const auto between = transformer.createDom2Dom();
     const auto result = transformer.createDom2Dom();
@@ -99,28 +109,41 @@ std::vector<Task> tasksOver(const std::string& samples) {
     const std::string report = samples + "/report.xsl";
     const std::string openOnly = samples + "/open-only.xsl";
     using T = VEXAXslTransformer;
+    constexpr auto good = Expected::Success, bad = Expected::Failure;
     return {
-        {"files", false, [=](T& t) { return throughFiles(t, file, report); }},
-        {"streams", false, [=](T& t) { return throughStreams(t, source, report); }},
-        {"memory", true, [=](T& t) { return throughMemory(t, source, openOnly, report); }},
-        {"query", true, [=](T& t) { return query(t, source, "string(count(//*))"); }},
-        {"node", true, [=](T& t) { return query(t, source, "/*/*[1]"); }},
-        {"no such source", false, [=](T& t) { return throughFiles(t, "none.xml", report); }},
-        {"no such stylesheet", true,
-         [=](T& t) { return throughMemory(t, source, "none.xsl", report); }},
-        {"cut source", false, [=](T& t) { return throughStreams(t, "<a><b></a>", report); }},
-        {"stylesheet that is none", false, [=](T& t) { return throughFiles(t, file, "<"); }},
-        {"wrong expression", true, [=](T& t) { return query(t, source, "count(//*"); }},
-        {"unknown function", true, [=](T& t) { return query(t, source, "nothing()"); }},
+        {"files", good, false, [=](T& t) { return transformFiles(t, file, report); }},
+        {"streams", good, false, [=](T& t) { return transformStreams(t, source, report); }},
+        {"memory", good, true,
+         [=](T& t) { return transformInMemory(t, source, openOnly, report); }},
+        {"query", good, true, [=](T& t) { return query(t, source, "string(count(//*))"); }},
+        {"node", good, true, [=](T& t) { return query(t, source, "/*/*[1]"); }},
+        {"no such source", bad, false, [=](T& t) { return transformFiles(t, "none.xml", report); }},
+        {"no such stylesheet", bad, true,
+         [=](T& t) { return transformInMemory(t, source, "none.xsl", report); }},
+        {"malformed source", bad, false,
+         [=](T& t) { return transformStreams(t, "<a><b></a>", report); }},
+        {"no stylesheet", bad, false, [=](T& t) { return transformFiles(t, file, "<"); }},
+        {"wrong expression", bad, true, [=](T& t) { return query(t, source, "count(//*"); }},
+        {"unknown function", bad, true, [=](T& t) { return query(t, source, "nothing()"); }},
     };
 }
 
-/** What each task gives when it is alone. */
+bool isAsExpected(const Task& task, const Outcome& outcome) {
+    return task.expected == Expected::Success ? outcome.code == 0 && !outcome.text.empty()
+                                              : outcome.code != 0;
+}
+
+/** The result of each task when it runs alone. The threads have to get the same. */
 std::vector<Outcome> referenceOf(const std::vector<Task>& tasks) {
     std::vector<Outcome> reference;
     for (const Task& task : tasks) {
         VEXAXslTransformer transformer;
-        reference.push_back(task.run(transformer));
+        const Outcome outcome = task.run(transformer);
+        if (!isAsExpected(task, outcome)) {
+            throw std::runtime_error(std::string(task.name) + ": unexpected result " +
+                                     std::to_string(outcome.code) + ' ' + outcome.text);
+        }
+        reference.push_back(outcome);
     }
     return reference;
 }
@@ -132,7 +155,7 @@ long residentKiB() {
     return pages * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
-/** The engine's own messages are not the matter here; it takes a stream that fails for an error. */
+/** Drops the engine's own messages. A stream that fails would be an error for the engine. */
 class Silence : public std::streambuf {
     int overflow(int character) override { return character == EOF ? 0 : character; }
 };
@@ -146,8 +169,8 @@ public:
     bool run() {
         std::vector<std::thread> threads;
         for (unsigned seed = 0; seed < THREADS; ++seed) {
-            // The first one keeps its transformer for all of the time.
-            threads.emplace_back([this, seed] { seed == 0 ? keepOne() : renew(seed); });
+            // The first one uses the same transformer all the time.
+            threads.emplace_back([this, seed] { seed == 0 ? useOne() : recreate(seed); });
         }
         std::this_thread::sleep_until(m_warm);
         const long warm = residentKiB();
@@ -163,7 +186,7 @@ public:
     }
 
 private:
-    void keepOne() {
+    void useOne() {
         VEXAXslTransformer transformer;
         std::minstd_rand random(1);
         while (Clock::now() < m_end) {
@@ -174,7 +197,7 @@ private:
         }
     }
 
-    void renew(unsigned seed) {
+    void recreate(unsigned seed) {
         std::minstd_rand random(seed + 1);
         while (Clock::now() < m_end) {
             TQXslTransformer_Initialize(nullptr);
@@ -214,10 +237,15 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     Silence silence;
-    std::streambuf* const loud = std::cerr.rdbuf(&silence);
+    std::streambuf* const engineMessages = std::cerr.rdbuf(&silence);
     TQXslTransformer_Initialize(nullptr);
-    const bool isGood = Soak(argv[2], std::chrono::seconds(seconds)).run();
+    bool isGood = false;
+    try {
+        isGood = Soak(argv[2], std::chrono::seconds(seconds)).run();
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "soak: %s\n", error.what());
+    }
     TQXslTransformer_Terminate(nullptr);
-    std::cerr.rdbuf(loud);
+    std::cerr.rdbuf(engineMessages);
     return isGood ? EXIT_SUCCESS : EXIT_FAILURE;
 }
