@@ -175,8 +175,9 @@ public:
      *
      * @param holder     holds the document, which is the context node; prefixes in the expression
      *                   are those that the document declares
-     * @param expression the expression. One that would overflow a stack of 1 MiB (some 1,000 nested
-     *                   brackets, 3,000 steps, or 4,000 operators in a row) is refused with -1
+     * @param expression the expression. One that would overflow the stack that the calling thread
+     *                   has left is refused with -1. 8 MiB are enough for 7,000 nested brackets, or
+     *                   for 29,000 steps or operators in a row
      * @param out        receives the text. Its state tells whether it took a string; a node that
      *                   it does not take is reported with -1
      * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without

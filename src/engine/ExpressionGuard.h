@@ -1,17 +1,17 @@
 /**
  * @file
- * Expressions that are too much for the engine.
+ * Expressions that are nested too deeply for the stack.
  */
 #pragma once
 
 #include <string_view>
 
 /**
- * Refuses an XPath expression that would overflow the stack. The engine goes deeper with each open
- * bracket, and with each further member of a row of steps, of operators, of "and" or of "or". What
- * all that takes at the deepest place is to fit into a thread with a stack of 1 MiB, which is far
- * more than people and programs write.
- *
- * @throws an XSLException
+ * Whether an XPath expression would overflow the stack that the calling thread has left. The engine
+ * recurses for each open bracket, and for each further member of a row of operators, of "and", of
+ * "or" or of steps.
  */
+bool isTooDeepExpression(std::u16string_view expression);
+
+/** @throws an XSLException if isTooDeepExpression() */
 void refuseTooDeepExpression(std::u16string_view expression);

@@ -5,6 +5,9 @@
 #include <fstream>
 #include <functional>
 #include <pthread.h>
+#include <sys/mman.h>
+#include <ucontext.h>
+#include <utility>
 #include <vector>
 
 using XPathQueryTest = InMemoryTest;
@@ -198,106 +201,229 @@ std::string repeated(const std::string& text, int times) {
 
 } // namespace
 
+namespace {
+
+/** A stack with a page below it that ends the program when it is touched. */
+class GuardedStack {
+public:
+    explicit GuardedStack(std::size_t size)
+        : m_size(size), m_pMemory(mmap(nullptr, PAGE + size, PROT_READ | PROT_WRITE,
+                                       MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+        EXPECT_NE(m_pMemory, MAP_FAILED);
+        EXPECT_EQ(mprotect(m_pMemory, PAGE, PROT_NONE), 0);
+    }
+    GuardedStack(const GuardedStack&) = delete;
+    GuardedStack& operator=(const GuardedStack&) = delete;
+    ~GuardedStack() { munmap(m_pMemory, PAGE + m_size); }
+
+    void* lowest() const { return static_cast<char*>(m_pMemory) + PAGE; }
+
+private:
+    static constexpr std::size_t PAGE = 64 * 1024; // on every platform a multiple of the real one
+    std::size_t m_size;
+    void* m_pMemory;
+};
+
+void* runWork(void* work) {
+    (*static_cast<std::function<void()>*>(work))();
+    return nullptr;
+}
+
+/**
+ * Runs in a thread with a stack of that size. The main thread's depends on who runs the tests, and
+ * one that the system chooses may be that of an earlier thread, which is larger.
+ */
+void runOnStack(std::size_t size, std::function<void()> work) {
+    const GuardedStack stack(size);
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstack(&attributes, stack.lowest(), size);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, runWork, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+constexpr std::size_t KIB = 1024;
+constexpr std::size_t MIB = 1024 * KIB;
+
+} // namespace
+
 TEST_P(XPathQueryTest, RefusesExpressionsThatWouldOverflowTheStack) {
     const Holder holder = parsed("<a/>");
-    for (int depth : {1030, 30'000, 300'000}) {
-        for (const std::string& expression : {
-                 repeated("(", depth) + "1" + repeated(")", depth),
-                 "a" + repeated("[a", depth) + repeated("]", depth),
-                 repeated("string(", depth) + "1" + repeated(")", depth),
-                 repeated("((", depth), // never closed
-             }) {
-            std::string result;
-            EXPECT_EQ(query(*holder, expression, result), -1) << depth;
-            EXPECT_NE(std::string(m_transformer.getLastError()).find("nested too deeply"),
-                      std::string::npos)
-                << m_transformer.getLastError();
-        }
-    }
-    for (const char* operation : {"+1", "-1", "*1", "=1", "!=1", "<1", " div 1", " mod 1"}) {
+    const auto expectRefusal = [&](const std::string& expression) {
         std::string result;
-        EXPECT_EQ(query(*holder, "1" + repeated(operation, 200'000), result), -1) << operation;
+        EXPECT_EQ(query(*holder, expression, result), -1) << expression.substr(0, 20);
         EXPECT_NE(std::string(m_transformer.getLastError()).find("nested too deeply"),
-                  std::string::npos);
-    }
+                  std::string::npos)
+            << m_transformer.getLastError();
+    };
+    runOnStack(8 * MIB, [&] {
+        for (int depth : {30'000, 300'000}) {
+            expectRefusal(repeated("(", depth) + "1" + repeated(")", depth));
+            expectRefusal("a" + repeated("[a", depth) + repeated("]", depth));
+            expectRefusal(repeated("string(", depth) + "1" + repeated(")", depth));
+            expectRefusal(repeated("((", depth)); // never closed
+        }
+        for (const char* operation : {"+1", "-1", "*1", "=1", "!=1", "<1", " div 1", " mod 1"}) {
+            expectRefusal("1" + repeated(operation, 200'000));
+        }
+    });
+}
+
+TEST_P(XPathQueryTest, EvaluatesWhatFitsIntoAnOrdinaryStack) {
+    const Holder holder = parsed("<a/>");
+    runOnStack(8 * MIB, [&] {
+        EXPECT_EQ(queried(*holder, "string(1" + repeated("+1", 4'200) + ")"), "4201");
+        EXPECT_EQ(queried(*holder, "string(count(." + repeated("/.", 3'500) + "))"), "1");
+        EXPECT_EQ(queried(*holder, "string(1" + repeated(" and 1", 4'000) + ")"), "true");
+        EXPECT_EQ(queried(*holder, "string(1" + repeated(" and 1", 4'000) + " and 0)"), "false");
+        EXPECT_EQ(queried(*holder, "string(0" + repeated(" or 0", 16'000) + ")"), "false");
+        EXPECT_EQ(queried(*holder, "string(0" + repeated(" or 0", 16'000) + " or 1)"), "true");
+        EXPECT_EQ(queried(*holder, "string" + repeated("(", 1'100) + "1" + repeated(")", 1'100)),
+                  "1");
+        EXPECT_EQ(queried(*holder, "string(count(" + repeated("self::node()[", 1'100) + "1" +
+                                       repeated("]", 1'100) + "))"),
+                  "1");
+    });
+}
+
+namespace {
+
+std::function<void()> g_coroutineWork;
+
+void runCoroutineWork() {
+    g_coroutineWork();
+}
+
+/** Runs in a coroutine, of whose stack the system knows nothing. */
+void runInCoroutine(std::function<void()> work) {
+    const GuardedStack stack(MIB);
+    ucontext_t caller, coroutine;
+    ASSERT_EQ(getcontext(&coroutine), 0);
+    coroutine.uc_stack.ss_sp = stack.lowest();
+    coroutine.uc_stack.ss_size = MIB;
+    coroutine.uc_link = &caller;
+    g_coroutineWork = std::move(work);
+    makecontext(&coroutine, runCoroutineWork, 0);
+    ASSERT_EQ(swapcontext(&caller, &coroutine), 0);
+}
+
+} // namespace
+
+TEST_P(XPathQueryTest, TakesAStackOfUnknownBoundsForASmallOne) {
+    const Holder holder = parsed("<a/>");
+    runInCoroutine([&] {
+        EXPECT_EQ(queried(*holder, repeated("string(", 400) + "1" + repeated(")", 400)), "1");
+        std::string result;
+        EXPECT_EQ(query(*holder, repeated("string(", 1'000) + "1" + repeated(")", 1'000), result),
+                  -1);
+    });
+}
+
+/** Each sign of its own would make the rows twice as long as the stack allows. */
+TEST_P(XPathQueryTest, CountsAnOperatorOfTwoSignsOnce) {
+    const Holder holder = parsed("<a/>");
+    runOnStack(sizeof(void*) == 8 ? MIB : MIB * 3 / 2, [&] {
+        EXPECT_EQ(queried(*holder, "string(1" + repeated("<=1", 4'000) + ")"), "true");
+        EXPECT_EQ(queried(*holder, "string(1" + repeated(">=1", 4'000) + ")"), "true");
+        // (1 != 1) != 1 is true, and so on.
+        EXPECT_EQ(queried(*holder, "string(1" + repeated("!=1", 4'000) + ")"), "true");
+        EXPECT_EQ(queried(*holder, "string(1" + repeated("!=1", 4'001) + ")"), "false");
+    });
 }
 
 namespace {
 
 /** A way to write ever deeper expressions. */
 struct Deepening {
-    const char* begin;
-    const char* repeatedPart;
-    const char* middle;
-    const char* repeatedEnd;
+    std::string begin;
+    std::string repeatedPart;
+    std::string middle;
+    std::string repeatedEnd;
 
     std::string expression(int depth) const {
         return begin + repeated(repeatedPart, depth) + middle + repeated(repeatedEnd, depth);
     }
 };
 
-const std::string& longSum() {
-    static const std::string sum = "(1" + repeated("+1", 990) + "+";
-    return sum;
-}
-
-/** Runs on a thread with a stack of 1 MiB. */
-void* findDeepest(void* work) {
-    (*static_cast<std::function<void()>*>(work))();
-    return nullptr;
-}
-
-void runOnSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 1024 * 1024);
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attributes, findDeepest, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
+std::vector<Deepening> waysToGoDeep() {
+    std::vector<Deepening> ways = {
+        {"", "(", "1", ")"},
+        {"", "-(", "1", ")"},
+        {"", "(", "1", " or 1)"},
+        {"", "(1 and ", "1", ")"},
+        {"", "(", "1", "=1)"},
+        {"", "(1+", "1", ")"},
+        {"", "(", "a", "|a)"},
+        {"", "(", ".", ")[1]"},
+        {"", "(", ".", "/.)"},
+        {"", "0 or 1 and 1=1<1+1*-(", "1", ")"},
+        {"", "(", "1", ")*1+1<1=1 and 1 or 1"},
+        {"a", "[a", "", "]"},
+        {"self::node()", "[self::node()", "", "]"},
+        {"self::node()", "[1=1=1 and ./. or self::node()", "", "]"},
+        {"self::node()", "[-(self::node()", "", ")[1]]"},
+        {"", "string(", "1", ")"},
+        {"", "string-length(", "1", ")"},
+        {"", "concat('', '', '', ", "1", ")"},
+        {"", "1+not(", "1", ")"},
+        {"", "name(self::node()[", "1", "])"},
+        {"1", "+1", "", ""},
+        {"1", "*1", "", ""},
+        {"1", "=1", "", ""},
+        {"1", "!=1", "", ""},
+        {"1", "<=1", "", ""},
+        {"a", " and a", "", ""},
+        {"b", " or b", "", ""},
+        {".", "/.", "", ""},
+        {"b", "//b", "", ""},
+        {"", "self::node()/", ".", ""},
+        // Names that could be operators.
+        {"or", "+or", "", ""},
+        {"and", "=and", "", ""},
+        {"", "- or ", "1", ""},
+        {"1", "+.5or", "", ""},
+        {"0", "+0 or child::or", "", ""},
+        {"\xD9\xA3", "or \xD9\xA3", "", ""}, // a digit of another script
+    };
+    // Rows on both sides of the deepest place.
+    const std::string sum = repeated("1+", 50), moreSum = repeated("+1", 50);
+    ways.push_back({"", "(", "1", ")" + moreSum});
+    ways.push_back({"", sum + "(", "1", ")"});
+    ways.push_back({sum, "string(", "1", ")"});
+    const std::string steps = repeated("self::node()/", 20);
+    ways.push_back({steps + "self::node()", "[self::node()", "", "]"});
+    ways.push_back({"", "(" + steps + ".|", ".", ")"});
+    return ways;
 }
 
 } // namespace
 
-TEST_P(XPathQueryTest, WhatIsNotRefusedFitsIntoASmallStack) {
+TEST_P(XPathQueryTest, WhatIsNotRefusedFitsIntoTheStack) {
     if (isUnderAMemoryChecker()) {
         GTEST_SKIP() << "a memory checker is too slow for thousands of deep expressions";
     }
     const Holder holder = parsed("<a><or/><and/></a>");
-    const Deepening ways[] = {
-        {"", "(", "1", ")"},
-        {"a", "[a", "", "]"},
-        {"", "string(", "1", ")"},
-        {"1", "+1", "", ""},
-        {"1", "*1", "", ""},
-        {"1", "=1", "", ""},
-        {"a", " and a", "", ""},
-        {"a", " or a", "", ""},
-        {".", "/.", "", ""},
-        {"a", "//a", "", ""},
-        {"", "self::node()/", ".", ""},
-        {"or", "+or", "", ""},
-        {"and", "=and", "", ""},
-        {"", "- or ", "1", ""},
-        {"", longSum().c_str(), "1", ")"},
-        {"a", "[1=1=1 and ./. or a", "", "]"},
-    };
-    for (const Deepening& way : ways) {
-        runOnSmallStack([&] {
-            int accepted = 0, refused = 400'000;
-            while (refused - accepted > 1 + accepted / 50) {
-                const int depth = (accepted + refused) / 2;
-                std::string result;
-                query(*holder, way.expression(depth), result);
-                const bool isRefused =
-                    std::string(m_transformer.getLastError()).find("nested too deeply") !=
-                    std::string::npos;
-                (isRefused ? refused : accepted) = depth;
-            }
-            EXPECT_GT(accepted,
-                      way.begin == std::string() && way.repeatedEnd != std::string() ? 3 : 500)
-                << way.expression(1).substr(0, 20);
-        });
+    for (std::size_t stack : {MIB, 256 * KIB}) {
+        for (const Deepening& way : waysToGoDeep()) {
+            runOnStack(stack, [&] {
+                const auto isRefused = [&](int depth) {
+                    std::string result;
+                    query(*holder, way.expression(depth), result);
+                    return std::string(m_transformer.getLastError()).find("nested too deeply") !=
+                           std::string::npos;
+                };
+                int accepted = 0, refused = 40'000;
+                EXPECT_TRUE(isRefused(refused)) << way.expression(1).substr(0, 40);
+                while (refused - accepted > 1 + accepted / 100) {
+                    const int depth = (accepted + refused) / 2;
+                    (isRefused(depth) ? refused : accepted) = depth;
+                }
+                // A level of the longest of them takes less than 64 KiB.
+                EXPECT_GT(accepted, stack == MIB ? 10 : 0) << way.expression(1).substr(0, 40);
+            });
+        }
     }
 }
 
