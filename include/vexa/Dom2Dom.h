@@ -83,9 +83,11 @@ public:
     bool InitializeInputSource(std::istream& stream, const char* systemId);
 
     /**
-     * Takes the output role: a transform builds its result as a document here. It receives one
-     * result: a transform into a holder that has a document element fails with -4 and adds nothing.
-     * A transform that fails half way leaves what it had built, and the holder is spent.
+     * Takes the output role: a transform builds its result as a document here. A document has one
+     * element and no text outside it: a second result fails with -4 as soon as it comes to an
+     * element or to text, and the element of the first stays as it is. Comments and processing
+     * instructions of a second result are added, also those that come before such a failure.
+     * A transform that fails half way leaves what it had built: take a new holder.
      *
      * Of a stylesheet's output settings none applies to a document: no output method, no encoding,
      * no CDATA sections (their text is kept).

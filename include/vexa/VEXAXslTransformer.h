@@ -155,11 +155,12 @@ public:
      * @param out        a holder with the output role
      * @retval 0  done
      * @retval -1 an XSLException: the stylesheet is wrong or ended the transform, the result could
-     *            not be written, `in` has no document element, or `out` no output role
+     *            not be written, or `out` has no output role
      * @retval -2 a SAXParseException or SAXException: the stylesheet is missing or not well-formed,
      *            or `in` has no document
      * @retval -3 an XMLException
-     * @retval -4 a XalanDOMException: a second result, or a mere text, for a document output
+     * @retval -4 a XalanDOMException: a second element, or text outside an element, for a document
+     *            output
      * @retval -5 any other exception
      */
     int doTransform(Dom2Dom& in, const I18NString& stylesheet, Dom2Dom& out);
@@ -181,7 +182,7 @@ public:
      * @param out        receives the text. Its state tells whether it took a string; a node that
      *                   it does not take is reported with -1
      * @return as for the in-memory transform; a wrong expression is -1, and so is a holder without
-     *         a document, or with one that has no document element
+     *         a document
      */
     int doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out);
 

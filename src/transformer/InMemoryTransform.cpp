@@ -6,6 +6,7 @@
 #include "engine/PrivateEngine.h"
 #include "functions/FunctionMap.h"
 #include "transformer/ExceptionReport.h"
+#include "transformer/SourceDocument.h"
 #include "transformer/StylesheetParams.h"
 
 #include <vexa/Dom2Dom.h>
@@ -14,33 +15,14 @@
 
 #include <xalanc/XSLT/StylesheetConstructionContextDefault.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
-#include <xalanc/XSLT/XSLTProcessorException.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
-#include <xalanc/XalanDOM/XalanDOMException.hpp>
-#include <xalanc/XalanDOM/XalanDocument.hpp>
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
-#include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
 #include <xalanc/XalanTransformer/XalanTransformerProblemListener.hpp>
 
 using xalanc::XalanDOMString;
 using xalanc::XSLTInputSource;
 
 namespace {
-
-/** The engine crashes over a document without an element as soon as a pattern begins with "/". */
-void refuseWithoutDocumentElement(const xalanc::XalanDocument* document) {
-    if (document && !document->getDocumentElement()) {
-        throw xalanc::XSLTProcessorException(
-            engineMemory(), XalanDOMString("The input document has no document element."));
-    }
-}
-
-/** A document holds one result. The engine would find that out only when it comes to an element. */
-void refuseSecondResult(const xalanc::FormatterToSourceTree* formatter) {
-    if (formatter && formatter->getDocument()->getDocumentElement()) {
-        throw xalanc::XalanDOMException(xalanc::XalanDOMException::HIERARCHY_REQUEST_ERR);
-    }
-}
 
 /**
  * A run leaves the engine's prefix resolver with the formatter, which lives on in its holder when
@@ -92,8 +74,7 @@ int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, D
 
 void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& stylesheet,
                                            Dom2Dom& out) {
-    refuseWithoutDocumentElement(in.GetDocument());
-    refuseSecondResult(out.m_pFormatter.get());
+    const SourceDocument document(in.GetDocument());
     // Messages of the stylesheet go where the engine transformer of the other transforms puts them.
     xalanc::XalanTransformerProblemListener messages(engineMemory(), &std::cerr, nullptr);
     PrivateEngine engine([this](xalanc::XSLTProcessorEnvSupportDefault& environment) {
@@ -106,7 +87,7 @@ void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& styles
     const PrefixResolverGuard resolverGuard(out.m_pFormatter.get());
 
     XSLTInputSource source;
-    source.setNode(in.GetDocument());
+    source.setNode(document.get());
     xalanc::XPathFactoryDefault stylesheetXPathFactory;
     xalanc::StylesheetConstructionContextDefault construction(
         engineMemory(), engine.processor, stylesheetXPathFactory, 1024, 128, 128, 128, 32, 512);

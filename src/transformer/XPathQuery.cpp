@@ -6,6 +6,7 @@
 #include "engine/PrivateEngine.h"
 #include "engine/XmlWriter.h"
 #include "transformer/ExceptionReport.h"
+#include "transformer/SourceDocument.h"
 
 #include <vexa/Dom2Dom.h>
 #include <vexa/TqXsltFunction.h>
@@ -16,25 +17,10 @@
 #include <xalanc/XPath/XObject.hpp>
 #include <xalanc/XPath/XPathEvaluator.hpp>
 #include <xalanc/XPath/XalanXPathException.hpp>
-#include <xalanc/XalanDOM/XalanDocument.hpp>
 
 using xalanc::XalanDOMString;
 
 namespace {
-
-[[noreturn]] void refuse(const char* reason) {
-    throw xalanc::XalanXPathException(XalanDOMString(reason), engineMemory());
-}
-
-/** The engine crashes over many expressions where there is no document, or none with an element. */
-void refuseWithoutDocumentElement(const xalanc::XalanDocument* document) {
-    if (!document) {
-        refuse("The holder has no document to query.");
-    }
-    if (!document->getDocumentElement()) {
-        refuse("The document to query has no document element.");
-    }
-}
 
 /** Only a string or a single node has a text. */
 void print(const xalanc::XObject& result, std::ostream& out) {
@@ -53,16 +39,20 @@ void print(const xalanc::XObject& result, std::ostream& out) {
 }
 
 void query(xalanc::XalanDocument* document, const I18NString& expression, std::ostream& out) {
-    refuseWithoutDocumentElement(document);
+    if (!document) {
+        throw xalanc::XalanXPathException(XalanDOMString("The holder has no document to query."),
+                                          engineMemory());
+    }
+    const SourceDocument source(document);
     // It evaluates nothing itself, but the evaluator reads the document through its supports.
     PrivateEngine engine;
     engine.domSupport.setParserLiaison(&engine.parserLiaison);
     xalanc::XPathEvaluator evaluator;
-    const DocumentPrefixes prefixes(document);
+    const DocumentPrefixes prefixes(source.get());
     const XalanDOMString xpath = toEngineString(expression);
     refuseTooDeepExpression({xpath.c_str(), xpath.length()});
     const xalanc::XObjectPtr result =
-        evaluator.evaluate(engine.domSupport, document, xpath.c_str(), prefixes);
+        evaluator.evaluate(engine.domSupport, source.get(), xpath.c_str(), prefixes);
     print(*result, out);
 }
 
