@@ -127,8 +127,8 @@ public:
     /**
      * Transforms a stream into a stream.
      *
-     * An earlier error text of an in-memory transform, a query or an empty source name stays in
-     * place, and getLastError() goes on to give it: the other transforms clear it.
+     * An earlier error text of an in-memory transform or a query stays in place, and getLastError()
+     * goes on to give it: the other transforms clear it.
      *
      * @param source         the document, read to its end. It has no base: relative references in
      *                       it are resolved against the working directory

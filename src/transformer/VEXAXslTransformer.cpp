@@ -13,6 +13,7 @@
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
 #include <xalanc/XalanTransformer/XalanTransformer.hpp>
+#include <xercesc/sax/SAXException.hpp>
 
 using xalanc::XalanDOMString;
 using xalanc::XalanParsedSource;
@@ -21,8 +22,16 @@ using xalanc::XSLTResultTarget;
 
 namespace {
 
-/** What the engine itself reports for a document that it cannot find or parse. */
-constexpr int PARSE_FAILED = -2;
+/**
+ * What an empty name stands for: without a source the engine would go on and crash. The error
+ * message is left with the engine, as a transform of a stream does not clear the transformer's own.
+ */
+class NamelessSource : public XSLTInputSource {
+public:
+    xercesc::BinInputStream* makeStream() const override {
+        throw xercesc::SAXException(u"The name of the source file is empty.");
+    }
+};
 
 } // namespace
 
@@ -72,14 +81,12 @@ const char* VEXAXslTransformer::getLastError() const {
 int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NString& stylesheetFile,
                                     const I18NString& outputFile) {
     m_strLastError = I18NString();
-    if (sourceFile.empty()) {
-        // The engine would go on without a document and crash.
-        m_strLastError = "The name of the source file is empty.";
-        return PARSE_FAILED;
-    }
     const XalanParsedSource* source = nullptr;
-    if (const int result = m_pTransformer->parseSource(XSLTInputSource(toSystemId(sourceFile)),
-                                                       source, m_bUseXercesDOM)) {
+    const auto parse = [&](const XSLTInputSource& input) {
+        return m_pTransformer->parseSource(input, source, m_bUseXercesDOM);
+    };
+    if (const int result = sourceFile.empty() ? parse(NamelessSource())
+                                              : parse(XSLTInputSource(toSystemId(sourceFile)))) {
         return result;
     }
     // The source stays the engine transformer's, until that is destroyed: hosts count on it.

@@ -25,6 +25,26 @@ TEST_F(FileTransformTest, RefusesAnEmptySourceNameWithATextOfItsOwn) {
     EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
 }
 
+TEST_F(FileTransformTest, AnEmptySourceNameHidesNoErrorOfALaterStreamTransform) {
+    EXPECT_EQ(onFileRoad("", sheetWithRootTemplate("<b/>")).result, -2);
+    const auto malformed = onStreamRoad("<a>", sheetWithRootTemplate("<b/>"));
+    EXPECT_EQ(malformed.result, -2);
+    EXPECT_EQ(malformed.error.rfind("SAXParseException: ", 0), 0U) << malformed.error;
+
+    EXPECT_EQ(onFileRoad("", sheetWithRootTemplate("<b/>")).result, -2);
+    const auto failed = onStreamRoad("<a/>", sheetWithRootTemplate("<xsl:foo/>"));
+    EXPECT_EQ(failed.result, -1);
+    EXPECT_NE(failed.error.find("xsl:foo"), std::string::npos) << failed.error;
+}
+
+TEST_F(FileTransformTest, RefusesAnEmptySourceNameForEitherTree) {
+    VEXAXslTransformer::m_bUseXercesDOM = true;
+    const auto outcome = onFileRoad("", sheetWithRootTemplate("<b/>"));
+    VEXAXslTransformer::m_bUseXercesDOM = false;
+    EXPECT_EQ(outcome.result, -2);
+    EXPECT_EQ(outcome.error, "The name of the source file is empty.");
+}
+
 TEST_F(FileTransformTest, ClearsAnEarlierErrorTextOfItsOwn) {
     Inspector::ownError(m_transformer) = "left by an earlier operation";
     EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).error, "");
