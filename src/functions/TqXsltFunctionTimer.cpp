@@ -36,18 +36,6 @@ double totalSeconds(const timeStopwatch& timer) {
                               : MyTimeElapsed(MyCurrentTime(), timer.ulStart) + timer.dTotal;
 }
 
-std::uint32_t millisecondsOf(const char* stamp) {
-    constexpr std::uint32_t MSEC_SEC = 1000;
-    constexpr std::uint32_t MSEC_MIN = 60 * MSEC_SEC;
-    constexpr std::uint32_t MSEC_HOUR = 60 * MSEC_MIN;
-    constexpr std::uint32_t MSEC_DAY = 24 * MSEC_HOUR;
-
-    unsigned year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
-    std::sscanf(stamp, "%4u%2u%2u%2u%2u%2u%3u", &year, &month, &day, &hour, &minute, &second,
-                &millisecond);
-    return day * MSEC_DAY + hour * MSEC_HOUR + minute * MSEC_MIN + second * MSEC_SEC + millisecond;
-}
-
 I18NString formatNumber(int number) {
     char text[128] = {};
     std::snprintf(text, sizeof text, "%d", number);
@@ -64,11 +52,19 @@ I18NString formatSeconds(double seconds) {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): so is its interface
 std::uint32_t MyConvertTimeString(I18NString stamp) {
-    return millisecondsOf(stamp.c_str());
+    constexpr std::uint32_t MSEC_SEC = 1000;
+    constexpr std::uint32_t MSEC_MIN = 60 * MSEC_SEC;
+    constexpr std::uint32_t MSEC_HOUR = 60 * MSEC_MIN;
+    constexpr std::uint32_t MSEC_DAY = 24 * MSEC_HOUR;
+
+    unsigned year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
+    std::sscanf(stamp.c_str(), "%4u%2u%2u%2u%2u%2u%3u", &year, &month, &day, &hour, &minute,
+                &second, &millisecond);
+    return day * MSEC_DAY + hour * MSEC_HOUR + minute * MSEC_MIN + second * MSEC_SEC + millisecond;
 }
 
 std::uint32_t MyCurrentTime() {
-    return millisecondsOf(NRBUtSystemInfo::getTimeStamp(0).c_str());
+    return MyConvertTimeString(I18NString(NRBUtSystemInfo::getTimeStamp(0).c_str()));
 }
 
 double MyTimeElapsed(std::uint32_t from, std::uint32_t to) {
