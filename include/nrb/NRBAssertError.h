@@ -1,6 +1,6 @@
 /**
  * @file
- * The error raised where code finds that something which must hold does not.
+ * The error of a failed assertion.
  */
 #pragma once
 
@@ -10,18 +10,18 @@
 #include <stdexcept>
 #include <string>
 
-/** A place in the source code. A value; it owns its text. */
+/** A location in the source code. A value type; it owns its text. */
 class NRB_EXPORT NRBFileLocation {
 public:
     /**
-     * @param file name of the source file without its extension; null stands for an empty name
-     * @param line line number, counted from 1; 0 if unknown
+     * @param file name of the source file without its extension; null: an empty name
+     * @param line line number, from 1; 0 if unknown
      */
     NRBFileLocation(const char* file = nullptr, int line = 0);
 
-    /** The file name, as long as this object lives. Never null. */
+    /** Returns the file name. Never null. The pointer is valid as long as this object. */
     const char* getFile() const noexcept { return m_strFile.c_str(); }
-    /** The line number, counted from 1; 0 if unknown. */
+    /** Returns the line number, from 1; 0 if unknown. */
     int getLine() const noexcept { return m_nLine; }
 
 private:
@@ -30,39 +30,40 @@ private:
 };
 
 /**
- * An assertion that failed. It is made with what went wrong, and raised with where.
+ * The error of a failed assertion. The constructor takes the failed condition, and hurl() takes its
+ * location and throws.
  *
- * Ownership: every text is copied; the pointers that the accessors return live as long as the error
- * object does. All texts are narrow text in the platform's default encoding.
+ * Ownership: all texts are copied. The pointers that the accessors return are valid as long as the
+ * error object. All texts are narrow text in the platform's default encoding.
  */
 class NRB_EXPORT NRBAssertError : public std::runtime_error {
 public:
     /**
-     * @param code a number for programs to look at
-     * @param text the assertion, for people to read; null stands for an empty text
+     * @param code an error code for programs
+     * @param text the failed assertion as text; null: an empty text
      */
     NRBAssertError(long code, const char* text);
     ~NRBAssertError() override;
 
     /**
-     * Records the place and throws this error (a copy of it, as a throw makes one).
+     * Stores the location and throws a copy of this error.
      *
-     * @param location where the assertion stands
-     * @param detail   a further text; may be null
-     * @param origin   which macro or function raised it; may be null
+     * @param location the location of the assertion
+     * @param detail   an additional text; may be null
+     * @param origin   the macro or function that raises the error; may be null
      * @throws NRBAssertError always
      */
     [[noreturn]] void hurl(const NRBFileLocation& location, const char* detail, const char* origin);
 
-    /** The code given at construction. */
+    /** Returns the code given to the constructor. */
     long getCode() const noexcept { return m_lCode; }
-    /** The text given at construction, the same as what(). Never null. */
+    /** Returns the text given to the constructor, the same as what(). Never null. */
     const char* getText() const noexcept { return what(); }
-    /** The place given to hurl; an empty name and line 0 before that. */
+    /** Returns the location given to hurl(); before that, an empty name and line 0. */
     const NRBFileLocation& getLocation() const noexcept { return m_location; }
-    /** The detail given to hurl; null if none was. */
+    /** Returns the detail given to hurl(); null if there is none. */
     const char* getDetail() const noexcept { return m_strDetail ? m_strDetail->c_str() : nullptr; }
-    /** The origin given to hurl; null if none was. */
+    /** Returns the origin given to hurl(); null if there is none. */
     const char* getOrigin() const noexcept { return m_strOrigin ? m_strOrigin->c_str() : nullptr; }
 
 private:

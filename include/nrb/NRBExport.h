@@ -1,10 +1,11 @@
 /**
  * @file
- * Marks what libNRBCore offers to other libraries; everything else stays hidden in it.
+ * Symbol visibility of libNRBCore. Only what is marked with NRB_EXPORT is exported.
  */
 #pragma once
 
+/** Exports a class or function of libNRBCore. */
 #define NRB_EXPORT __attribute__((visibility("default")))
 
-/** Keeps a private part of an exported class inside libNRBCore. */
+/** Hides a private part of an exported class. */
 #define NRB_LOCAL __attribute__((visibility("hidden")))

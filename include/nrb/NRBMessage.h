@@ -1,6 +1,6 @@
 /**
  * @file
- * A message that exists in several languages.
+ * A message with texts in several languages.
  */
 #pragma once
 
@@ -8,13 +8,13 @@
 #include <nrb/NRBExport.h>
 
 /**
- * The base of catalogue messages: finds the language in which a message can be told. Where the
- * texts are kept is the business of the class derived from it.
+ * Base class of messages from a catalogue. It selects the language; a derived class provides the
+ * texts.
  *
- * Ownership: a value without state of its own.
+ * Ownership: a value type without a state of its own.
  *
- * Threads: any number of threads may format at once, as far as the derived class's findText()
- * allows it.
+ * Threads: any number of threads may call format() at the same time if findText() of the derived
+ * class allows it.
  *
  * Exceptions: what findText() throws, and std::bad_alloc.
  */
@@ -23,31 +23,31 @@ public:
     virtual ~NRBMessage();
 
     /**
-     * Writes the message's text into `out`.
+     * Writes the text of the message into `out`.
      *
      * The languages are tried in this order: `language`, its parents (de_AT, then de), then
      * `fallbackLanguage` and its parents. A language is an ICU locale identifier or a BCP 47 tag,
-     * in upper or lower case: "de_AT", "de-AT" and "DE" all find German. The process's own locale
-     * plays no part. If none has a text, `out` becomes empty.
+     * in upper or lower case: "de_AT", "de-AT" and "DE" all find German. The locale of the process
+     * is not used.
      *
-     * @param language         narrow text; null or empty: go straight to the fallback
-     * @param fallbackLanguage narrow text; null or empty: no fallback
-     * @param out              receives the text
+     * @param language         narrow text; null or empty: only the fallback language is tried
+     * @param fallbackLanguage narrow text; null or empty: no fallback language
+     * @param out              receives the text; empty if no language has one
      */
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const;
 
 protected:
     NRBMessage() = default;
-    /** Copies nothing, as there is nothing to copy. */
+    /** For derived classes. The base class has no state. */
     NRBMessage(const NRBMessage&) = default;
-    /** Copies nothing, as there is nothing to copy. */
+    /** For derived classes. The base class has no state. */
     NRBMessage& operator=(const NRBMessage&) = default;
 
     /**
-     * Gives the message's text in exactly one language.
+     * Finds the text of the message in exactly one language.
      *
      * @param locale an ICU locale identifier in canonical form, such as "de" or "de_AT"
-     * @param out    receives the text; to be left alone where there is none
+     * @param out    receives the text; must stay unchanged if there is none
      * @return whether there is a text in that language
      */
     virtual bool findText(const char* locale, I18NString& out) const = 0;

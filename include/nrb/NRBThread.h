@@ -1,7 +1,7 @@
 /**
  * @file
- * Locks: a resource that can be locked, the critical section, and the guard that holds a lock for a
- * scope.
+ * Locks: the interface of a lockable resource, a critical section, and a guard that holds a lock
+ * for a scope.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 
 #include <mutex>
 
-/** Something that one thread at a time may hold. std::lock_guard and its kin can hold it, too. */
+/** A resource that one thread at a time can lock. std::lock_guard works with it, too. */
 class NRB_EXPORT NRBThreadLockableResource {
 public:
     NRBThreadLockableResource() = default;
@@ -18,23 +18,23 @@ public:
     virtual ~NRBThreadLockableResource();
 
     /**
-     * Waits until the calling thread holds the resource.
-     * @throws std::system_error where the system cannot lock it
+     * Waits until the calling thread holds the lock.
+     * @throws std::system_error if the system cannot lock it
      */
     virtual void lock() = 0;
-    /** Gives the resource back. Only the thread that holds it may call this, once for each lock. */
+    /** Releases the lock. Only the thread that holds it may call this, once for each lock(). */
     virtual void unlock() = 0;
 };
 
 /**
- * A lock within one process. The thread that holds it may take it again, and then has to give it
- * back as often.
+ * A recursive lock within one process: the thread that holds it may lock it again, and must unlock
+ * it as often.
  */
 class NRB_EXPORT NRBThreadCriticalSection : public NRBThreadLockableResource {
 public:
     /**
-     * An open lock.
-     * @param attempts how often lock() tries before it puts the thread to sleep
+     * Creates the lock in the unlocked state.
+     * @param attempts how often lock() tries to lock without blocking before it blocks
      */
     explicit NRBThreadCriticalSection(int attempts);
     ~NRBThreadCriticalSection() override;
@@ -47,14 +47,14 @@ private:
     std::recursive_mutex m_mutex;
 };
 
-/** Holds a resource from its construction to its destruction; the resource must live longer. */
+/** Locks a resource during its own lifetime. The resource must outlive the guard. */
 class NRB_EXPORT NRBThreadGuard {
 public:
-    /** Waits until the calling thread holds the resource; throws what its lock() throws. */
+    /** Waits until the calling thread holds the lock. Throws what lock() throws. */
     explicit NRBThreadGuard(NRBThreadLockableResource& resource);
     NRBThreadGuard(const NRBThreadGuard&) = delete;
     NRBThreadGuard& operator=(const NRBThreadGuard&) = delete;
-    /** Gives the resource back. */
+    /** Releases the lock. */
     ~NRBThreadGuard();
 
 private:

@@ -1,6 +1,6 @@
 /**
  * @file
- * What the operating system can tell: the one place where the platform reads the clock.
+ * System information: the current time. Only this class reads the clock.
  */
 #pragma once
 
@@ -8,18 +8,18 @@
 
 #include <string>
 
-/** Facts about the system. Only static operations; any number of threads may call them. */
+/** System information. All operations are static; any number of threads may call them. */
 class NRB_EXPORT NRBUtSystemInfo {
 public:
     NRBUtSystemInfo() = delete;
 
     /**
-     * The present moment in the process's local time, in 17 digits: YYYYMMDDhhmmssmmm (year, month,
-     * day, hour, minute, second, millisecond), each field with leading zeros. The time zone is the
-     * one that the C library knows: after a change of the variable TZ, call tzset.
+     * Returns the current local time as 17 digits: YYYYMMDDhhmmssmmm (year, month, day, hour,
+     * minute, second, millisecond), each field with leading zeros. The time zone is that of the C
+     * library: after a change of the environment variable TZ, call tzset().
      *
-     * @param kind which time stamp; 0 is the only kind there is, others are treated as 0
-     * @return the digits, in ASCII
+     * @param kind the kind of time stamp; every value is treated as 0
+     * @return 17 ASCII digits
      * @throws std::bad_alloc
      */
     static std::string getTimeStamp(int kind);

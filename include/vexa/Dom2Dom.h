@@ -1,6 +1,6 @@
 /**
  * @file
- * A document in memory: input or output of an in-memory transform.
+ * In-memory documents: input and output of in-memory transforms.
  */
 #pragma once
 
@@ -23,7 +23,7 @@ class XSLTResultTarget;
 } // namespace VEXA_ENGINE_NAMESPACE
 
 /**
- * Holds one document, so that transforms can be chained without turning it into text between them.
+ * An in-memory document. Transforms can be chained without text between them:
  *
  *     auto source = transformer.createDom2Dom();
  *     auto result = transformer.createDom2Dom();
@@ -32,128 +32,134 @@ class XSLTResultTarget;
  *         result->Serialize(std::cout);
  *     }
  *
- * A holder takes one role, once: an input (a parsed document), a document output (an empty document
- * that receives a result) or a stream output (a result goes to a stream as text). A document output
- * that has received its result may be the input of further transforms and queries.
+ * The mode is set once, by one of the Initialize operations:
+ * - input: a parsed document, the source of transforms and queries;
+ * - document output: receives one result as a document, and can then be the source of transforms
+ *   and queries;
+ * - stream output: writes results to a stream as text.
  *
- * Ownership: a holder owns its document. It borrows its transformer's engine and must be destroyed
- * before that transformer.
+ * Ownership: the object owns its document. It uses the engine of its transformer: destroy it before
+ * the transformer.
  *
- * Threads: a holder belongs to its transformer's thread.
+ * Threads: used by one thread at a time, together with its transformer.
  *
- * Failures: a failed parse has its reason in getLastError(); a role taken a second time is refused
- * without one.
+ * Failures: after a failed parse, getLastError() returns the error message. A second attempt to set
+ * the mode returns false without a message.
  *
- * Exceptions: they pass to the caller; only Serialize reports one of the engine's itself. A holder
- * whose output role could not be built for lack of memory is spent: take a new one.
+ * Exceptions: pass to the caller, except the XSLException that Serialize() reports. If an output
+ * mode could not be set because memory was exhausted, the object is no longer usable: create a new
+ * one.
  */
 class VEXA_EXPORT Dom2Dom {
 public:
     /**
-     * A holder without a role; VEXAXslTransformer::createDom2Dom() makes one, too.
-     * @param transformer must not be null, and must outlive the holder
+     * Creates a document without a mode, like VEXAXslTransformer::createDom2Dom().
+     * @param transformer must not be null, and must outlive this object
      */
     explicit Dom2Dom(VEXAXslTransformer* transformer);
     Dom2Dom(const Dom2Dom&) = delete;
     Dom2Dom& operator=(const Dom2Dom&) = delete;
-    /** Destroys the document with the holder, whatever state it is in. */
+    /** Frees the document. */
     ~Dom2Dom();
 
     /**
-     * Takes the input role: parses a document.
+     * Sets the input mode, and parses a document.
      *
-     * @param text the whole document, NUL-terminated, in the encoding that it declares, or in UTF-8
-     *             where it declares none. Null is taken as an empty text. Not needed afterwards
-     * @return true if there is a document now; false if the parse failed, or if the holder had a
-     *         role already. After a failed parse the holder keeps the input role: take a new one to
-     *         try again
+     * @param text the whole document, NUL-terminated, in the encoding that it declares; UTF-8 if it
+     *             declares none. Null is treated as an empty text. The text is not used after the
+     *             call
+     * @return true if the document was parsed; false if the parse failed, or if the mode was
+     *         already set. After a failed parse the mode stays set: create a new object to try
+     *         again
      */
     bool InitializeInputSource(const char* text);
 
     /**
-     * Takes the input role: parses a document from a stream.
+     * Sets the input mode, and parses a document from a stream.
      *
-     * @param stream   is read to its end. If it throws (see std::ios::exceptions), that exception
-     *                 passes, and the holder has no role
-     * @param systemId the document's URI or file name, in the platform's default encoding: relative
-     *                 references in the document are resolved against it, and error texts name it;
-     *                 null is taken as an empty one
+     * @param stream   read to its end. If it throws (see std::ios::exceptions), the exception
+     *                 passes to the caller, and the mode is not set
+     * @param systemId URI or file name of the document, in the platform's default encoding.
+     *                 Relative references in the document are resolved against it, and error
+     *                 messages contain it. Null is treated as an empty text
      * @return as for the parse of a text
      */
     bool InitializeInputSource(std::istream& stream, const char* systemId);
 
     /**
-     * Takes the output role: a transform builds its result as a document here. A document has one
-     * element and no text outside it: a second result fails with -4 as soon as it comes to an
-     * element or to text, and the element of the first stays as it is. Comments and processing
-     * instructions of a second result are added, also those that come before such a failure.
-     * A transform that fails half way leaves what it had built: take a new holder.
+     * Sets the document output mode: a transform builds its result as a document here. A document
+     * has one document element, and no text outside it. A second result therefore fails with -4 at
+     * its first element or text, and the first document element stays unchanged; comments and
+     * processing instructions before the failure are added. A second result that has only comments
+     * and processing instructions succeeds, and they are added. A transform that fails midway
+     * leaves the part that it has built: create a new object.
      *
-     * Of a stylesheet's output settings none applies to a document: no output method, no encoding,
-     * no CDATA sections (their text is kept).
+     * The output settings of the stylesheet (xsl:output) do not apply. The text of CDATA sections
+     * is added as text.
      *
-     * @return true if the holder has taken the role; false if it had one already
+     * @return true if the mode was set; false if it was already set
      */
     bool InitializeOutputTarget();
 
     /**
-     * Takes the output role: a transform writes its result to a stream as text, as the stylesheet's
-     * output settings say. Several results follow one another.
+     * Sets the stream output mode: transforms write their results to a stream as text, as the
+     * output settings of the stylesheet (xsl:output) say, one after the other.
      *
-     * @param stream is kept, and must live as long as the holder is used
-     * @return true if the holder has taken the role; false if it had one already
+     * @param stream must stay valid as long as this object is used as an output
+     * @return true if the mode was set; false if it was already set
      */
     bool InitializeOutputTarget(std::ostream& stream);
 
     /**
-     * Writes the document of a document output as XML: the declaration, the document element with
-     * its subtree (comments and processing instructions beside it are left out), a line feed and
-     * one NUL character. A holder of another role writes only the line feed and the NUL.
+     * Writes the document of a document output as XML in UTF-8: the XML declaration, the document
+     * element with its content, a newline and one NUL character. Comments and processing
+     * instructions outside the document element are left out.
      *
-     * The text is in UTF-8. A document output without a result gives the declaration, the line feed
-     * and the NUL.
+     * A document output without a result writes the XML declaration, the newline and the NUL. An
+     * object in any other mode, or without a mode, writes the newline and the NUL.
      *
-     * @param os its error state is cleared first; its state afterwards tells whether it took the
-     *           text
-     * @return 0; -1 if the engine reported an XSLException, with the reason in getLastError(): then
-     *         the line feed and the NUL are missing. A success leaves an earlier reason in place
-     * @throws xercesc::SAXException for a character that XML cannot hold (U+0001, from a function,
-     *         say); whatever the stream throws
+     * @param os its error state is cleared first. Check its state after the call for write errors
+     * @return 0; -1 after an XSLException of the engine: the newline and the NUL are then missing,
+     *         and getLastError() returns the error message. A success does not clear an earlier
+     *         message
+     * @throws xercesc::SAXException for a character that XML does not allow, such as U+0001 from an
+     *         extension function; whatever the stream throws
      */
     int Serialize(std::ostream& os);
 
     /**
-     * The document; null before a successful initialisation, and for a stream output. It belongs to
-     * the holder and lives as long as the holder does.
+     * Returns the document; null before a successful initialization and for a stream output. The
+     * document is valid as long as this object, which owns it.
      */
     VEXA_ENGINE_NAMESPACE::XalanDocument* GetDocument() const { return m_pDocument; }
 
     /**
-     * The reason of the last failure, in the platform's default encoding. It is the holder's own
-     * (from Serialize), or else the last message of the transformer's engine: that of its last
-     * parse, or of its last transform of a file or a stream. Read the reason of a failed parse
-     * before the next one.
+     * Returns the error message of the last failure, in the platform's default encoding: that of
+     * Serialize() if there is one, otherwise the last message of the transformer's engine, from its
+     * last parse or its last file or stream transform. Read the message of a failed parse before
+     * the next parse.
      *
-     * Empty if there is none; never null. The pointer lives until the next operation of the holder,
-     * its transformer, or another of its holders: copy the text.
+     * Empty if there is none; never null. The pointer is valid until the next operation of this
+     * object, of its transformer, or of another in-memory document of the transformer: copy the
+     * text.
      */
     const char* getLastError() const;
 
 private:
     friend class VEXAXslTransformer;
 
-    /** Gives objects of the engine back to the engine transformer that made them. */
+    /** Frees engine objects through the engine transformer that created them. */
     struct VEXA_LOCAL EngineRelease {
         VEXA_ENGINE_NAMESPACE::XalanTransformer* engine;
         void operator()(const VEXA_ENGINE_NAMESPACE::XalanParsedSource* source) const;
         void operator()(VEXA_ENGINE_NAMESPACE::XalanDocumentBuilder* builder) const;
     };
 
-    bool hasRole() const { return m_bInputInitialized || m_bOutputInitialized; }
+    bool hasMode() const { return m_bInputInitialized || m_bOutputInitialized; }
     VEXA_LOCAL bool parse(std::istream& stream, const char* systemId);
 
-    // Destroyed from the last to the first: the builder with its document, the formatter that wrote
-    // to it, the target that fed the formatter, the parsed source.
+    // Members are destroyed in reverse order: the builder with its document, the formatter that
+    // wrote to it, the target that passed the events to the formatter, the parsed source.
     VEXA_ENGINE_NAMESPACE::XalanTransformer* m_pTransformer;
     VEXA_ENGINE_NAMESPACE::XalanDocument* m_pDocument = nullptr;
     bool m_bInputInitialized = false;

@@ -1,6 +1,6 @@
 /**
  * @file
- * Start and stop of the library, and its version record.
+ * Initialization and termination of the library, and its version record.
  *
  *     TQXslTransformer_Initialize(nullptr);
  *     {
@@ -16,45 +16,46 @@
 extern "C" {
 
 /**
- * Starts the library for one user, before that user's first VEXAXslTransformer. Starts are counted
- * over the whole process: the first one starts the XML parser and the XSLT processor, each further
- * one only counts.
+ * Initializes the library for one user. Call it before the user's first VEXAXslTransformer.
  *
- * After more stops than starts a start only counts too, until the count is back at zero.
+ * The library counts the calls in the whole process. The first call initializes the XML parser and
+ * the XSLT processor; further calls only count. After more terminations than initializations, a
+ * call only counts too, until the count is back at zero.
  *
- * A host may have started Xerces-C itself, with a memory manager of its own if it likes. It must
- * not call XalanTransformer::initialize itself: the XSLT processor aborts the process at its second
- * stop.
+ * The host may initialize Xerces-C itself before, also with its own memory manager. It must not
+ * call XalanTransformer::initialize(): the XSLT processor aborts the process at the second
+ * XalanTransformer::terminate().
  *
- * Threads: any thread, at any time; a second thread waits until the engines are fully up.
+ * Threads: any thread, at any time. A second thread waits until the engines are initialized.
  *
- * Exceptions: what the engines throw while they start. Such a start does not count, and a later one
- * tries again. An engine that ran out of memory in the middle of its own start may not survive
- * that.
+ * Exceptions: what the engines throw during their initialization. The call then does not count, and
+ * a later call tries again. If an engine runs out of memory during its initialization, a later call
+ * may crash.
  *
- * @param ignored is not looked at and may be null
+ * @param ignored not used; may be null
  * @return 0
  */
 VEXA_EXPORT int TQXslTransformer_Initialize(const char* ignored);
 
 /**
- * Ends one user's use of the library, after that user's last VEXAXslTransformer is gone. The stop
- * that matches the first start stops the engines. Stops without a start are counted as well.
+ * Terminates the library for one user. Call it after the user's last VEXAXslTransformer is
+ * destroyed. The call that matches the first initialization terminates the engines. A call without
+ * a matching initialization is counted too.
  *
  * Threads: any thread, at any time.
  *
- * Exceptions: what the engines throw while they stop. Such a stop does not count.
+ * Exceptions: what the engines throw during their termination. The call then does not count.
  *
- * @param ignored is not looked at and may be null
+ * @param ignored not used; may be null
  * @return 0
  */
 VEXA_EXPORT int TQXslTransformer_Terminate(const char* ignored);
 
 /**
- * The version record: nine what-strings, each beginning with "@(#)", that tools such as what(1)
- * find in the library's file. In this order: a rule; the product; the product with its version; the
- * maker, the library and its build number; the library; three legal notices; a rule. The texts live
- * as long as the library is loaded.
+ * The version record: nine what-strings. Each begins with "@(#)", so that tools such as what(1)
+ * find them in the library file. In this order: a line of hyphens; the product; the product and its
+ * version; the maker, the library and its build number; the library; three legal notices; a line of
+ * hyphens. The texts are valid as long as the library is loaded.
  */
 VEXA_EXPORT extern const char* const nrbVersionInfo[9];
 

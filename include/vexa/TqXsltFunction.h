@@ -1,13 +1,13 @@
 /**
  * @file
- * The base class of XPath extension functions.
+ * Base class of XPath extension functions.
  */
 #pragma once
 
 #include <nrb/I18NString.h>
 #include <vexa/VEXAExport.h>
 
-// What a function needs to read its arguments and to make its result.
+// These headers are needed to read the arguments of a function and to create its result.
 #include <xalanc/XPath/Function.hpp>
 #include <xalanc/XPath/XObject.hpp>
 #include <xalanc/XPath/XObjectFactory.hpp>
@@ -17,7 +17,7 @@
  * An XPath function that stylesheets can call in the library's extension namespace
  * (VEXA_XSL_EXTENSION_NAMESPACE).
  *
- * A function of your own overrides three operations, and is handed to
+ * To write an extension function, override three operations, and install the function with
  * VEXAXslTransformer::installExternalFunction():
  *
  *     class FunctionShout : public TqXsltFunction {
@@ -38,21 +38,21 @@
  *         }
  *     };
  *
- * Ownership: the transformer and the engine work on clones, several of each function. The caller's
- * own object may go as soon as it is installed.
+ * Ownership: the transformer and the engine use clones, several of each function. The caller may
+ * destroy its own object after the installation.
  *
  * Threads: a clone is called on the thread that runs the transform. It must not call the
- * transformer that is running it.
+ * transformer that runs it.
  *
- * Exceptions: what `execute` throws ends the transform. The transforms of files and of streams
- * report an exception of the engines', and let any other pass to their caller. The in-memory
- * transform reports every one.
+ * Exceptions: an exception of `execute` ends the transform. File and stream transforms report
+ * exceptions of the engine, and let all others pass to the caller. The in-memory transform reports
+ * every exception.
  */
 class VEXA_EXPORT TqXsltFunction : public xalanc::Function {
 public:
-    /** For derived classes; the base has no state. */
+    /** For derived classes. The base class has no state. */
     TqXsltFunction();
-    /** For derived classes, whose `clone` may copy. */
+    /** For the `clone` operations of derived classes. */
     TqXsltFunction(const TqXsltFunction& other);
     ~TqXsltFunction() override;
 
@@ -61,45 +61,49 @@ public:
     /**
      * Evaluates a call of the function.
      *
-     * @param executionContext the evaluation under way; its XObject factory makes the result, and
-     *                         its `problem` operation reports a wrong call
+     * @param executionContext its XObject factory creates the result, and its `problem` operation
+     *                         reports a wrong call
      * @param context          the context node; may be null
      * @param args             the arguments, in order
-     * @param locator          where the call stands; may be null
-     * @return the result; never null, which the engine does not survive
+     * @param locator          the location of the call; may be null
+     * @return the result; must not be null: the engine would crash
      */
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
                                const xalanc::Locator* locator) const override = 0;
 
-    /** Gives a copy of this function, made with plain `new`. It belongs to the caller. Never null.
-     */
+    /** Returns a copy of this function, created with `new`. The caller owns it. Never null. */
     virtual TqXsltFunction* clone() const = 0;
 
-    /** The text that tells how the function is to be called. Needs a started library. */
+    /** Returns the message for a wrong call. The library must be initialized. */
     virtual xalanc::XalanDOMString getError() const = 0;
 
     /**
-     * Gives the engine a copy of this function in the engine's own memory; functions leave it as it
-     * is. It throws what clone() throws, and what the memory manager throws.
+     * Creates a copy of this function in the engine's memory. Do not override it. It throws what
+     * clone() throws, and what the memory manager throws.
      *
-     * @param memoryManager the engine's own
-     * @return belongs to the engine, which gives its memory back to that manager
+     * @param memoryManager the memory manager of the engine
+     * @return a function that the engine owns and frees through `memoryManager`
      */
     Function* clone(xercesc::MemoryManager& memoryManager) const override;
 
     /**
-     * The text as an engine string. Needs a started library. It ends at the first NUL. Any number
-     * of threads may convert at once, this way and back.
+     * Converts a string to an engine string, up to the first NUL. The library must be initialized.
+     * Any number of threads may convert at the same time.
      *
-     * @throws std::bad_alloc, or what the engine's memory manager throws
+     * @throws std::bad_alloc, or what the memory manager of the engine throws
      */
     static xalanc::XalanDOMString I18NStringToXalanDOMString(const I18NString& text);
 
-    /** An engine string as a text. It ends at the first NUL. @throws std::bad_alloc */
+    /**
+     * Converts an engine string to a string, up to the first NUL. Any number of threads may convert
+     * at the same time.
+     *
+     * @throws std::bad_alloc
+     */
     static I18NString XalanDOMStringToI18NString(const xalanc::XalanDOMString& text);
 
 protected:
-    /** Tells the engine the text of getError(); functions leave it as it is. */
+    /** Passes the text of getError() to the engine. */
     const xalanc::XalanDOMString& getError(xalanc::XalanDOMString& buffer) const final;
 };

@@ -10,18 +10,18 @@
 #include <cstdint>
 
 /**
- * One message of the catalogue, named by its numeric identifier. NRBMessage::format gives its text.
+ * One message of the catalogue, given by its numeric identifier. NRBMessage::format() returns its
+ * text. A message with an unknown identifier has no text in any language.
  *
- * Ownership: a value without resources of its own. Making one looks nothing up. An unknown
- * identifier is no error: its message just has no text in any language.
+ * Ownership: a value type. The constructor looks nothing up.
  *
- * Threads: any number of threads may use messages at once.
+ * Threads: any number of threads may use messages at the same time.
  */
 class VEXA_EXPORT WolMdMessage : public NRBMessage {
 public:
     /**
-     * The message of that identifier.
-     * @param id only its low 32 bits count
+     * Creates the message with an identifier.
+     * @param id only the low 32 bits are used
      */
     explicit WolMdMessage(unsigned long id);
     ~WolMdMessage() override;

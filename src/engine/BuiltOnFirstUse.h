@@ -1,6 +1,6 @@
 /**
  * @file
- * An object of the engine that is built when it is first needed.
+ * An engine object that is created when it is first used.
  */
 #pragma once
 
@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/** For functors of the engine whose construction costs more than a whole small transform. */
+/** For engine functors whose constructors take longer than a small transform. */
 template <typename Functor>
 class BuiltOnFirstUse {
 public:

@@ -1,12 +1,12 @@
 /**
  * @file
- * Builds a document from a transform's output events.
+ * Builds a document from the output events of a transform.
  */
 #pragma once
 
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
 
-/** The engine's own formatter lets the text of CDATA sections fall: a document has it as text. */
+/** The base class loses the text of CDATA sections. This class adds it to the document as text. */
 class DocumentFormatter : public xalanc::FormatterToSourceTree {
 public:
     using FormatterToSourceTree::FormatterToSourceTree;

@@ -1,13 +1,13 @@
 /**
  * @file
- * The prefixes that an expression over a document may use.
+ * The namespace prefixes that an XPath expression over a document can use.
  */
 #pragma once
 
 #include <xalanc/DOMSupport/DOMServices.hpp>
 #include <xalanc/DOMSupport/XalanDocumentPrefixResolver.hpp>
 
-/** Those that the document declares, and "xml", which needs no declaration. */
+/** The prefixes that the document declares, and "xml", which needs no declaration. */
 class DocumentPrefixes : public xalanc::XalanDocumentPrefixResolver {
 public:
     explicit DocumentPrefixes(const xalanc::XalanDocument* document)

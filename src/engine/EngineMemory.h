@@ -1,12 +1,12 @@
 /**
  * @file
- * The memory manager of the engine's objects.
+ * The memory manager of engine objects.
  */
 #pragma once
 
 #include <xalanc/Include/XalanMemoryManagement.hpp>
 
-/** The memory manager of whoever initialized Xerces-C: the engine's objects allocate from it. */
+/** The memory manager that Xerces-C was initialized with. Engine objects allocate from it. */
 inline xercesc::MemoryManager& engineMemory() {
     return xalanc::XalanMemMgrs::getDefaultXercesMemMgr();
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * How the platform's strings reach the engine.
+ * Conversions of the platform's strings for the engine.
  */
 #pragma once
 
@@ -11,8 +11,8 @@
 #include <xalanc/XalanDOM/XalanDOMString.hpp>
 
 /**
- * A name, a parameter value or an expression: through its narrow form. ASCII needs no conversion,
- * and takes no lock of a converter.
+ * Converts a name, a parameter value or an expression through its narrow form. ASCII is copied:
+ * this needs no converter and no lock.
  */
 inline xalanc::XalanDOMString toEngineString(const I18NString& text) {
     if (const auto length = text.asciiLength()) {
@@ -23,7 +23,7 @@ inline xalanc::XalanDOMString toEngineString(const I18NString& text) {
     return xalanc::XalanDOMString(text.c_str());
 }
 
-/** A file name or URI: as the UTF-16 text that it is. The pointer lives as long as `name`. */
+/** Returns the UTF-16 text of a file name or URI. The pointer is valid as long as `name`. */
 inline const char16_t* toSystemId(const I18NString& name) {
     const char16_t* utf16 = nullptr;
     I18NExternalBufferToUTF16(utf16, name.getExternalBuffer(), false);

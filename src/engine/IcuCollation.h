@@ -1,6 +1,6 @@
 /**
  * @file
- * Sorting by ICU.
+ * Sorting with ICU.
  */
 #pragma once
 
@@ -9,8 +9,8 @@
 #include <xalanc/ICUBridge/ICUBridgeCollationCompareFunctor.hpp>
 
 /**
- * Compares as the engine transformer of the file transform does, so that a stylesheet sorts in one
- * order whichever way it is run.
+ * Compares as the engine does in file and stream transforms, so that a stylesheet sorts the same
+ * way in memory.
  */
 class IcuCollation : public xalanc::XalanCollationServices::CollationCompareFunctor {
 public:

@@ -1,6 +1,6 @@
 /**
  * @file
- * format-number by ICU.
+ * format-number() with ICU.
  */
 #pragma once
 
@@ -10,8 +10,8 @@
 #include <xalanc/XSLT/StylesheetExecutionContextDefault.hpp>
 
 /**
- * Formats as the engine transformer of the file transform does, so that a stylesheet gives one
- * result whichever way it is run.
+ * Formats as the engine does in file and stream transforms, so that a stylesheet gives the same
+ * result in memory.
  */
 class IcuNumberFormat : public xalanc::StylesheetExecutionContextDefault::FormatNumberFunctor {
 public:

@@ -1,6 +1,6 @@
 /**
  * @file
- * A processing engine of the library's own, for operations over documents in memory.
+ * A complete XSLT engine for one operation over in-memory documents.
  */
 #pragma once
 
@@ -16,12 +16,12 @@
 #include <xalanc/XalanSourceTree/XalanSourceTreeParserLiaison.hpp>
 
 /**
- * All that one engine needs. The members are built from the first to the last, each on those before
- * it, and destroyed in the reverse order.
+ * An XSLT engine and its support objects. Each member depends on those declared before it: keep the
+ * order.
  */
 class PrivateEngine {
 public:
-    /** Prepares the environment before an engine is built on it: installs functions, say. */
+    /** Prepares the environment before the engine is built, for example installs functions. */
     using Preparation = std::function<void(xalanc::XSLTProcessorEnvSupportDefault&)>;
 
     explicit PrivateEngine(const Preparation& prepare = nullptr);

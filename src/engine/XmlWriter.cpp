@@ -11,8 +11,8 @@ using xalanc::XalanDOMString;
 namespace {
 
 /**
- * The engine's own formatter throws where a character needs a reference by number: a tab or a line
- * end in an attribute, a carriage return, and the controls from 0x7F to 0x9F.
+ * The base class throws if a character needs a numeric character reference: a tab or a newline in
+ * an attribute, a carriage return, and the control characters from 0x7F to 0x9F.
  */
 class NodeFormatter : public FormatterToXML {
 public:
@@ -23,7 +23,7 @@ protected:
         if (FormatterToXML::accumDefaultEntity(c, escapeLineFeed)) {
             return true;
         }
-        // Other controls are no characters of XML, and an error.
+        // XML does not allow the other control characters: they are an error.
         const bool isNumbered = c == u'\t' || c == u'\n' || c == u'\r' || (c >= 0x7F && c <= 0x9F);
         if (isNumbered) {
             writeNumberedEntityReference(c);

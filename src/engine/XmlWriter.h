@@ -1,6 +1,6 @@
 /**
  * @file
- * Nodes as XML text.
+ * Writes nodes as XML text.
  */
 #pragma once
 
@@ -11,11 +11,11 @@
 enum class XmlDeclaration { Written, LeftOut };
 
 /**
- * Writes a node and its subtree as XML text in the engine's default encoding (UTF-8), without
+ * Writes a node and its subtree as XML text in the engine's default encoding, UTF-8, without
  * indentation.
  *
- * @param node null: only the declaration
- * @throws the engine's XSLException where the stream does not take the text, and a
- *         xercesc::SAXException for a character that XML cannot hold
+ * @param node null: only the XML declaration is written
+ * @throws xalanc::XSLException if writing to the stream fails
+ * @throws xercesc::SAXException for a character that XML does not allow
  */
 void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration);

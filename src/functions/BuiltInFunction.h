@@ -1,6 +1,6 @@
 /**
  * @file
- * What the built-in functions have in common.
+ * Base class of the built-in functions.
  */
 #pragma once
 
@@ -11,11 +11,11 @@
 #include <xalanc/Include/XalanMemoryManagement.hpp>
 
 /**
- * Base of a function of the library's own, without state. `Concrete` has a text `USAGE`, which
+ * Base class of a built-in function, which has no state. `Concrete` defines the text `USAGE`, which
  * getError() returns.
  *
- * The engine's copies are placed directly into the engine's memory: it copies each function once or
- * twice for each transform, and the adapter around a host's function doubles the cost of a copy.
+ * The engine copies each function once or twice in each transform. The copies are created directly
+ * in the engine's memory, because an EngineFunctionAdapter doubles the cost of a copy.
  */
 template <typename Concrete>
 class BuiltInFunction : public TqXsltFunction {

@@ -1,6 +1,6 @@
 /**
  * @file
- * Which functions every stylesheet can call.
+ * The list of the built-in functions.
  */
 #pragma once
 
@@ -9,6 +9,6 @@
 
 #include <functional>
 
-/** Calls `install` with the name and the function for each of the eight built-in functions. */
+/** Calls `install` for each built-in function, with its name and the function. */
 void installBuiltInFunctions(
     const std::function<void(const I18NString& name, const TqXsltFunction& function)>& install);

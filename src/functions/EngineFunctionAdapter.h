@@ -1,6 +1,6 @@
 /**
  * @file
- * What the engine is given when it clones a function of a host's.
+ * Adapter for the engine's copies of extension functions.
  */
 #pragma once
 
@@ -9,16 +9,16 @@
 #include <memory>
 
 /**
- * Holds a function made with plain `new` inside an object from the engine's memory.
+ * Owns a function created with plain `new`, and is itself created in the engine's memory.
  *
- * The engine frees a clone by calling its destructor and handing its memory to the memory manager.
- * A function made with plain `new` would so be freed by the wrong allocator, and a function that
- * never knew its own size could not be placed into the manager's memory. The adapter has a known
- * size, and its destructor frees the function as it was made.
+ * The engine frees a clone by a call of its destructor, and then returns the memory to the memory
+ * manager. For a function created with plain `new` that is the wrong allocator, and the size of a
+ * host's function is not known, so it cannot be created in the memory manager's memory. The adapter
+ * has a known size, and its destructor deletes the function.
  */
 class EngineFunctionAdapter final : public xalanc::Function {
 public:
-    /** Clones `function` into an adapter that the engine frees. */
+    /** Clones `function` into an adapter. The engine owns the adapter. */
     static Function* create(const TqXsltFunction& function, xercesc::MemoryManager& memoryManager);
 
     explicit EngineFunctionAdapter(std::unique_ptr<const TqXsltFunction> function);

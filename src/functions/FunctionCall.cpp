@@ -6,22 +6,22 @@ using xalanc::XPathExecutionContext;
 
 void FunctionCall::expectArguments(std::size_t count, const char* arityMessage) const {
     if (m_args.size() != count) {
-        // Without the call's own place, which reports have never had.
+        // Without the location of the call: hosts compare these messages.
         m_executionContext.problem(XPathExecutionContext::eXPATH, XPathExecutionContext::eError,
                                    xalanc::XalanDOMString(arityMessage),
                                    static_cast<const xalanc::Locator*>(nullptr), m_pContextNode);
     }
 }
 
-void FunctionCall::assertFirstArgument(const AssertionPlace& place) const {
+void FunctionCall::assertFirstArgument(const AssertionLocation& location) const {
     if (m_args.empty() || m_args[0].null()) {
         NRBAssertError(0, "NRB_ASSERT(args[0].null() == false);")
-            .hurl(NRBFileLocation(place.sourceUnit, place.line), nullptr, "NRB_THROW");
+            .hurl(NRBFileLocation(location.sourceUnit, location.line), nullptr, "NRB_THROW");
     }
 }
 
 I18NString FunctionCall::argument(std::size_t index) const {
-    // Only the first argument is asserted; any other that is missing is an empty text.
+    // Only the first argument is asserted; any other missing argument is an empty text.
     if (index >= m_args.size() || m_args[index].null()) {
         return I18NString();
     }

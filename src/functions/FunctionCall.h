@@ -1,7 +1,7 @@
 /**
  * @file
- * What every extension function of the library does around its worker: checks its arguments, reads
- * them as texts, and turns a text into its result.
+ * The common part of all built-in functions: checks the arguments, reads them as texts, and creates
+ * the result from a text.
  */
 #pragma once
 
@@ -11,15 +11,15 @@
 #include <cstddef>
 
 /**
- * Where a function asserts that its first argument is there. The lines are part of the texts that
- * hosts compare, and so do not follow the files.
+ * The location that a failed assertion reports. Hosts compare it: the line is a fixed number, and
+ * not the line in our source file.
  */
-struct AssertionPlace {
+struct AssertionLocation {
     const char* sourceUnit;
     int line;
 };
 
-/** One call of an extension function, as the engine makes it. */
+/** One call of a built-in function. */
 class FunctionCall {
 public:
     FunctionCall(xalanc::XPathExecutionContext& executionContext, xalanc::XalanNode* contextNode,
@@ -27,18 +27,18 @@ public:
         : m_executionContext(executionContext), m_pContextNode(contextNode), m_args(args) {}
 
     /**
-     * Reports a wrong number of arguments through the execution context, which normally ends the
-     * evaluation by throwing. Should it return, the call goes on with what it was given.
+     * Reports a wrong number of arguments to the execution context, which normally throws. If it
+     * returns, the call continues with the given arguments.
      */
     void expectArguments(std::size_t count, const char* arityMessage) const;
 
     /** @throws NRBAssertError if there is no first argument object */
-    void assertFirstArgument(const AssertionPlace& place) const;
+    void assertFirstArgument(const AssertionLocation& location) const;
 
-    /** The string value of an argument; empty for one that is not there. */
+    /** Returns the string value of an argument; empty if the argument is missing. */
     I18NString argument(std::size_t index) const;
 
-    /** A string object of the engine that holds a copy of the text. */
+    /** Creates an XPath string with a copy of the text. */
     xalanc::XObjectPtr result(const I18NString& text) const;
 
 private:

@@ -8,7 +8,7 @@
 
 namespace {
 
-/** From `start` up to `end`, as far as the text goes. */
+/** The part from `start` up to but not including `end`; shorter if the text ends before. */
 std::string part(const std::string& text, std::size_t start, std::size_t end) {
     return start < text.size() ? text.substr(start, end - start) : "";
 }
@@ -26,7 +26,7 @@ xalanc::XObjectPtr FunctionGetDateTime::execute(xalanc::XPathExecutionContext& e
 
 I18NString FunctionGetDateTime::GetDateTime() const {
     const std::string stamp = NRBUtSystemInfo::getTimeStamp(0); // YYYYMMDDhhmmssmmm
-    // Everything behind the seconds belongs to the fraction, should a stamp ever be finer.
+    // Up to five digits after the seconds: a time stamp may have a finer resolution.
     const std::string text = part(stamp, 8, 10) + ":" + part(stamp, 10, 12) + ":" +
                              part(stamp, 12, 14) + "." + part(stamp, 14, 19);
     return I18NString(text.c_str());

@@ -6,7 +6,7 @@
 
 #include "functions/BuiltInFunction.h"
 
-/** Gives the local time of day as hh:mm:ss.mmm. In spite of its name it gives no date. */
+/** Returns the local time of day as hh:mm:ss.mmm. In spite of its name, the result has no date. */
 class FunctionGetDateTime : public BuiltInFunction<FunctionGetDateTime> {
 public:
     static constexpr const char* USAGE = "tqfunc:GetDateTime() function takes no arguments!";

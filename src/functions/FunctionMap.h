@@ -1,6 +1,6 @@
 /**
  * @file
- * The extension functions of one transformer, and how engines are given them.
+ * The extension functions of one transformer, and their installation in an engine.
  */
 #pragma once
 
@@ -14,12 +14,12 @@
 #include <xalanc/XSLT/XSLTEngineImpl.hpp>
 #include <xalanc/XalanExtensions/FunctionNodeSet.hpp>
 
-/** Local name to function. */
+/** Maps a local name to a function. */
 using FunctionMap = std::map<I18NString, TqXsltFunction*>;
 
 /**
- * Calls `install` with namespace URI, local name and function: first for the engine's own nodeset,
- * then for each function of the map, in the order of the names.
+ * Calls `install` with namespace URI, local name and function: first for the engine's nodeset
+ * function, then for each function of the map in the order of the names.
  */
 template <typename Install>
 void installFunctions(const FunctionMap& functions, Install install) {

@@ -1,6 +1,6 @@
 /**
  * @file
- * Arguments of functions as narrow text, and as numbers.
+ * Function arguments as narrow text and as numbers.
  */
 #pragma once
 
@@ -9,8 +9,8 @@
 #include <cstdint>
 
 /**
- * The narrow form of an argument up to its first NUL. Nearly every argument is short ASCII, and
- * then allocates nothing. The text must outlive this object.
+ * The narrow form of an argument, up to the first NUL. A short ASCII text, as nearly every argument
+ * is, needs no allocation. The text must outlive this object.
  */
 class NarrowText {
 public:
@@ -26,8 +26,8 @@ private:
 };
 
 /**
- * The number at the beginning of a text, as strtol reads it in base 10 where a long has 32 bits:
+ * Returns the number at the beginning of a text, as strtol reads it in base 10 with a 32-bit long:
  * leading white space and a sign are accepted, a text without digits is 0, and a number out of
- * range is the largest or smallest one. So both word sizes read the same timer or message number.
+ * range is the largest or smallest 32-bit integer. 32-bit and 64-bit builds read the same number.
  */
 std::int32_t parseNumber(const I18NString& text);

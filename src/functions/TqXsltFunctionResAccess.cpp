@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* FALLBACK_LANGUAGE = "en";
 
-/** The place in the table is the stylesheet's number. */
+/** Catalogue identifiers. The index is the message number that stylesheets use. */
 constexpr std::uint32_t RESOURCE_IDS[] = {
     0xA2E8CFB4, // 0
     0xA2E98406, // 1
@@ -32,7 +32,7 @@ constexpr std::uint32_t RESOURCE_IDS[] = {
     0xA2EB6DC2, // 15
     0xA2E45E77, // 16
     0xA2E72FBF, // 17
-    0x96FD2DA4, // 18: from another range of the catalogue than the rest
+    0x96FD2DA4, // 18: in another range than the rest, on purpose
 };
 
 } // namespace

@@ -1,20 +1,21 @@
 /**
  * @file
- * GetLocalizedString(number, language): a fixed text in the language of the reader.
+ * GetLocalizedString(number, language): a text of the message catalogue.
  */
 #pragma once
 
 #include "functions/BuiltInFunction.h"
 
-/** Gives a message of the catalogue in the language asked for, or else in English. */
+/** Returns a message in the requested language; in English if that language has no text. */
 class FunctionGetLocalizedString : public BuiltInFunction<FunctionGetLocalizedString> {
 public:
+    /** The number differs from that in the arity message on purpose: both texts are guaranteed. */
     static constexpr const char* USAGE = "tqfunc:GetLocalizedString() takes one argument";
 
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& executionContext,
                                xalanc::XalanNode* context, const XObjectArgVectorType& args,
                                const xalanc::Locator* locator) const override;
 
-    /** The catalogue's identifier for a stylesheet's number; 0 for a number that has none. */
+    /** Returns the catalogue identifier of a message number; 0 for an unknown number. */
     unsigned long GetMappedResourceId(int number) const;
 };

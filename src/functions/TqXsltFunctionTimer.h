@@ -1,11 +1,11 @@
 /**
  * @file
- * Stopwatches for stylesheets: TimerCreate, TimerStart, TimerStop, TimerTotal, TimerReset and
+ * Timers for stylesheets: TimerCreate, TimerStart, TimerStop, TimerTotal, TimerReset and
  * TimerDestroy.
  *
- * All timers live in one registry of the process, keyed by number. A function that is given a
- * number nobody uses makes a stopped timer of it. The registry has no lock: stylesheets that use
- * timers must not run in several threads at once.
+ * All timers are in one registry of the process, by number. A function that gets an unknown number
+ * creates a stopped timer with that number. The registry has no lock: stylesheets that use timers
+ * must not run in several threads at the same time.
  */
 #pragma once
 
@@ -18,31 +18,31 @@
 
 /** One timer. */
 struct timeStopwatch {
-    /** Start of the running lap as a count of MyCurrentTime; 0: the timer does not run. */
+    /** Start of the current interval, as MyCurrentTime() returns it; 0: the timer is stopped. */
     std::uint32_t ulStart = 0;
-    /** Seconds of the laps finished so far. */
+    /** Seconds of all finished intervals. */
     double dTotal = 0.0;
 };
 
-/** All timers of the process, from the library's load to its unload. */
+/** All timers of the process, as long as the library is loaded. */
 extern std::map<int, timeStopwatch> gmapTimers;
 
-/** The number that TimerCreate handed out last; it never goes back. */
+/** The last number that TimerCreate has returned; it never decreases. */
 extern int gnIndexTimerID;
 
 /**
- * A time stamp (YYYYMMDDhhmmssmmm) as a count of milliseconds since the start of its month, plus
- * one day, as days count from 1. Fields that a short stamp lacks are 0.
+ * Converts a time stamp (YYYYMMDDhhmmssmmm) to the milliseconds since the start of its month plus
+ * one day, because days count from 1. Missing fields of a short stamp are 0.
  */
 std::uint32_t MyConvertTimeString(I18NString stamp);
 
-/** The present moment as such a count. */
+/** The current time in the form of MyConvertTimeString(). */
 std::uint32_t MyCurrentTime();
 
-/** Seconds from `to` until `from`; negative where `to` is the later one. */
+/** The seconds from `to` to `from`; negative if `to` is later. */
 double MyTimeElapsed(std::uint32_t from, std::uint32_t to);
 
-/** TimerCreate(): a new timer; gives its number. */
+/** TimerCreate(): creates a timer; returns its number. */
 class FunctionTimerCreate : public BuiltInFunction<FunctionTimerCreate> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerCreate() takes no arguments!";
@@ -54,7 +54,7 @@ public:
     static I18NString TimerCreate();
 };
 
-/** TimerStart(id): starts a lap; gives its start as a count of MyCurrentTime. */
+/** TimerStart(id): starts an interval; returns its start in the form of MyConvertTimeString(). */
 class FunctionTimerStart : public BuiltInFunction<FunctionTimerStart> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerStart() takes a single timer id argument!";
@@ -66,7 +66,7 @@ public:
     static I18NString TimerStart(const I18NString& id);
 };
 
-/** TimerStop(id): ends the lap and adds it to the total; gives the lap in seconds. */
+/** TimerStop(id): ends the interval and adds it to the total; returns its length in seconds. */
 class FunctionTimerStop : public BuiltInFunction<FunctionTimerStop> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerStop() takes a single timer id argument!";
@@ -78,7 +78,7 @@ public:
     static I18NString TimerStop(const I18NString& id);
 };
 
-/** TimerTotal(id): gives the seconds of all laps, the running one included. */
+/** TimerTotal(id): returns the seconds of all intervals, including the current one. */
 class FunctionTimerTotal : public BuiltInFunction<FunctionTimerTotal> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerTotal() takes a single timer id argument!";
@@ -90,7 +90,7 @@ public:
     static I18NString TimerTotal(const I18NString& id);
 };
 
-/** TimerReset(id): gives the total, then stops the timer and sets it to zero. */
+/** TimerReset(id): returns the total, stops the timer and sets it to zero. */
 class FunctionTimerReset : public BuiltInFunction<FunctionTimerReset> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerReset() takes a single timer id argument!";
@@ -102,7 +102,7 @@ public:
     static I18NString TimerReset(const I18NString& id);
 };
 
-/** TimerDestroy(id): gives the total, then forgets the timer. */
+/** TimerDestroy(id): returns the total and deletes the timer. */
 class FunctionTimerDestroy : public BuiltInFunction<FunctionTimerDestroy> {
 public:
     static constexpr const char* USAGE = "tqfunc:TimerDestroy() takes a single timer id argument!";

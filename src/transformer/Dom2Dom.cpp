@@ -47,9 +47,9 @@ bool Dom2Dom::InitializeInputSource(std::istream& stream, const char* systemId) 
     return parse(stream, systemId ? systemId : "");
 }
 
-/** @param systemId null: the source has none */
+/** @param systemId null: the source has no system id */
 bool Dom2Dom::parse(std::istream& stream, const char* systemId) {
-    if (hasRole()) {
+    if (hasMode()) {
         return false;
     }
     xalanc::XSLTInputSource source(&stream);
@@ -60,7 +60,7 @@ bool Dom2Dom::parse(std::istream& stream, const char* systemId) {
     m_nParseResult =
         m_pTransformer->parseSource(source, parsed, VEXAXslTransformer::m_bUseXercesDOM);
     m_pParsedSource.reset(parsed);
-    // The reason of a failed parse is the engine's: an own text would hide it.
+    // The error message of a failed parse is that of the engine: a text here would hide it.
     m_strLastError = I18NString();
     m_bInputInitialized = true;
     if (parsed) {
@@ -70,12 +70,12 @@ bool Dom2Dom::parse(std::istream& stream, const char* systemId) {
 }
 
 bool Dom2Dom::InitializeOutputTarget() {
-    if (hasRole()) {
+    if (hasMode()) {
         return false;
     }
     m_bOutputInitialized = true;
     m_strLastError = I18NString();
-    // All or nothing: what is made before memory runs out goes again.
+    // Local objects first: if memory runs out, none of them becomes a member.
     decltype(m_pDocumentBuilder) builder(m_pTransformer->createDocumentBuilder(XalanDOMString()),
                                          m_pDocumentBuilder.get_deleter());
     auto formatter = std::make_unique<DocumentFormatter>(
@@ -88,7 +88,7 @@ bool Dom2Dom::InitializeOutputTarget() {
 }
 
 bool Dom2Dom::InitializeOutputTarget(std::ostream& stream) {
-    if (hasRole()) {
+    if (hasMode()) {
         return false;
     }
     m_bOutputInitialized = true;
@@ -98,18 +98,18 @@ bool Dom2Dom::InitializeOutputTarget(std::ostream& stream) {
 }
 
 int Dom2Dom::Serialize(std::ostream& os) {
-    // m_strLastError stays as it was after a success: only a failure writes it.
+    // A success does not clear m_strLastError.
     try {
         os.clear();
-        // A stream output has the role, but no document.
+        // A stream output has no document.
         if (m_bOutputInitialized && m_pDocument) {
             writeXml(os, m_pDocument->getDocumentElement(), XmlDeclaration::Written);
         }
-        // Hosts read the text as C text out of a memory stream.
+        // The NUL lets hosts read the buffer of a memory stream as a C string.
         os << std::endl << std::ends;
         return 0;
     } catch (const xalanc::XSLException& exception) {
-        return reportXslException(SERIALISATION, exception, m_strLastError);
+        return reportXslException(SERIALIZATION, exception, m_strLastError);
     }
 }
 

@@ -21,22 +21,22 @@ constexpr int UNKNOWN_EXCEPTION = -5;
 class Report {
 public:
     explicit Report(const ReportSite& site) : m_site(site) {
-        m_stream.imbue(std::locale::classic()); // plain numbers, whatever the host's locale
-        // A stream swallows lack of memory, and half a report would look like a whole one.
+        m_stream.imbue(std::locale::classic()); // plain numbers in every locale of the host
+        // By default a stream hides std::bad_alloc, and the report would be incomplete.
         m_stream.exceptions(std::ios_base::badbit);
     }
 
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
-    /** Gives the buffer free unless it is kept. */
+    /** Frees the buffer, unless it is kept. */
     ~Report() { m_stream.freeze(m_bKept); }
 
     Report& operator<<(const char* text) {
         m_stream << text;
         return *this;
     }
-    /** An engine string; the engine's own output would break characters beyond the basic plane. */
+    /** Writes an engine string. OutputString of the engine splits surrogate pairs. */
     Report& operator<<(const char16_t* text) {
         m_stream << I18NString(text, -1, nullptr, nullptr).c_str();
         return *this;
@@ -45,16 +45,16 @@ public:
         m_stream << number;
         return *this;
     }
-    Report& lineEnd() {
+    Report& newline() {
         m_stream << std::endl;
         return *this;
     }
-    /** " (PLACE, line L, column C)": a number that the engine does not know is -1. */
+    /** Ends " (URI, line L, column C)". An unknown number is -1. */
     template <typename Number>
-    Report& place(Number line, Number column) {
+    Report& lineAndColumn(Number line, Number column) {
         m_stream << ", line " << static_cast<long>(line) << ", column " << static_cast<long>(column)
                  << ")";
-        return lineEnd();
+        return newline();
     }
     Report& keep() {
         m_bKept = true;
@@ -66,7 +66,7 @@ public:
             m_stream << std::ends;
         }
         const auto length = static_cast<std::size_t>(m_stream.pcount());
-        // Not every site closes its text, so it is taken with its length.
+        // Not every report ends with a NUL: use the length.
         error = std::string(m_stream.str(), length).c_str();
     }
 
@@ -84,11 +84,11 @@ int report(const ReportSite& site, const xercesc::SAXParseException& exception, 
     } else {
         text << "Unknown system ID";
     }
-    text.place(exception.getLineNumber(), exception.getColumnNumber()).storeIn(error);
+    text.lineAndColumn(exception.getLineNumber(), exception.getColumnNumber()).storeIn(error);
     return SAX_EXCEPTION;
 }
 
-/** Not inlined: memory checkers know the buffer that it may keep by its name. */
+/** Not inlined: tests/valgrind.supp identifies the kept buffer by the name of this function. */
 [[gnu::noinline]] int reportSaxException(const ReportSite& site,
                                          const xercesc::SAXException& exception,
                                          I18NString& error) {
@@ -97,15 +97,15 @@ int report(const ReportSite& site, const xercesc::SAXParseException& exception, 
         text.keep();
     }
     text << "SAXException: " << exception.getMessage();
-    text.lineEnd().storeIn(error);
+    text.newline().storeIn(error);
     return SAX_EXCEPTION;
 }
 
 int report(const ReportSite& site, const xercesc::XMLException& exception, I18NString& error) {
     Report text(site);
     text << "XMLException:" << site.xmlExceptionBeforeType << exception.getType();
-    text.lineEnd() << "Message is: " << exception.getMessage();
-    text.lineEnd().storeIn(error);
+    text.newline() << "Message is: " << exception.getMessage();
+    text.newline().storeIn(error);
     return XML_EXCEPTION;
 }
 
@@ -113,15 +113,15 @@ int report(const ReportSite& site, const xalanc::XalanDOMException& exception, I
     Report text(site);
     text << site.domExceptionBeforeCode << static_cast<int>(exception.getExceptionCode())
          << site.domExceptionAfterCode;
-    text.lineEnd().storeIn(error);
+    text.newline().storeIn(error);
     return DOM_EXCEPTION;
 }
 
 int reportUnknownException(const ReportSite& site, I18NString& error) {
     Report text(site);
     text << "\nUnhandled Exception\n";
-    if (site.lineEndAfterUnhandled) {
-        text.lineEnd();
+    if (site.newlineAfterUnhandled) {
+        text.newline();
     }
     text.storeIn(error);
     return UNKNOWN_EXCEPTION;
@@ -134,13 +134,13 @@ int reportXslException(const ReportSite& site, const xalanc::XSLException& excep
     Report text(site);
     text << "\nXSLException "
          << "Type is: " << exception.getType();
-    text.lineEnd() << "Message is: " << exception.getMessage().c_str() << " (";
+    text.newline() << "Message is: " << exception.getMessage().c_str() << " (";
     if (exception.getURI().empty()) {
         text << "Unknown URI";
     } else {
         text << exception.getURI().c_str();
     }
-    text.place(exception.getLineNumber(), exception.getColumnNumber()).storeIn(error);
+    text.lineAndColumn(exception.getLineNumber(), exception.getColumnNumber()).storeIn(error);
     return XSL_EXCEPTION;
 }
 

@@ -1,10 +1,10 @@
 /**
  * @file
- * Exceptions as texts and results.
+ * Converts exceptions to error messages and result codes.
  *
- * Three operations catch the engine's exceptions: the in-memory transform, the XPath query and the
- * serialisation of a document. Hosts compare their texts, so each keeps its own spacing and line
- * ends; what differs is here, and nowhere else.
+ * Three operations catch exceptions of the engine: the in-memory transform, the XPath query and the
+ * serialization of a document. Hosts compare their error messages, so the differences in spaces,
+ * newlines and words are guaranteed. All differences are in ReportSite.
  */
 #pragma once
 
@@ -14,25 +14,25 @@
 
 #include <xalanc/PlatformSupport/XSLException.hpp>
 
-/** Where reports differ from one operation to another. */
+/** The differences between the reports of the operations. */
 struct ReportSite {
-    /** Between an XMLException's name and its type. */
+    /** The text between the name of an XMLException and its type. */
     const char* xmlExceptionBeforeType;
     const char* domExceptionBeforeCode;
     const char* domExceptionAfterCode;
-    /** Whether a report of an unknown exception ends with one more line end. */
-    bool lineEndAfterUnhandled;
-    /** Whether each report is closed by a NUL. */
+    /** Whether the report of an unknown exception ends with an additional newline. */
+    bool newlineAfterUnhandled;
+    /** Whether a NUL is written at the end of each report. */
     bool terminated;
-    /** Whether the buffer of a SAXException's report is kept for good. */
+    /** Whether the buffer of the report of a SAXException is never freed. */
     bool saxExceptionKept;
 };
 
 inline constexpr ReportSite IN_MEMORY_TRANSFORM = {
     "  \n\nType is:  ",   // xmlExceptionBeforeType
     "XalanDOMException[", // domExceptionBeforeCode
-    "] occured.",         // domExceptionAfterCode: spelled so ever since, and looked for
-    true,                 // lineEndAfterUnhandled
+    "] occured.",         // domExceptionAfterCode: the spelling is guaranteed
+    true,                 // newlineAfterUnhandled
     true,                 // terminated
     true,                 // saxExceptionKept
 };
@@ -41,33 +41,33 @@ inline constexpr ReportSite XPATH_QUERY = {
     " Type is: ",                              // xmlExceptionBeforeType
     "XalanDOMException caught.  The code is ", // domExceptionBeforeCode
     ".",                                       // domExceptionAfterCode
-    false,                                     // lineEndAfterUnhandled
+    false,                                     // newlineAfterUnhandled
     false,                                     // terminated
     false,                                     // saxExceptionKept
 };
 
-/** Catches an XSLException only, and reports it as the in-memory transform does. */
-inline constexpr const ReportSite& SERIALISATION = IN_MEMORY_TRANSFORM;
+/** Only an XSLException is caught. Its report is that of the in-memory transform. */
+inline constexpr const ReportSite& SERIALIZATION = IN_MEMORY_TRANSFORM;
 
-/** Puts the report of an XSLException into `error`. @return -1 */
+/** Stores the report of an XSLException in `error`. @return -1 */
 int reportXslException(const ReportSite& site, const xalanc::XSLException& exception,
                        I18NString& error);
 
 /**
- * Puts the report of the exception being handled into `error`.
+ * Stores the report of the exception that is being handled in `error`.
  * @return -1 XSLException, -2 SAXParseException or SAXException, -3 XMLException,
  *         -4 XalanDOMException, -5 any other
  */
 int reportCurrentException(const ReportSite& site, I18NString& error);
 
-/** Runs the guarded work of an operation. @return 0, or the result of the report */
+/** Runs `work` and reports its exceptions. @return 0, or the result code of the exception */
 template <typename Work>
 int runGuarded(const ReportSite& site, I18NString& error, Work work) {
     try {
         work();
         return 0;
     } catch (const abi::__forced_unwind&) {
-        throw; // no exception: the thread is being ended
+        throw; // not an exception: the thread is being cancelled
     } catch (...) {
         return reportCurrentException(site, error);
     }

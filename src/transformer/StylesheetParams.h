@@ -1,6 +1,6 @@
 /**
  * @file
- * How engines are given the parameters of a transformer.
+ * Passes the stylesheet parameters of a transformer to an engine.
  */
 #pragma once
 
@@ -8,7 +8,7 @@
 
 #include <map>
 
-/** Sets each parameter, in the order of the names. `Engine` is a transformer or a processor. */
+/** Sets all parameters in the order of the names. `Engine`: an engine transformer or processor. */
 template <typename Engine>
 void setStylesheetParams(const std::map<I18NString, I18NString>& params, Engine& engine) {
     for (const auto& [name, value] : params) {

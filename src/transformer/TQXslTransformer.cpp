@@ -10,20 +10,19 @@
 
 namespace {
 
-/** Starts not yet matched by a stop; negative after more stops than starts. */
+/** Initializations without a matching termination; negative after too many terminations. */
 std::int32_t g_initializedCnt = 0;
 
-/** Held through every start and stop, so that a second starter finds the engines fully up. */
+/** Held during every call: a second thread returns only after the engines are initialized. */
 NRBThreadCriticalSection g_cs_vexa_XslTransformer(1);
 
-void startXerces() {
+void initializeXerces() {
     xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
                                           nullptr);
 }
 
-/** Xerces counts its starts: one whose Xalan did not come up is taken back, so that a retry adds
- * up. */
-void startXalanOrStopXerces() {
+/** If Xalan fails, Xerces is terminated again: it counts, and a later call initializes both. */
+void initializeXalan() {
     try {
         xalanc::XalanTransformer::initialize();
     } catch (...) {
@@ -37,8 +36,8 @@ void startXalanOrStopXerces() {
 int TQXslTransformer_Initialize(const char* /*ignored*/) {
     const NRBThreadGuard guard(g_cs_vexa_XslTransformer);
     if (g_initializedCnt == 0) {
-        startXerces();
-        startXalanOrStopXerces();
+        initializeXerces();
+        initializeXalan();
     }
     ++g_initializedCnt;
     return 0;

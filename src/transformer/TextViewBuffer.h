@@ -1,13 +1,13 @@
 /**
  * @file
- * A text as a stream.
+ * A stream buffer over a text.
  */
 #pragma once
 
 #include <cstring>
 #include <streambuf>
 
-/** Reads a NUL-terminated text where it stands; the text must live longer than the buffer. */
+/** Reads a NUL-terminated text without a copy. The text must outlive the buffer. */
 class TextViewBuffer : public std::streambuf {
 public:
     explicit TextViewBuffer(const char* text) {

@@ -23,8 +23,8 @@ using xalanc::XSLTResultTarget;
 namespace {
 
 /**
- * What an empty name stands for: without a source the engine would go on and crash. The error
- * message is left with the engine, as a transform of a stream does not clear the transformer's own.
+ * The source for an empty name: without a source the engine would crash. The engine stores the
+ * error message, because a stream transform does not clear that of the transformer.
  */
 class NamelessSource : public XSLTInputSource {
 public:
@@ -45,7 +45,8 @@ VEXAXslTransformer::VEXAXslTransformer()
 }
 
 VEXAXslTransformer::~VEXAXslTransformer() {
-    // The engine goes before the maps; the clones in m_mapFunctions stay allocated on purpose.
+    // The engine is destroyed before the maps. The clones in m_mapFunctions are not freed: hosts
+    // may keep pointers to them.
     m_pTransformer.reset();
 }
 
@@ -53,18 +54,18 @@ void VEXAXslTransformer::installExternalFunction(const I18NString& name,
                                                  const TqXsltFunction& function) {
     std::unique_ptr<TqXsltFunction> copy(function.clone());
     TqXsltFunction*& entry = m_mapFunctions[name];
-    // A clone that is replaced here stays allocated, like every clone that was ever registered.
+    // A replaced clone is not freed either.
     entry = copy.release();
 }
 
 void VEXAXslTransformer::setStylesheetParam(const I18NString& name, const I18NString& value) {
     const I18NString quoted = "'" + value + "'";
     try {
-        // At once, and with all others before each transform: each of the two is promised to hosts.
+        // Set now, and again before each transform: both are guaranteed.
         m_pTransformer->setStylesheetParam(toEngineString(name), toEngineString(quoted));
         m_mapParams.insert_or_assign(name, quoted);
     } catch (...) {
-        // The engine may have half of it. All that was set before is set again at each transform.
+        // The engine may be in an inconsistent state. Each transform sets all parameters again.
         m_pTransformer->clearStylesheetParams();
         throw;
     }
@@ -89,7 +90,7 @@ int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NStri
                                               : parse(XSLTInputSource(toSystemId(sourceFile)))) {
         return result;
     }
-    // The source stays the engine transformer's, until that is destroyed: hosts count on it.
+    // The engine transformer keeps the source until it is destroyed: this is guaranteed.
     XSLTResultTarget target;
     target.setFileName(XalanDOMString(toSystemId(outputFile)));
     return transformParsedSource(*source, stylesheetFile, target);
@@ -97,7 +98,7 @@ int VEXAXslTransformer::doTransform(const I18NString& sourceFile, const I18NStri
 
 int VEXAXslTransformer::doTransform(std::istream& source, const I18NString& stylesheetFile,
                                     std::ostream& output) {
-    // m_strLastError stays as it was: hosts read it after a run of several transforms.
+    // m_strLastError is not cleared: hosts may read it after several transforms.
     const XalanParsedSource* parsedSource = nullptr;
     if (const int result =
             m_pTransformer->parseSource(XSLTInputSource(&source), parsedSource, m_bUseXercesDOM)) {
@@ -105,7 +106,7 @@ int VEXAXslTransformer::doTransform(std::istream& source, const I18NString& styl
     }
     XSLTResultTarget target(&output);
     const int result = transformParsedSource(*parsedSource, stylesheetFile, target);
-    // Hosts read the result as C text out of a memory stream, after a failure too.
+    // The NUL lets hosts read the buffer of a memory stream as a C string, also after a failure.
     output << std::ends;
     return result;
 }

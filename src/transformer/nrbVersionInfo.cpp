@@ -9,7 +9,7 @@
     "Restricted rights: government users may use, copy and disclose this software only as far as " \
     "their contract with " MAKER " allows.\n"
 
-// The rules of the first and the last row differ by one hyphen: the last one has a blank before it.
+// The last row has a space before the hyphens and one hyphen less: both rows have the same length.
 const char* const nrbVersionInfo[9] = {
     WHAT RULE_OF_70 "--\n",
     WHAT " " PRODUCT,

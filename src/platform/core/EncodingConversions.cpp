@@ -15,13 +15,13 @@ namespace {
 
 constexpr UChar32 REPLACEMENT_CHARACTER = 0xFFFD;
 
-[[noreturn]] void refuseLength() {
+[[noreturn]] void throwTooLong() {
     throw std::length_error("I18NString: the text is too long");
 }
 
 int32_t icuLength(std::size_t length) {
     if (length > static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
-        refuseLength();
+        throwTooLong();
     }
     return static_cast<int32_t>(length);
 }
@@ -37,7 +37,7 @@ void check(UErrorCode status) {
 
 icu::LocalUConverterPointer openConverter(const char* encoding) {
     UErrorCode status = U_ZERO_ERROR;
-    // ICU would take an empty name for the default encoding.
+    // For an empty name, ICU would open the default encoding.
     icu::LocalUConverterPointer converter(*encoding ? ucnv_open(encoding, &status) : nullptr);
     if (status == U_MEMORY_ALLOCATION_ERROR) {
         throw std::bad_alloc();
@@ -50,8 +50,8 @@ icu::LocalUConverterPointer openConverter(const char* encoding) {
 }
 
 /**
- * Runs an ICU conversion twice: first to measure, then to convert. `convert` takes target, capacity
- * and status, and returns the length that the whole result needs.
+ * Runs an ICU conversion twice: first to measure the result, then to convert. `convert` takes
+ * target, capacity and status, and returns the length of the complete result.
  */
 template <typename Text, typename Conversion>
 Text measureAndConvert(Conversion convert) {
@@ -61,7 +61,7 @@ Text measureAndConvert(Conversion convert) {
         check(status);
     }
     if (length < 0) {
-        refuseLength();
+        throwTooLong();
     }
     Text result(static_cast<std::size_t>(length), 0);
     status = U_ZERO_ERROR;
@@ -70,20 +70,20 @@ Text measureAndConvert(Conversion convert) {
     return result;
 }
 
-/** ICU counts in 32 bits, and does not notice when a result is longer. */
-void refuseWhereTooLong(int32_t units, int32_t mostBytesForOne) {
-    if (units > std::numeric_limits<int32_t>::max() / mostBytesForOne) {
-        refuseLength();
+/** ICU counts in 32 bits, and does not report a longer result. */
+void checkLength(int32_t units, int32_t maxBytesPerUnit) {
+    if (units > std::numeric_limits<int32_t>::max() / maxBytesPerUnit) {
+        throwTooLong();
     }
 }
 
-/** UTF-8 is what nearly every text is in, and ICU converts it without a converter object. */
+/** Nearly every text is in UTF-8, and ICU converts it without a converter object. */
 bool isUtf8(const char* encoding) {
     return std::strcmp(encoding, "UTF-8") == 0 || ucnv_compareNames(encoding, "UTF-8") == 0;
 }
 
 std::u16string utf8ToUtf16(const char* text, int32_t length) {
-    // No text has more UTF-16 units than UTF-8 bytes, so one pass will do.
+    // A text never has more UTF-16 units than UTF-8 bytes: no pass to measure is needed.
     std::u16string result(static_cast<std::size_t>(length), 0);
     int32_t resultLength = 0;
     UErrorCode status = U_ZERO_ERROR;
@@ -95,7 +95,7 @@ std::u16string utf8ToUtf16(const char* text, int32_t length) {
 }
 
 std::string utf16ToUtf8(const std::u16string& text, int32_t length) {
-    refuseWhereTooLong(length, 3);
+    checkLength(length, 3);
     return measureAndConvert<std::string>([&](char* target, int32_t capacity, UErrorCode* status) {
         int32_t needed = 0;
         u_strToUTF8WithSub(target, capacity, &needed, text.data(), length, REPLACEMENT_CHARACTER,
@@ -104,10 +104,7 @@ std::string utf16ToUtf8(const std::u16string& text, int32_t length) {
     });
 }
 
-/**
- * Text with U+FFFD for each lone surrogate: every Unicode encoding then has a form for every
- * character.
- */
+/** Replaces each lone surrogate by U+FFFD, which every Unicode encoding can represent. */
 std::u16string withoutLoneSurrogates(const std::u16string& text) {
     std::u16string clean;
     clean.reserve(text.size());
@@ -123,8 +120,8 @@ std::u16string withoutLoneSurrogates(const std::u16string& text) {
 }
 
 /**
- * ICU's own substitute in most encodings is the control character SUB, which nobody can read. It is
- * left to the few encodings that lack a question mark.
+ * In most encodings ICU substitutes the control character SUB, which is not readable. This callback
+ * writes a question mark; an encoding that has no question mark still gets ICU's substitute.
  */
 void U_CALLCONV writeQuestionMark(const void* /*context*/, UConverterFromUnicodeArgs* args,
                                   const UChar* /*units*/, int32_t /*length*/, UChar32 /*character*/,
@@ -138,12 +135,12 @@ void U_CALLCONV writeQuestionMark(const void* /*context*/, UConverterFromUnicode
     ucnv_setFromUCallBack(args->converter, UCNV_FROM_U_CALLBACK_SUBSTITUTE, nullptr, nullptr,
                           nullptr, status);
     ucnv_cbFromUWriteUChars(args, &source, QUESTION_MARK + 1, 0, status);
-    // Running out of room is a status, too, and must not keep the callback from being put back.
-    UErrorCode putBack = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(args->converter, writeQuestionMark, nullptr, nullptr, nullptr, &putBack);
+    // A separate status: the callback must be restored after a buffer overflow, too.
+    UErrorCode restored = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(args->converter, writeQuestionMark, nullptr, nullptr, nullptr, &restored);
 }
 
-/** ICU's own callback turns some malformed bytes (in Shift_JIS, say) into SUB, not into U+FFFD. */
+/** The default callback of ICU turns some malformed bytes, as in Shift_JIS, into SUB. */
 void U_CALLCONV writeReplacementCharacter(const void* /*context*/, UConverterToUnicodeArgs* args,
                                           const char* /*bytes*/, int32_t /*length*/,
                                           UConverterCallbackReason reason, UErrorCode* status) {
@@ -179,7 +176,7 @@ std::string utf16ToNarrow(const std::u16string& text, const char* encoding) {
         return utf16ToUtf8(text, units);
     }
     const icu::LocalUConverterPointer converter = openConverter(name);
-    refuseWhereTooLong(units, ucnv_getMaxCharSize(converter.getAlias()));
+    checkLength(units, ucnv_getMaxCharSize(converter.getAlias()));
     UErrorCode callbackStatus = U_ZERO_ERROR;
     ucnv_setFromUCallBack(converter.getAlias(), writeQuestionMark, nullptr, nullptr, nullptr,
                           &callbackStatus);

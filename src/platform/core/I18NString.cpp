@@ -95,7 +95,7 @@ I18NString& I18NString::operator=(I18NString&& other) noexcept {
 }
 
 I18NString& I18NString::operator=(const char* text) {
-    // Converted before anything is dropped: the text may be one of this string's own narrow forms.
+    // Convert before the narrow forms are freed: `text` may be one of them.
     return *this = I18NString(text);
 }
 
@@ -121,7 +121,7 @@ const char* I18NString::c_str(const char* encoding, int* length,
                                                      std::memory_order_acquire)) {
                 form = made.release();
             } else {
-                // Another thread was faster, perhaps with the same form.
+                // Another thread has added a form, possibly the same one.
                 form = findForm(newest, encoding, converter);
             }
         } while (!form);

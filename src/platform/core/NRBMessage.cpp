@@ -10,7 +10,7 @@ namespace {
 
 using LocaleOperation = int32_t (*)(const char*, char*, int32_t, UErrorCode*);
 
-/** What an operation of ICU makes of a locale identifier; empty where it makes nothing. */
+/** The result of an ICU operation on a locale identifier; empty if it fails. */
 std::string runIcu(LocaleOperation operation, const std::string& locale) {
     char result[ULOC_FULLNAME_CAPACITY];
     UErrorCode status = U_ZERO_ERROR;
@@ -18,11 +18,11 @@ std::string runIcu(LocaleOperation operation, const std::string& locale) {
     return U_SUCCESS(status) && length < ULOC_FULLNAME_CAPACITY ? result : "";
 }
 
-/** A language in the form that ICU itself would write, without encoding and keywords. */
+/** A language in ICU's canonical form, without encoding and keywords. */
 std::string canonicalLocale(const char* language) {
     std::string locale = runIcu(uloc_getBaseName, runIcu(uloc_canonicalize, language));
     locale.erase(locale.find_last_not_of('_') + 1);
-    // The text may come from anywhere, and the identifier may become a part of a file's name.
+    // The language may be untrusted input, and ICU may use the identifier in a file name.
     const bool isIdentifier = std::all_of(
         locale.begin(), locale.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
     return isIdentifier ? locale : "";
@@ -40,7 +40,7 @@ void NRBMessage::format(const char* language, const char* fallbackLanguage, I18N
 }
 
 bool NRBMessage::formatInLanguageOrParent(const char* language, I18NString& out) const {
-    // ICU would take a null language for the process's own locale.
+    // For null, ICU would use the locale of the process.
     std::string locale = language ? canonicalLocale(language) : std::string();
     for (; !locale.empty(); locale = runIcu(uloc_getParent, locale)) {
         if (findText(locale.c_str(), out)) {

@@ -4,7 +4,7 @@
 #include <ctime>
 
 std::string NRBUtSystemInfo::getTimeStamp(int /*kind*/) {
-    // Seconds and milliseconds come from one reading: two could straddle the turn of a second.
+    // Read the clock once: between two readings, the second may change.
     std::timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     std::tm local{};

@@ -1,6 +1,6 @@
-# Holds one language file against the list of identifiers:
+# Compares one language file with the list of identifiers:
 #   cmake -D IDENTIFIERS=identifiers.txt -D LANGUAGE_FILE=de.txt -P CheckCatalogue.cmake
-# A message that is missing would be told in another language, and nobody would know.
+# Without this check, a missing message would silently be shown in the fallback language.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -8,55 +8,55 @@ file(STRINGS "${IDENTIFIERS}" lines REGEX "^[0-9A-F]+ " ENCODING UTF-8)
 foreach(line IN LISTS lines)
   string(REGEX REPLACE " .*" "" identifier "${line}")
   string(REGEX REPLACE "^[^ ]+ " "" "meaning_${identifier}" "${line}")
-  list(APPEND wanted "${identifier}")
+  list(APPEND required "${identifier}")
 endforeach()
 
 cmake_path(GET LANGUAGE_FILE STEM language)
 cmake_path(GET LANGUAGE_FILE FILENAME name)
-set(fault FALSE)
-macro(tell text)
-  message("${name}: error: language '${language}' ${text}")
-  set(fault TRUE)
+set(has_errors FALSE)
+macro(report_error text)
+  message("${name}: error: language '${language}': ${text}")
+  set(has_errors TRUE)
 endmacro()
 
-# Only the plain form that the files have: whatever else ICU would read (comments that hold messages,
-# messages over several lines) could hide one.
+# ICU accepts more than this format, such as block comments and texts over several lines. They are an
+# error here, because they could hide a missing message.
 file(READ "${LANGUAGE_FILE}" content)
-string(REGEX REPLACE "[][;\\]" "." content "${content}") # these mean something in a list
+string(REGEX REPLACE "[][;\\]" "." content "${content}") # special characters of CMake lists
 string(REPLACE "\n" ";" lines "${content}")
 set(found "")
-set(heads 0)
+set(headers 0)
 foreach(line IN LISTS lines)
   if(line MATCHES "^[ \t]+([0-9A-Za-z]+)[ \t]*{[ \t]*\"(.*)\"[ \t]*}[ \t]*$")
     set(identifier "${CMAKE_MATCH_1}")
     if(CMAKE_MATCH_2 STREQUAL "")
-      tell("has an empty text for ${identifier}")
+      report_error("empty text for ${identifier}")
     endif()
     if(identifier IN_LIST found)
-      tell("has ${identifier} twice")
+      report_error("duplicate identifier ${identifier}")
     endif()
     list(APPEND found "${identifier}")
   elseif(line MATCHES "^${language}:table\\(nofallback\\) {$")
-    math(EXPR heads "${heads} + 1")
+    math(EXPR headers "${headers} + 1")
   elseif(NOT line MATCHES "^(//.*|})?$")
-    tell("has a line that is no message: ${line}")
+    report_error("not a message: ${line}")
   endif()
 endforeach()
-if(NOT heads EQUAL 1)
-  tell("has to begin with '${language}:table(nofallback) {'")
+if(NOT headers EQUAL 1)
+  report_error("the file must begin with '${language}:table(nofallback) {'")
 endif()
 
-set(missing ${wanted})
+set(missing ${required})
 list(REMOVE_ITEM missing ${found})
 foreach(identifier IN LISTS missing)
-  tell("misses ${identifier} (\"${meaning_${identifier}}\")")
+  report_error("missing identifier ${identifier} (\"${meaning_${identifier}}\")")
 endforeach()
 set(unknown ${found})
-list(REMOVE_ITEM unknown ${wanted})
+list(REMOVE_ITEM unknown ${required})
 foreach(identifier IN LISTS unknown)
-  tell("has ${identifier}, which identifiers.txt lacks")
+  report_error("unknown identifier ${identifier}: not in identifiers.txt")
 endforeach()
 
-if(fault)
-  message(FATAL_ERROR "The message catalogue is not complete.")
+if(has_errors)
+  message(FATAL_ERROR "The message catalogue has errors.")
 endif()

@@ -12,18 +12,18 @@ namespace {
 
 constexpr const char* PACKAGE = "VEXA_Resources";
 
-void throwAtLackOfMemory(UErrorCode status) {
+void throwIfOutOfMemory(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) {
         throw std::bad_alloc();
     }
 }
 
-/** Tells ICU, once in a process, where the catalogue is; where memory lacks, the next call does. */
+/** Registers the catalogue with ICU once in a process. After bad_alloc, the next call retries. */
 void registerCatalogue() {
     static const UErrorCode registered = [] {
         UErrorCode status = U_ZERO_ERROR;
         udata_setAppData(PACKAGE, VEXA_Resources_dat, &status);
-        throwAtLackOfMemory(status);
+        throwIfOutOfMemory(status);
         return status;
     }();
     static_cast<void>(registered);
@@ -44,7 +44,7 @@ bool WolMdMessage::findText(const char* locale, I18NString& out) const {
     const icu::LocalUResourceBundlePointer bundle(ures_openDirect(PACKAGE, locale, &status));
     int32_t length = 0;
     const UChar* const text = ures_getStringByKey(bundle.getAlias(), key, &length, &status);
-    throwAtLackOfMemory(status);
+    throwIfOutOfMemory(status);
     if (U_FAILURE(status)) {
         return false;
     }
