@@ -12,48 +12,48 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/** Every file ends its last line; that line end is the file's, not the result's. */
-std::string withoutLastLineEnd(std::string text) {
+/** The newline at the end of a file is not part of the result. */
+std::string withoutLastNewline(std::string text) {
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
     }
     return text;
 }
 
-[[noreturn]] void refuse(const fs::path& file, const std::string& reason) {
-    throw std::runtime_error(file.string() + ": " + reason);
+[[noreturn]] void throwInvalid(const fs::path& file, const std::string& message) {
+    throw std::runtime_error(file.string() + ": " + message);
 }
 
-/** Takes a result, or "fails CODE TEXT" apart. */
+/** Parses a result, which may be "fails CODE TEXT". */
 void setExpected(CorpusCase& corpusCase, const std::string& text) {
-    const std::string mark = "fails ";
-    const auto end = text.rfind(mark, 0) == 0 ? text.find(' ', mark.size()) : std::string::npos;
+    const std::string prefix = "fails ";
+    const auto end = text.rfind(prefix, 0) == 0 ? text.find(' ', prefix.size()) : std::string::npos;
     corpusCase.expected = text.substr(0, end);
     if (end != std::string::npos) {
         corpusCase.errorText = text.substr(end + 1);
     }
 }
 
-/** Adds what a heading "ROAD ROAD: REASON" says of a result. */
+/** Adds a result with the heading "KIND KIND: EXPLANATION". */
 void addDifferences(CorpusCase& corpusCase, const fs::path& file, const std::string& heading,
                     const std::string& result) {
     const auto colon = heading.find(": ");
     if (colon == std::string::npos || colon + 2 == heading.size()) {
-        refuse(file, "a difference without a reason: " + heading);
+        throwInvalid(file, "difference without an explanation: " + heading);
     }
-    std::istringstream roads(heading.substr(0, colon));
-    for (std::string road; roads >> road;) {
-        corpusCase.differences[road] = {heading.substr(colon + 2), result};
+    std::istringstream kinds(heading.substr(0, colon));
+    for (std::string kind; kinds >> kind;) {
+        corpusCase.differences[kind] = {heading.substr(colon + 2), result};
     }
 }
 
-/** Headings that begin with "@ ", each followed by the lines of a result. */
+/** Reads headings that begin with "@ ", each followed by the lines of a result. */
 void readDifferences(CorpusCase& corpusCase, const fs::path& file) {
     std::istringstream lines(readFile(file.string()));
     std::string heading, result;
     const auto close = [&] {
         if (!heading.empty()) {
-            addDifferences(corpusCase, file, heading, withoutLastLineEnd(result));
+            addDifferences(corpusCase, file, heading, withoutLastNewline(result));
         }
         result.clear();
     };
@@ -67,20 +67,20 @@ void readDifferences(CorpusCase& corpusCase, const fs::path& file) {
     }
     close();
     if (corpusCase.differences.empty()) {
-        refuse(file, "no difference in it");
+        throwInvalid(file, "no differences");
     }
     if (corpusCase.differences.count("engine") != 0 && !corpusCase.expected) {
-        refuse(file, "nothing is expected that the engine could differ from");
+        throwInvalid(file, "a difference of the engine, but no expected result");
     }
 }
 
-/** The nearest of the documents that may be meant. */
+/** The source of a case: its own, that of its family, or the common one. */
 std::string sourceOf(const fs::path& file) {
     fs::path own = file;
     own.replace_extension(".xml");
-    const fs::path familys = file.parent_path() / "source.xml";
-    const fs::path everybodys = file.parent_path().parent_path() / "source.xml";
-    return (fs::exists(own) ? own : fs::exists(familys) ? familys : everybodys).string();
+    const fs::path ofFamily = file.parent_path() / "source.xml";
+    const fs::path common = file.parent_path().parent_path() / "source.xml";
+    return (fs::exists(own) ? own : fs::exists(ofFamily) ? ofFamily : common).string();
 }
 
 std::string nameOf(const fs::path& file) {
@@ -92,44 +92,44 @@ CorpusCase readStylesheetCase(const fs::path& stylesheet) {
     corpusCase.name = nameOf(stylesheet);
     corpusCase.source = sourceOf(stylesheet);
     corpusCase.stylesheet = stylesheet.string();
-    fs::path beside = stylesheet;
-    if (fs::exists(beside.replace_extension(".expected"))) {
-        setExpected(corpusCase, withoutLastLineEnd(readFile(beside.string())));
+    fs::path file = stylesheet;
+    if (fs::exists(file.replace_extension(".expected"))) {
+        setExpected(corpusCase, withoutLastNewline(readFile(file.string())));
     }
-    if (fs::exists(beside.replace_extension(".differs"))) {
-        readDifferences(corpusCase, beside);
+    if (fs::exists(file.replace_extension(".differs"))) {
+        readDifferences(corpusCase, file);
     }
     return corpusCase;
 }
 
-/** Text on both sides of a mark; refused where there is none. */
+/** Splits a line at a separator. */
 std::pair<std::string, std::string> splitLine(const fs::path& file, const std::string& line,
-                                              const std::string& mark) {
-    const auto position = line.find(mark);
+                                              const std::string& separator) {
+    const auto position = line.find(separator);
     if (position == std::string::npos) {
-        refuse(file, "no \"" + mark + "\" in: " + line);
+        throwInvalid(file, "no \"" + separator + "\" in: " + line);
     }
-    return {line.substr(0, position), line.substr(position + mark.size())};
+    return {line.substr(0, position), line.substr(position + separator.size())};
 }
 
 /**
- * Lines "NAME: EXPRESSION => RESULT", each of which may be followed by indented lines
- * "ROAD ROAD: REASON => RESULT".
+ * Reads lines "NAME: EXPRESSION => RESULT", each optionally followed by indented lines
+ * "KIND KIND: EXPLANATION => RESULT".
  */
 void readExpressionCases(std::vector<CorpusCase>& cases, const fs::path& file) {
     std::istringstream lines(readFile(file.string()));
-    bool begun = false;
+    bool hasCase = false;
     for (std::string line; std::getline(lines, line);) {
         if (line.empty() || line[0] == '#') {
             continue;
         }
         const auto [left, result] = splitLine(file, line, " =>");
-        const std::string wanted = result.empty() ? "" : result.substr(1);
+        const std::string expected = result.empty() ? "" : result.substr(1);
         if (line[0] == ' ') {
-            if (!begun) {
-                refuse(file, "a difference before any case: " + line);
+            if (!hasCase) {
+                throwInvalid(file, "difference before the first case: " + line);
             }
-            addDifferences(cases.back(), file, left.substr(left.find_first_not_of(' ')), wanted);
+            addDifferences(cases.back(), file, left.substr(left.find_first_not_of(' ')), expected);
             continue;
         }
         const auto [name, expression] = splitLine(file, left, ": ");
@@ -137,20 +137,20 @@ void readExpressionCases(std::vector<CorpusCase>& cases, const fs::path& file) {
         cases.back().name = nameOf(file) + "-" + name;
         cases.back().source = sourceOf(file);
         cases.back().expression = expression;
-        setExpected(cases.back(), wanted);
-        begun = true;
+        setExpected(cases.back(), expected);
+        hasCase = true;
     }
 }
 
-void refuseStrayFile(const fs::path& file) {
+void checkBelongsToCase(const fs::path& file) {
     fs::path stylesheet = file, expressions = file;
     stylesheet.replace_extension(".xsl");
     expressions.replace_extension(".txt");
     static const std::set<std::string> known{".xml", ".expected", ".differs"};
-    const bool beside = known.count(file.extension().string()) != 0 &&
-                        (fs::exists(stylesheet) || fs::exists(expressions));
-    if (!beside && file.filename() != "source.xml") {
-        refuse(file, "belongs to no case");
+    const bool belongsToCase = known.count(file.extension().string()) != 0 &&
+                               (fs::exists(stylesheet) || fs::exists(expressions));
+    if (!belongsToCase && file.filename() != "source.xml") {
+        throwInvalid(file, "belongs to no case");
     }
 }
 
@@ -161,8 +161,8 @@ void readFamily(std::vector<CorpusCase>& cases, const fs::path& family) {
             cases.push_back(readStylesheetCase(file));
         } else if (file.extension() == ".txt") {
             readExpressionCases(cases, file);
-        } else if (!entry.is_directory()) { // a folder has what the family's stylesheets read
-            refuseStrayFile(file);
+        } else if (!entry.is_directory()) { // folders have files that the stylesheets read
+            checkBelongsToCase(file);
         }
     }
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * The cases of the corpus, as the files beside this one describe them; README.md tells how.
+ * The cases of the corpus. README.md describes the files that define them.
  */
 #pragma once
 
@@ -10,24 +10,24 @@
 #include <string>
 #include <vector>
 
-/** What a result is to be, or why it is another one. */
+/** A result that differs from the expected one, and why. */
 struct Difference {
-    std::string reason;
+    std::string explanation;
     std::string result;
 };
 
 struct CorpusCase {
-    /** Family and name, parted by a slash. */
+    /** Family and name, separated by a slash. */
     std::string name;
     std::string source;
-    /** The stylesheet's path; empty for an expression. */
+    /** Path of the stylesheet; empty for an expression. */
     std::string stylesheet;
     std::string expression;
     /** The output, or "fails CODE". */
     std::optional<std::string> expected;
-    /** A piece of the text of the failure that is expected. */
+    /** A part of the expected error message. */
     std::string errorText;
-    /** By the name of the road. */
+    /** By the name of the kind of transform. */
     std::map<std::string, Difference> differences;
 };
 
@@ -35,5 +35,5 @@ inline std::ostream& operator<<(std::ostream& stream, const CorpusCase& corpusCa
     return stream << corpusCase.name;
 }
 
-/** All cases under a folder, sorted. Throws std::runtime_error at a file that belongs to none. */
+/** Reads all cases of a folder, sorted by name. @throws std::runtime_error for an invalid file */
 std::vector<CorpusCase> readCorpus(const std::string& folder);

@@ -1,9 +1,9 @@
 /**
  * @file
- * Each case of the corpus gives what it is to give, and gives it on every road.
+ * Each case of the corpus gives its expected result, with every kind of transform.
  */
 #include "CorpusCase.h"
-#include "Roads.h"
+#include "Transforms.h"
 
 #include "support/EngineTest.h"
 #include "support/TestFiles.h"
@@ -20,7 +20,7 @@ namespace {
 
 const std::string ENGINE = "engine";
 
-std::vector<CorpusCase> readCorpusOrGiveUp() {
+std::vector<CorpusCase> readCorpusOrExit() {
     try {
         return readCorpus(projectFile("tests/corpus"));
     } catch (const std::runtime_error& error) {
@@ -30,27 +30,27 @@ std::vector<CorpusCase> readCorpusOrGiveUp() {
 }
 
 const std::vector<CorpusCase>& corpus() {
-    static const std::vector<CorpusCase> cases = readCorpusOrGiveUp();
+    static const std::vector<CorpusCase> cases = readCorpusOrExit();
     return cases;
 }
 
-/** A result as the corpus writes it. */
-std::string written(const EngineResult& result) {
+/** A result in the format of the corpus files. */
+std::string asExpected(const EngineResult& result) {
     return result.code == 0 ? result.output : "fails " + std::to_string(result.code);
 }
 
-bool holds(const std::string& text, const std::string& piece) {
-    return text.find(piece) != std::string::npos;
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
-/** How far a failed transform came is compared only where the engine's own transformer writes. */
-bool agree(const Road& road, const EngineResult& result, const EngineResult& engine) {
-    return written(result) == written(engine) &&
-           (result.code == 0 || !road.keepsErrorText ||
+/** After a failure, message and output are compared only if they come from the engine unchanged. */
+bool areEqual(const TransformKind& kind, const EngineResult& result, const EngineResult& engine) {
+    return asExpected(result) == asExpected(engine) &&
+           (result.code == 0 || !kind.hasEngineMessage ||
             (result.error == engine.error && result.output == engine.output));
 }
 
-/** What the engine prints by itself would hide the names of failing cases. */
+/** The messages that the engine prints would hide the names of failed cases. */
 class SilencedErrorStream {
 public:
     SilencedErrorStream() : m_previous(std::cerr.rdbuf(m_text.rdbuf())) {}
@@ -86,35 +86,36 @@ protected:
         }
     }
 
-    void expectOfEngine(const EngineResult& engine) {
+    void checkEngine(const EngineResult& engine) {
         const auto difference = m_case.differences.find(ENGINE);
         if (difference != m_case.differences.end()) {
-            EXPECT_NE(written(engine), m_case.expected) << "The engine does not differ.";
-            EXPECT_TRUE(sameBytes(written(engine), difference->second.result)) << engine.error;
+            EXPECT_NE(asExpected(engine), m_case.expected) << "The engine does not differ.";
+            EXPECT_TRUE(sameBytes(asExpected(engine), difference->second.result)) << engine.error;
         } else if (m_case.expected) {
-            EXPECT_TRUE(sameBytes(written(engine), *m_case.expected)) << engine.error;
-            EXPECT_TRUE(holds(engine.error, m_case.errorText)) << engine.error;
+            EXPECT_TRUE(sameBytes(asExpected(engine), *m_case.expected)) << engine.error;
+            EXPECT_TRUE(contains(engine.error, m_case.errorText)) << engine.error;
         } else {
             EXPECT_EQ(engine.code, 0) << engine.error;
         }
     }
 
-    void expectOfRoad(const Road& road, const EngineResult& result, const EngineResult& engine) {
-        const auto difference = m_case.differences.find(road.name);
+    void checkTransform(const TransformKind& kind, const EngineResult& result,
+                        const EngineResult& engine) {
+        const auto difference = m_case.differences.find(kind.name);
         if (difference == m_case.differences.end()) {
-            EXPECT_TRUE(agree(road, result, engine))
-                << road.name << " gives \"" << written(result) << "\" " << result.error
-                << "\ninstead of \"" << written(engine) << "\" " << engine.error;
+            EXPECT_TRUE(areEqual(kind, result, engine))
+                << kind.name << " gives \"" << asExpected(result) << "\" " << result.error
+                << "\ninstead of \"" << asExpected(engine) << "\" " << engine.error;
             return;
         }
-        EXPECT_FALSE(agree(road, result, engine))
-            << road.name << " does not differ: " << difference->second.reason;
-        EXPECT_TRUE(sameBytes(written(result), difference->second.result)) << road.name;
-        m_explained.insert(road.name);
+        EXPECT_FALSE(areEqual(kind, result, engine))
+            << kind.name << " does not differ: " << difference->second.explanation;
+        EXPECT_TRUE(sameBytes(asExpected(result), difference->second.result)) << kind.name;
+        m_differencesFound.insert(kind.name);
     }
 
     CorpusCase m_case = GetParam();
-    std::set<std::string> m_explained{ENGINE};
+    std::set<std::string> m_differencesFound{ENGINE};
     TemporaryFolder m_folder;
     SilencedErrorStream m_silence;
 };
@@ -127,7 +128,7 @@ std::string asTestName(const std::string& name) {
     return result;
 }
 
-/** Tells at the end of a whole run how much there was. */
+/** Prints the size of the corpus at the end of the run. */
 class CorpusSize : public ::testing::Environment {
 public:
     void TearDown() override {
@@ -137,9 +138,9 @@ public:
         }
         std::cout << corpus().size() << " cases in " << families.size() << " families; "
                   << count([](const auto& c) { return c.expected.has_value(); })
-                  << " with their expected result, "
+                  << " with an expected result, "
                   << count([](const auto& c) { return !c.differences.empty(); })
-                  << " with a difference that is explained\n";
+                  << " with an explained difference\n";
     }
 
 private:
@@ -154,24 +155,24 @@ private:
 
 } // namespace
 
-TEST_P(CorpusTest, IsTheSameOnEveryRoad) {
+TEST_P(CorpusTest, EveryTransformGivesTheSameResult) {
     const EngineResult engine = runBareEngine(m_case.source, m_case.stylesheet);
-    expectOfEngine(engine);
-    for (const Road& road : allRoads()) {
-        if (!road.forExpressions || !m_case.expression.empty()) {
-            expectOfRoad(road, road.run(m_case), engine);
+    checkEngine(engine);
+    for (const TransformKind& kind : allTransformKinds()) {
+        if (!kind.isQuery || !m_case.expression.empty()) {
+            checkTransform(kind, kind.run(m_case), engine);
         }
     }
     for (const auto& difference : m_case.differences) {
-        EXPECT_EQ(m_explained.count(difference.first), 1U)
-            << difference.first << " is no road of this case";
+        EXPECT_EQ(m_differencesFound.count(difference.first), 1U)
+            << difference.first << " is not a kind of transform of this case";
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(, CorpusTest, ::testing::ValuesIn(corpus()),
                          [](const auto& test) { return asTestName(test.param.name); });
 
-/** The corpus is found, and has not shrunk. */
+/** All files of the corpus are found. */
 TEST(CorpusSizeTest, ThereAreHundredsOfCases) {
     EXPECT_GE(corpus().size(), 300U);
 }

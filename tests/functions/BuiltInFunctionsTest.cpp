@@ -28,7 +28,7 @@ const std::map<std::string, std::type_index> BUILT_IN_FUNCTIONS = {
 
 } // namespace
 
-TEST_F(BuiltInFunctionsTest, AFreshTransformerHasExactlyTheEightEachWithAClassOfItsOwn) {
+TEST_F(BuiltInFunctionsTest, ANewTransformerHasExactlyTheEightFunctions) {
     std::set<std::string> names;
     for (const auto& [name, function] : Inspector::functions(m_transformer)) {
         names.insert(name.c_str());
@@ -38,7 +38,7 @@ TEST_F(BuiltInFunctionsTest, AFreshTransformerHasExactlyTheEightEachWithAClassOf
     EXPECT_EQ(names.size(), 8U);
 }
 
-TEST_F(BuiltInFunctionsTest, EachTransformerHasClonesOfItsOwn) {
+TEST_F(BuiltInFunctionsTest, EachTransformerHasItsOwnClones) {
     VEXAXslTransformer other;
     std::set<const TqXsltFunction*> clones;
     for (VEXAXslTransformer* transformer : {&m_transformer, &other}) {
@@ -49,7 +49,7 @@ TEST_F(BuiltInFunctionsTest, EachTransformerHasClonesOfItsOwn) {
     EXPECT_EQ(clones.size(), 16U);
 }
 
-TEST_F(BuiltInFunctionsTest, AllEightServeAStylesheetWithoutAnythingInstalled) {
+TEST_F(BuiltInFunctionsTest, AllCanBeCalledWithoutInstallation) {
     setTimeStamp("20261105120000000");
     gmapTimers.clear();
     const std::string sheet =
@@ -64,18 +64,18 @@ TEST_F(BuiltInFunctionsTest, AllEightServeAStylesheetWithoutAnythingInstalled) {
                               "<xsl:value-of select='vexa:TimerDestroy($id)'/></b>");
     const std::string expected = "<b>Summe|12:00:00.000|true|475200000|   0.000|   0.000|   0.000|"
                                  "   0.000</b>";
-    EXPECT_EQ(onFileRoad(source(), sheet).output, expected);
-    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul(expected));
+    EXPECT_EQ(transformFile(source(), sheet).output, expected);
+    EXPECT_EQ(transformStream("<a/>", sheet).output, withNul(expected));
 }
 
-TEST_F(BuiltInFunctionsTest, AReplacementHoldsForItsTransformerOnly) {
+TEST_F(BuiltInFunctionsTest, AReplacementAffectsOneTransformerOnly) {
     setTimeStamp("20261105120000000");
     const TqXsltFunction* const builtIn = Inspector::functions(m_transformer).at("GetDateTime");
     m_transformer.installExternalFunction("GetDateTime", ConstantFunction("noon"));
     EXPECT_EQ(Inspector::functions(m_transformer).size(), 8U);
     EXPECT_EQ(evaluate("vexa:GetDateTime()"), "noon");
 
-    // The clone that was replaced is still there for whoever has a pointer to it.
+    // The replaced clone is not freed: a host may have a pointer to it.
     EXPECT_EQ(callLeniently(*builtIn, {}), "12:00:00.000");
 
     VEXAXslTransformer other;

@@ -10,9 +10,10 @@
 
 namespace {
 
-constexpr const char* WRONG_ARITY = "The FunctionGetLocalizedString() function takes 2 arguments!";
+constexpr const char* ARITY_MESSAGE =
+    "The FunctionGetLocalizedString() function takes 2 arguments!";
 
-/** The stylesheets' numbers 0 to 18, as the platform's resources know them. */
+/** The catalogue identifiers of the message numbers 0 to 18. */
 constexpr unsigned long IDENTIFIERS[] = {2733166516, 2733212678, 2733417774, 2733463936, 2733088678,
                                          2732897321, 2732835219, 2733171271, 2733325581, 2733459538,
                                          2732710487, 2733449079, 2733522074, 2732756646, 2733153402,
@@ -43,7 +44,7 @@ TEST_F(LocalizedStringTest, MapsEveryOtherNumberToZero) {
     }
 }
 
-TEST_F(LocalizedStringTest, TellsEveryMessageInEveryLanguage) {
+TEST_F(LocalizedStringTest, ReturnsEveryMessageInEveryLanguage) {
     const auto languages = catalogueLanguages();
     EXPECT_GE(languages.size(), 8U);
     for (const std::string& language : languages) {
@@ -55,7 +56,7 @@ TEST_F(LocalizedStringTest, TellsEveryMessageInEveryLanguage) {
     }
 }
 
-TEST_F(LocalizedStringTest, TellsKnownWords) {
+TEST_F(LocalizedStringTest, ReturnsKnownTexts) {
     EXPECT_EQ(text("4", "en"), "Total");
     EXPECT_EQ(text("4", "de"), "Summe");
     EXPECT_EQ(text("16", "fr"), "Page");
@@ -89,13 +90,13 @@ TEST_F(LocalizedStringTest, ReadsTheNumberAtTheBeginningOfAText) {
     EXPECT_EQ(text(" +4x", "en"), "Total");
 }
 
-TEST_F(LocalizedStringTest, IsEmptyForANumberThatHasNoMessage) {
+TEST_F(LocalizedStringTest, ReturnsAnEmptyTextForAnUnknownNumber) {
     for (const char* number : {"19", "-1", "4294967296", "-4294967292", "99999999999999999999"}) {
         EXPECT_EQ(text(number, "en"), "") << number;
     }
 }
 
-TEST_F(LocalizedStringTest, IsCalledFromStylesheetsOnBothRoads) {
+TEST_F(LocalizedStringTest, CanBeCalledInFileAndStreamTransforms) {
     EXPECT_EQ(evaluate("vexa:GetLocalizedString('18', 'en')"), "Created at");
     EXPECT_EQ(evaluate("vexa:GetLocalizedString(19, 'en')"), "");
     EXPECT_EQ(evaluate("vexa:GetLocalizedString(-1, 'en')"), "");
@@ -104,25 +105,25 @@ TEST_F(LocalizedStringTest, IsCalledFromStylesheetsOnBothRoads) {
     EXPECT_EQ(evaluate("vexa:GetLocalizedString(4, //nothing)"), "Total");
     const std::string sheet =
         sheetWithRootTemplate("<b><xsl:value-of select='vexa:GetLocalizedString(4, \"de\")'/></b>");
-    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul("<b>Summe</b>"));
+    EXPECT_EQ(transformStream("<a/>", sheet).output, withNul("<b>Summe</b>"));
 }
 
 TEST_F(LocalizedStringTest, ReportsAWrongNumberOfArguments) {
     for (const char* call : {"vexa:GetLocalizedString(5)", "vexa:GetLocalizedString()",
                              "vexa:GetLocalizedString(5, 'en', 1)"}) {
-        EXPECT_NE(errorOf(call).find(WRONG_ARITY), std::string::npos) << call;
+        EXPECT_NE(errorOf(call).find(ARITY_MESSAGE), std::string::npos) << call;
     }
 }
 
-TEST_F(LocalizedStringTest, GoesOnWithWhatItWasGivenShouldTheReportReturn) {
+TEST_F(LocalizedStringTest, ContinuesWithTheGivenArgumentsIfTheReportReturns) {
     EXPECT_EQ(callLeniently(FunctionGetLocalizedString(), {"4"}), "Total");
-    EXPECT_EQ(lenientContext().m_strProblem, WRONG_ARITY);
+    EXPECT_EQ(lenientContext().m_strProblem, ARITY_MESSAGE);
     EXPECT_EQ(lenientContext().m_pNode, contextNode());
     EXPECT_FALSE(lenientContext().m_bHadLocator);
     EXPECT_EQ(callLeniently(FunctionGetLocalizedString(), {"4", "de", "more"}), "Summe");
 }
 
-TEST_F(LocalizedStringTest, AssertsThatItsFirstArgumentIsThere) {
+TEST_F(LocalizedStringTest, AssertsThatItHasAFirstArgument) {
     try {
         callWithNull(FunctionGetLocalizedString());
         FAIL() << "no assertion";
@@ -136,11 +137,11 @@ TEST_F(LocalizedStringTest, AssertsThatItsFirstArgumentIsThere) {
     }
 }
 
-TEST_F(LocalizedStringTest, TakesALanguageThatIsNoObjectForNone) {
+TEST_F(LocalizedStringTest, TreatsANullLanguageAsEmpty) {
     EXPECT_EQ(callWithNull(FunctionGetLocalizedString(), {"4"}), "Total");
 }
 
-TEST_F(LocalizedStringTest, HasAnErrorTextThatDisagreesWithItsMessage) {
+TEST_F(LocalizedStringTest, ItsErrorTextDiffersFromItsArityMessage) {
     const std::unique_ptr<TqXsltFunction> clone(FunctionGetLocalizedString().clone());
     EXPECT_EQ(typeid(*clone), typeid(FunctionGetLocalizedString));
     EXPECT_EQ(narrow(clone->getError()), "tqfunc:GetLocalizedString() takes one argument");

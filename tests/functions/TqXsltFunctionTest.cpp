@@ -30,7 +30,7 @@ I18NString fromEngine(const XalanDOMString& text) {
     return TqXsltFunction::XalanDOMStringToI18NString(text);
 }
 
-/** Makes the engine's side of a function visible. */
+/** Makes the protected getError() accessible. */
 class ExposedFunction : public BracketFunction {
 public:
     using TqXsltFunction::getError;
@@ -47,7 +47,7 @@ TEST_F(TqXsltFunctionTest, EmptyTextsConvertToEmptyTexts) {
     EXPECT_TRUE(fromEngine(toEngine(I18NString())).empty());
 }
 
-TEST_F(TqXsltFunctionTest, TextsOfAnyScriptSurviveTheConversionAndBack) {
+TEST_F(TqXsltFunctionTest, TextsInAnyScriptSurviveARoundTrip) {
     for (const char* text : {"plain", "\xCE\xB1\xCE\xB2\xCE\xB3", "\xE4\xBD\xA0\xE5\xA5\xBD",
                              "\xF0\x9F\x98\x80", "\xC3\xA9"}) {
         EXPECT_EQ(fromEngine(toEngine(text)), I18NString(text));
@@ -58,12 +58,12 @@ TEST_F(TqXsltFunctionTest, TextsOfAnyScriptSurviveTheConversionAndBack) {
     EXPECT_EQ(greek[1], u'\u03B2');
 }
 
-TEST_F(TqXsltFunctionTest, ALoneSurrogateSurvivesToo) {
+TEST_F(TqXsltFunctionTest, ALoneSurrogateSurvivesARoundTrip) {
     const I18NString lone(u"a\xD800z", -1, nullptr, nullptr);
     EXPECT_EQ(fromEngine(toEngine(lone)), lone);
 }
 
-TEST_F(TqXsltFunctionTest, ACloneIsOfTheSameClassAndHasTheSameErrorText) {
+TEST_F(TqXsltFunctionTest, ACloneHasTheSameClassAndErrorText) {
     const BracketFunction function;
     const TqXsltFunction& base = function;
     const std::unique_ptr<TqXsltFunction> clone(base.clone());
@@ -71,13 +71,13 @@ TEST_F(TqXsltFunctionTest, ACloneIsOfTheSameClassAndHasTheSameErrorText) {
     EXPECT_EQ(clone->getError(), base.getError());
 }
 
-TEST_F(TqXsltFunctionTest, ItsErrorTextReachesTheEngine) {
+TEST_F(TqXsltFunctionTest, ItsErrorTextIsPassedToTheEngine) {
     const ExposedFunction function;
     XalanDOMString buffer;
     EXPECT_EQ(function.getError(buffer), XalanDOMString("takes one argument"));
 }
 
-TEST_F(TqXsltFunctionTest, TheEnginesCloneComesFromTheEnginesMemoryAndFreesItsFunction) {
+TEST_F(TqXsltFunctionTest, TheEnginesCloneIsInTheEnginesMemoryAndFreesItsFunction) {
     const int alive = ConstantFunction::s_alive;
     CountingMemoryManager memory;
     {
@@ -97,8 +97,8 @@ TEST_F(TqXsltFunctionTest, TheEnginesCloneComesFromTheEnginesMemoryAndFreesItsFu
     EXPECT_EQ(ConstantFunction::s_alive, alive);
 }
 
-/** The engine's own calls with a fixed number of arguments report the error text. */
-TEST_F(TqXsltFunctionTest, ItsErrorTextReachesTheEngineThroughTheEnginesCloneToo) {
+/** The execute() overloads with a fixed number of arguments report the error text. */
+TEST_F(TqXsltFunctionTest, TheEnginesCloneReportsTheErrorText) {
     CountingMemoryManager memory;
     const BracketFunction function;
     xalanc::Function* const clone = static_cast<const TqXsltFunction&>(function).clone(memory);
@@ -116,10 +116,10 @@ TEST_F(TqXsltFunctionTest, ItsErrorTextReachesTheEngineThroughTheEnginesCloneToo
     memory.deallocate(clone);
 }
 
-TEST_F(TqXsltFunctionTest, ACloneThatFindsNoMemoryLeavesNothingBehind) {
+TEST_F(TqXsltFunctionTest, ACloneThatRunsOutOfMemoryLeaksNothing) {
     const int alive = ConstantFunction::s_alive;
     CountingMemoryManager memory;
-    memory.refuseAfter(0);
+    memory.failAfter(0);
     {
         const ConstantFunction function("text");
         const TqXsltFunction& base = function;
@@ -128,8 +128,8 @@ TEST_F(TqXsltFunctionTest, ACloneThatFindsNoMemoryLeavesNothingBehind) {
     EXPECT_EQ(ConstantFunction::s_alive, alive);
 }
 
-/** Without the engine's fixture: the host starts Xerces, and the library comes second. */
-TEST(TqXsltFunctionInAHost, IsFreedByTheAllocatorThatMadeItUnderAHostsMemoryManager) {
+/** Without the fixture EngineTest: the host initializes Xerces before the library. */
+TEST(TqXsltFunctionInAHost, IsFreedByItsOwnAllocatorIfTheHostHasAMemoryManager) {
     CountingMemoryManager memory;
     xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &memory);
     TQXslTransformer_Initialize(nullptr);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint32_t DAY = 86'400'000;
 
-/** Sets the clock to a moment of day 5 of a month. */
+/** Sets the clock to a time on day 5 of a month. */
 void setTime(const std::string& hhmmssmmm) {
     setTimeStamp("20261105" + hhmmssmmm);
 }
@@ -42,7 +42,7 @@ protected:
     static bool isRunning(int id) { return !isAbsent(id) && gmapTimers.at(id).ulStart != 0; }
 };
 
-// ---- The table of the six functions ----
+// ---- The six functions ----
 
 struct TimerRow {
     const char* name;
@@ -99,7 +99,7 @@ TEST_P(TimerTableTest, ReportsAWrongNumberOfArgumentsWithItsOwnMessage) {
     EXPECT_TRUE(gmapTimers.empty());
 }
 
-TEST_P(TimerTableTest, GoesOnWithWhatItWasGivenShouldTheReportReturn) {
+TEST_P(TimerTableTest, ContinuesWithTheGivenArgumentsIfTheReportReturns) {
     const TimerRow& row = GetParam();
     const std::string result = callLeniently(row.function, {"77", "88"});
     EXPECT_EQ(lenientContext().m_strProblem, row.arityMessage);
@@ -115,13 +115,13 @@ TEST_P(TimerTableTest, HasItsOwnErrorText) {
     EXPECT_EQ(narrow(GetParam().function.getError()), GetParam().errorText);
 }
 
-TEST_P(TimerTableTest, ItsCloneIsOfTheSameClassWithTheSameText) {
+TEST_P(TimerTableTest, ItsCloneHasTheSameClassAndErrorText) {
     const std::unique_ptr<TqXsltFunction> clone(GetParam().function.clone());
     EXPECT_EQ(typeid(*clone), typeid(GetParam().function));
     EXPECT_EQ(narrow(clone->getError()), GetParam().errorText);
 }
 
-TEST_P(TimerTableTest, AssertsThatItsFirstArgumentIsThere) {
+TEST_P(TimerTableTest, AssertsThatItHasAFirstArgument) {
     const TimerRow& row = GetParam();
     if (row.arity == 0) {
         EXPECT_NO_THROW(callWithNull(row.function));
@@ -142,7 +142,7 @@ TEST_P(TimerTableTest, AssertsThatItsFirstArgumentIsThere) {
         expectAssertion(error);
     }
     try {
-        callLeniently(row.function, {}); // the report of the arity returned
+        callLeniently(row.function, {}); // the arity report returns
         FAIL() << "no assertion";
     } catch (const NRBAssertError& error) {
         expectAssertion(error);
@@ -165,11 +165,11 @@ TEST(MyConvertTimeString, CountsMillisecondsOfTheMonthPlusOneDay) {
     EXPECT_EQ(countAt("20260131235959999"), 2'764'799'999U);
 }
 
-TEST(MyConvertTimeString, DropsYearAndMonth) {
+TEST(MyConvertTimeString, IgnoresYearAndMonth) {
     EXPECT_EQ(countAt("19990405060708009"), countAt("20261205060708009"));
 }
 
-TEST(MyConvertTimeString, TakesTheFieldsThatAShortStampLacksAsZero) {
+TEST(MyConvertTimeString, TreatsMissingFieldsAsZero) {
     EXPECT_EQ(countAt("20260105101112"), countAt("20260105101112000"));
     EXPECT_EQ(countAt("2026010510"), countAt("20260105100000000"));
     EXPECT_EQ(countAt("202601"), 0U);
@@ -182,7 +182,7 @@ TEST(MyCurrentTime, ReadsThePlatformsClock) {
     EXPECT_EQ(MyCurrentTime(), 2 * DAY + 3 * 3'600'000U + 4 * 60'000U + 5'006U);
 }
 
-TEST(MyTimeElapsed, GivesSecondsAndKeepsTheSign) {
+TEST(MyTimeElapsed, ReturnsSecondsWithTheirSign) {
     EXPECT_EQ(MyTimeElapsed(2500, 1000), 1.5);
     EXPECT_EQ(MyTimeElapsed(1000, 2500), -1.5);
     EXPECT_EQ(MyTimeElapsed(2'764'799'999U, 0), 2764799.999);
@@ -191,7 +191,7 @@ TEST(MyTimeElapsed, GivesSecondsAndKeepsTheSign) {
 
 // ---- Timers ----
 
-TEST_F(TimerTest, CreateHandsOutRisingNumbers) {
+TEST_F(TimerTest, CreateReturnsIncreasingNumbers) {
     const int before = gnIndexTimerID;
     EXPECT_EQ(create(), std::to_string(before + 1));
     EXPECT_EQ(create(), std::to_string(before + 2));
@@ -200,7 +200,7 @@ TEST_F(TimerTest, CreateHandsOutRisingNumbers) {
     EXPECT_EQ(create(), std::to_string(before + 3));
 }
 
-TEST_F(TimerTest, CreateClearsATimerThatAStylesheetMadeUp) {
+TEST_F(TimerTest, CreateResetsATimerWithANumberChosenByAStylesheet) {
     const std::string next = std::to_string(gnIndexTimerID + 1);
     stop(next.c_str());
     EXPECT_NE(total(next.c_str()), "   0.000");
@@ -208,7 +208,7 @@ TEST_F(TimerTest, CreateClearsATimerThatAStylesheetMadeUp) {
     EXPECT_EQ(total(next.c_str()), "   0.000");
 }
 
-TEST(TimersOfTheProcess, OutliveTheLastStopOfTheLibrary) {
+TEST(TimersOfTheProcess, OutliveTheTerminationOfTheLibrary) {
     setTime("120000000");
     TQXslTransformer_Initialize(nullptr);
     const std::string first = FunctionTimerCreate::TimerCreate().c_str();
@@ -235,7 +235,7 @@ TEST_F(TimerTest, AnUnknownNumberIsAStoppedTimerAtZero) {
     EXPECT_TRUE(isRunning(45));
 }
 
-TEST_F(TimerTest, LapsAddUp) {
+TEST_F(TimerTest, IntervalsAddUp) {
     setTime("120000000");
     start("1");
     setTime("120001500");
@@ -249,7 +249,7 @@ TEST_F(TimerTest, LapsAddUp) {
     EXPECT_TRUE(isStopped(1));
 }
 
-TEST_F(TimerTest, TotalIncludesTheRunningLapAndLetsItRun) {
+TEST_F(TimerTest, TotalIncludesTheCurrentIntervalAndDoesNotEndIt) {
     start("1");
     setTime("120002000");
     EXPECT_EQ(total("1"), "   2.000");
@@ -261,7 +261,7 @@ TEST_F(TimerTest, TotalIncludesTheRunningLapAndLetsItRun) {
     EXPECT_EQ(total("1"), "   3.000");
 }
 
-TEST_F(TimerTest, StartingARunningTimerDropsItsLap) {
+TEST_F(TimerTest, StartingARunningTimerDiscardsTheCurrentInterval) {
     start("1");
     setTime("120005000");
     start("1");
@@ -270,7 +270,7 @@ TEST_F(TimerTest, StartingARunningTimerDropsItsLap) {
     EXPECT_EQ(total("1"), "   1.000");
 }
 
-TEST_F(TimerTest, ResetGivesTheTotalAndLeavesTheTimerStoppedAtZero) {
+TEST_F(TimerTest, ResetReturnsTheTotalAndLeavesTheTimerStoppedAtZero) {
     start("1");
     setTime("120001000");
     EXPECT_EQ(reset("1"), "   1.000");
@@ -284,7 +284,7 @@ TEST_F(TimerTest, ResetGivesTheTotalAndLeavesTheTimerStoppedAtZero) {
     EXPECT_EQ(total("1"), "   0.000");
 }
 
-TEST_F(TimerTest, DestroyGivesTheTotalAndForgetsTheTimer) {
+TEST_F(TimerTest, DestroyReturnsTheTotalAndDeletesTheTimer) {
     start("1");
     setTime("120001000");
     EXPECT_EQ(destroy("1"), "   1.000");
@@ -294,16 +294,16 @@ TEST_F(TimerTest, DestroyGivesTheTotalAndForgetsTheTimer) {
 
 TEST_F(TimerTest, StoppingAStoppedTimerAddsTheTimeOfTheMonthPlusOneDay) {
     setTimeStamp("20261105120000250");
-    const std::string lap = "475200.250"; // (5 days and 12 hours) and 0.25 seconds
-    EXPECT_EQ(stop("1"), lap);
-    EXPECT_EQ(total("1"), lap);
-    EXPECT_EQ(stop("1"), lap);
+    const std::string interval = "475200.250"; // 5 days, 12 hours and 0.25 seconds
+    EXPECT_EQ(stop("1"), interval);
+    EXPECT_EQ(total("1"), interval);
+    EXPECT_EQ(stop("1"), interval);
     EXPECT_EQ(total("1"), "950400.500");
     setTimeStamp("20261131235959999");
     EXPECT_EQ(stop("2"), "2764799.999");
 }
 
-TEST_F(TimerTest, StartGivesItsCountWhichIsNegativeLateInAMonth) {
+TEST_F(TimerTest, StartReturnsANegativeNumberLateInAMonth) {
     setTimeStamp("20261101000000000");
     EXPECT_EQ(start("1"), "86400000");
     setTimeStamp("20261124203123647");
@@ -316,7 +316,7 @@ TEST_F(TimerTest, StartGivesItsCountWhichIsNegativeLateInAMonth) {
     EXPECT_EQ(stop("1"), "   2.000");
 }
 
-TEST_F(TimerTest, ALapAcrossMidnightIsRightAndOneAcrossTheTurnOfAMonthNegative) {
+TEST_F(TimerTest, AnIntervalIsCorrectAcrossMidnightAndNegativeAcrossTheEndOfAMonth) {
     setTimeStamp("20261105235959500");
     start("1");
     setTimeStamp("20261106000000250");
@@ -341,18 +341,18 @@ TEST_F(TimerTest, ReadsTheNumberAtTheBeginningOfAText) {
     EXPECT_TRUE(isRunning(8));
     start((std::string(50, ' ') + "5").c_str());
     EXPECT_TRUE(isRunning(5));
-    start((std::string(29, '0') + "12").c_str()); // the longest that needs no memory
+    start((std::string(29, '0') + "12").c_str()); // the longest text without an allocation
     EXPECT_TRUE(isRunning(12));
     start((std::string(29, '0') + "123").c_str());
     EXPECT_TRUE(isRunning(123));
     start("9\xC3\xA9");
     EXPECT_TRUE(isRunning(9));
-    start("\xEF\xBC\x91"); // a digit of full width is none
+    start("\xEF\xBC\x91"); // a full-width digit is not read as a digit
     EXPECT_EQ(gmapTimers.size(), 8U);
 }
 
-/** As where a long has 32 bits, on every platform. */
-TEST_F(TimerTest, TakesANumberTooLargeAsTheLargest) {
+/** As strtol with a 32-bit long, on every platform. */
+TEST_F(TimerTest, ReadsATooLargeNumberAsTheLargest) {
     start("4294967297");
     EXPECT_TRUE(isAbsent(1));
     EXPECT_TRUE(isRunning(2147483647));
@@ -360,7 +360,7 @@ TEST_F(TimerTest, TakesANumberTooLargeAsTheLargest) {
     EXPECT_TRUE(isRunning(-2147483647 - 1));
 }
 
-TEST_F(TimerTest, AreCalledFromStylesheetsOnBothRoads) {
+TEST_F(TimerTest, CanBeCalledInFileAndStreamTransforms) {
     const std::string sheet =
         sheetWithRootTemplate("<xsl:variable name='id' select='vexa:TimerCreate()'/>"
                               "<b><xsl:value-of select='vexa:TimerStart($id)'/>|"
@@ -369,22 +369,22 @@ TEST_F(TimerTest, AreCalledFromStylesheetsOnBothRoads) {
                               "<xsl:value-of select='vexa:TimerReset($id)'/>|"
                               "<xsl:value-of select='vexa:TimerDestroy($id)'/></b>");
     const std::string expected = "<b>475200000|   0.000|   0.000|   0.000|   0.000</b>";
-    EXPECT_EQ(onFileRoad(source(), sheet).output, expected);
-    EXPECT_EQ(onStreamRoad("<a/>", sheet).output, withNul(expected));
+    EXPECT_EQ(transformFile(source(), sheet).output, expected);
+    EXPECT_EQ(transformStream("<a/>", sheet).output, withNul(expected));
     EXPECT_TRUE(gmapTimers.empty());
 }
 
 TEST_F(TimerTest, AreSharedByAllTransformersOfTheProcess) {
-    const std::string starting =
+    const std::string startSheet =
         sheetWithRootTemplate("<b><xsl:value-of select='vexa:TimerStart(5)'/></b>");
-    onFileRoad(source(), starting);
+    transformFile(source(), startSheet);
     setTime("120004000");
     VEXAXslTransformer other;
-    const std::string stopping = m_folder.write(
+    const std::string stopSheet = m_folder.write(
         "stop.xsl",
         stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:TimerStop(5)'/></b>"));
     std::istringstream input("<a/>");
     std::ostringstream output;
-    EXPECT_EQ(other.doTransform(input, stopping.c_str(), output), 0);
+    EXPECT_EQ(other.doTransform(input, stopSheet.c_str(), output), 0);
     EXPECT_EQ(output.str(), withNul("<b>   4.000</b>"));
 }

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-TEST(I18NExternalBufferToUTF16, HandsOutAViewOfTheBuffer) {
+TEST(I18NExternalBufferToUTF16, ReturnsAViewOfTheBuffer) {
     const I18NString text("\xCE\xB1");
     const char16_t* utf16 = nullptr;
     I18NExternalBufferToUTF16(utf16, text.getExternalBuffer(), false);
@@ -13,14 +13,14 @@ TEST(I18NExternalBufferToUTF16, HandsOutAViewOfTheBuffer) {
     EXPECT_EQ(utf16, std::u16string(u"\u03B1"));
 }
 
-TEST(I18NUTF16ToExternalBuffer, HandsOutAViewOfTheText) {
+TEST(I18NUTF16ToExternalBuffer, ReturnsAViewOfTheText) {
     const char16_t* const utf16 = u"\u03B1";
     const void* buffer = nullptr;
     I18NUTF16ToExternalBuffer(buffer, utf16, false);
     EXPECT_EQ(buffer, utf16);
 }
 
-TEST(I18NConversions, GiveAnEmptyTextForNull) {
+TEST(I18NConversions, ReturnAnEmptyTextForNull) {
     const char16_t* utf16 = nullptr;
     I18NExternalBufferToUTF16(utf16, nullptr, false);
     ASSERT_NE(utf16, nullptr);
@@ -31,7 +31,7 @@ TEST(I18NConversions, GiveAnEmptyTextForNull) {
     EXPECT_TRUE(I18NString(buffer, -1, nullptr, nullptr).empty());
 }
 
-TEST(I18NConversions, GiveACopyWhereOneIsAskedFor) {
+TEST(I18NConversions, ReturnACopyOnRequest) {
     std::u16string text = u"abc";
     const void* buffer = nullptr;
     I18NUTF16ToExternalBuffer(buffer, text.c_str(), true);

@@ -27,7 +27,7 @@ std::string inEncoding(const I18NString& text, const char* encoding) {
 
 } // namespace
 
-TEST(I18NString, IsEmptyWhenMadeFromNothing) {
+TEST(I18NString, IsEmptyIfConstructedWithoutText) {
     for (const I18NString& text :
          {I18NString(), I18NString(""), I18NString(static_cast<const char*>(nullptr)),
           I18NString(nullptr, -1, nullptr, nullptr), I18NString("abc", nullptr, 0)}) {
@@ -37,11 +37,11 @@ TEST(I18NString, IsEmptyWhenMadeFromNothing) {
     }
 }
 
-TEST(I18NString, TakesNarrowTextInThePlatformsEncoding) {
+TEST(I18NString, ConvertsNarrowTextFromTheDefaultEncoding) {
     EXPECT_EQ(utf16("\xCE\xB1\xE4\xBD\xA0\xF0\x9F\x98\x80"), u"\u03B1\u4F60\U0001F600");
 }
 
-TEST(I18NString, TakesAsManyBytesAsTheLengthSays) {
+TEST(I18NString, ReadsOnlyTheGivenNumberOfBytes) {
     EXPECT_EQ(I18NString("abcdef", nullptr, 3), I18NString("abc"));
     EXPECT_EQ(I18NString("abc", nullptr, -1), I18NString("abc"));
     int length = 0;
@@ -49,7 +49,7 @@ TEST(I18NString, TakesAsManyBytesAsTheLengthSays) {
     EXPECT_EQ(length, 3);
 }
 
-TEST(I18NString, TakesAndGivesAnyEncodingThatIcuKnows) {
+TEST(I18NString, ConvertsFromAndToAllEncodingsOfIcu) {
     EXPECT_EQ(utf16(I18NString("\xE1", "ISO-8859-7")), u"\u03B1");
     EXPECT_EQ(utf16(I18NString("\xE1", "iso8859_7")), u"\u03B1");
     EXPECT_EQ(utf16(I18NString("\x82\xA0", "Shift_JIS")), u"\u3042");
@@ -61,7 +61,7 @@ TEST(I18NString, TakesAndGivesAnyEncodingThatIcuKnows) {
     EXPECT_EQ(inEncoding(euro, "UTF-16LE"), std::string("\xAC\x20", 2));
 }
 
-TEST(I18NString, RefusesAnUnknownEncodingByItsName) {
+TEST(I18NString, ThrowsForAnUnknownEncoding) {
     for (const char* name : {"no-such-encoding", ""}) {
         try {
             I18NString("x", name);
@@ -73,16 +73,16 @@ TEST(I18NString, RefusesAnUnknownEncodingByItsName) {
     }
 }
 
-TEST(I18NString, TurnsMalformedBytesIntoReplacementCharacters) {
+TEST(I18NString, ConvertsMalformedBytesToReplacementCharacters) {
     EXPECT_EQ(utf16("a\xFFz"), u"a\uFFFDz");
     EXPECT_EQ(utf16("a\xE2\x82"), u"a\uFFFD");
-    EXPECT_EQ(utf16("\xC0\xAF"), u"\uFFFD\uFFFD"); // an overlong form is no slash
+    EXPECT_EQ(utf16("\xC0\xAF"), u"\uFFFD\uFFFD"); // an overlong encoding of "/"
     EXPECT_EQ(utf16(I18NString("a\xFFz", "Shift_JIS")), u"a\uFFFDz");
     EXPECT_EQ(utf16(I18NString("a\x80z", "US-ASCII")), u"a\uFFFDz");
     EXPECT_EQ(utf16(I18NString("a\0b", "UTF-16LE", 3)), u"a\uFFFD");
 }
 
-TEST(I18NString, SubstitutesWhatAnEncodingCannotExpress) {
+TEST(I18NString, SubstitutesCharactersThatAnEncodingDoesNotHave) {
     const I18NString text("x\xCE\xB1y");
     EXPECT_EQ(inEncoding(text, "ISO-8859-1"), "x?y");
     EXPECT_EQ(inEncoding(text, "US-ASCII"), "x?y");
@@ -96,7 +96,7 @@ TEST(I18NString, WritesALoneSurrogateAsAReplacementCharacter) {
     EXPECT_EQ(utf16(text), u"a\xD800z");
     EXPECT_STREQ(text.c_str(), "a\xEF\xBF\xBDz");
     EXPECT_EQ(inEncoding(text, "UTF-16LE"), std::string("a\0\xFD\xFFz\0", 6));
-    EXPECT_EQ(inEncoding(text, "UTF-16").size(), 8U); // one byte order mark, at the beginning
+    EXPECT_EQ(inEncoding(text, "UTF-16").size(), 8U); // exactly one byte order mark
     EXPECT_EQ(inEncoding(text, "CESU-8"), "a\xEF\xBF\xBDz");
     EXPECT_EQ(inEncoding(text, "US-ASCII"), "a?z");
     EXPECT_EQ(inEncoding(fromUtf16(u"a\xD800"), "CESU-8"), "a\xEF\xBF\xBD");
@@ -104,7 +104,7 @@ TEST(I18NString, WritesALoneSurrogateAsAReplacementCharacter) {
     EXPECT_STREQ(fromUtf16(u"\xDC00\xD800").c_str(), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
-TEST(I18NString, WritesEveryEncodingThatIcuHas) {
+TEST(I18NString, WritesEveryEncodingOfIcu) {
     const I18NString text = fromUtf16(u"a\u03B1\u4F60\U0001F600\xD800z");
     for (int32_t i = 0; i < ucnv_countAvailable(); ++i) {
         const char* const name = ucnv_getAvailableName(i);
@@ -114,7 +114,7 @@ TEST(I18NString, WritesEveryEncodingThatIcuHas) {
     EXPECT_EQ(inEncoding(I18NString("x"), "x11-compound-text"), "x");
 }
 
-TEST(I18NString, KeepsANarrowFormUntilTheTextChanges) {
+TEST(I18NString, CachesANarrowFormUntilTheTextChanges) {
     I18NString text("\xC3\xA9t\xC3\xA9");
     const char* const narrow = text.c_str();
     const char* const latin = text.c_str("ISO-8859-1");
@@ -131,7 +131,7 @@ TEST(I18NString, KeepsANarrowFormUntilTheTextChanges) {
     EXPECT_STREQ(text.c_str(), "other");
 }
 
-TEST(I18NString, MayBeAssignedItsOwnNarrowForm) {
+TEST(I18NString, CanBeAssignedItsOwnNarrowForm) {
     I18NString text("self");
     text = text.c_str();
     EXPECT_STREQ(text.c_str(), "self");
@@ -144,7 +144,7 @@ TEST(I18NString, MayBeAssignedItsOwnNarrowForm) {
     EXPECT_STREQ(text.c_str(), "selfself");
 }
 
-TEST(I18NString, GivesTwoThreadsTheNarrowFormOfOneConstantString) {
+TEST(I18NString, ReturnsNarrowFormsOfOneConstantStringInTwoThreads) {
     for (int round = 0; round < 200; ++round) {
         const I18NString text("\xCE\xB1\xCE\xB2\xCE\xB3");
         std::vector<std::thread> threads;
@@ -171,7 +171,7 @@ TEST(I18NString, IsCopiedAndMovedAsAValue) {
 
     I18NString moved(std::move(copy));
     EXPECT_STREQ(moved.c_str(), "text!");
-    EXPECT_TRUE(copy.empty()); // a promise of this class
+    EXPECT_TRUE(copy.empty()); // guaranteed by I18NString
     EXPECT_STREQ(copy.c_str(), "");
 
     copy.c_str();
@@ -180,7 +180,7 @@ TEST(I18NString, IsCopiedAndMovedAsAValue) {
     EXPECT_STREQ(moved.c_str(), "");
 }
 
-TEST(I18NString, IsJoinedAndAppended) {
+TEST(I18NString, IsConcatenatedAndAppended) {
     const I18NString left("a"), right("b");
     EXPECT_EQ(left + right, I18NString("ab"));
     EXPECT_EQ("<" + left + ">", I18NString("<a>"));
@@ -190,7 +190,7 @@ TEST(I18NString, IsJoinedAndAppended) {
     EXPECT_EQ(text, I18NString("ab"));
 }
 
-TEST(I18NString, IsOrderedByItsUtf16CodeUnits) {
+TEST(I18NString, IsOrderedByUtf16CodeUnits) {
     EXPECT_LT(I18NString("B"), I18NString("a"));
     EXPECT_LT(I18NString("a"), I18NString("aa"));
     EXPECT_FALSE(I18NString("a") < I18NString("a"));
@@ -199,7 +199,7 @@ TEST(I18NString, IsOrderedByItsUtf16CodeUnits) {
     EXPECT_NE(I18NString("a"), I18NString("b"));
 }
 
-TEST(I18NString, CutsASubstringAndClampsItsEnds) {
+TEST(I18NString, ReturnsASubstringWithClampedPositions) {
     const I18NString text("0123456789");
     EXPECT_EQ(text.substring(2, 4), I18NString("23"));
     EXPECT_EQ(text.substring(0, 10), text);
@@ -212,33 +212,33 @@ TEST(I18NString, CutsASubstringAndClampsItsEnds) {
     EXPECT_TRUE(I18NString().substring(0, 1).empty());
 }
 
-TEST(I18NString, TakesAnExternalBufferWithALengthOrUpToItsTerminator) {
+TEST(I18NString, ReadsAnExternalBufferByLengthOrUpToTheTerminator) {
     EXPECT_EQ(utf16(I18NString(u"abc", -1, nullptr, nullptr)), u"abc");
     EXPECT_EQ(utf16(I18NString(u"abc", 2, nullptr, nullptr)), u"ab");
     const I18NString original("\xCE\xB1");
     EXPECT_EQ(I18NString(original.getExternalBuffer(), -1, nullptr, nullptr), original);
 }
 
-TEST(I18NString, LetsACallerConvertItself) {
-    const auto counted = [](const void* input, int length, void* context) {
+TEST(I18NString, UsesUserDefinedConverters) {
+    const auto describe = [](const void* input, int length, void* context) {
         return std::u16string(static_cast<const char*>(input)[0] == 'x' ? u"x:" : u"?") +
                (length < 0 ? u"all" : u"some") + (context ? u"+" : u"-");
     };
     int context = 0;
-    EXPECT_EQ(utf16(I18NString("x", "ignored", 1, counted)), u"x:some-");
-    EXPECT_EQ(utf16(I18NString("x", -1, counted, &context)), u"x:all+");
+    EXPECT_EQ(utf16(I18NString("x", "ignored", 1, describe)), u"x:some-");
+    EXPECT_EQ(utf16(I18NString("x", -1, describe, &context)), u"x:all+");
 
     const I18NString text("abc");
-    const auto shout = [](const char16_t* utf16, int length, const char* encoding) {
+    const auto mask = [](const char16_t* utf16, int length, const char* encoding) {
         return std::string(static_cast<std::size_t>(length), '#') + (encoding ? encoding : "") +
                (utf16[length] == u'\0' ? "." : "");
     };
-    EXPECT_STREQ(text.c_str(nullptr, nullptr, shout), "###.");
-    EXPECT_STREQ(text.c_str("enc", nullptr, shout), "###enc.");
+    EXPECT_STREQ(text.c_str(nullptr, nullptr, mask), "###.");
+    EXPECT_STREQ(text.c_str("enc", nullptr, mask), "###enc.");
     EXPECT_STREQ(text.c_str(), "abc");
 }
 
-TEST(I18NGetPlatformDefaultEncoding, NamesTheEncodingOfUnnamedNarrowText) {
+TEST(I18NGetPlatformDefaultEncoding, ReturnsTheEncodingOfNarrowText) {
     const char* const name = I18NGetPlatformDefaultEncoding();
     EXPECT_EQ(I18NString("\xCE\xB1", name), I18NString("\xCE\xB1"));
     EXPECT_STREQ(name, "UTF-8");

@@ -5,7 +5,7 @@
 #include <string>
 #include <type_traits>
 
-TEST(NRBAssertError, CarriesWhatWentWrongAndWhere) {
+TEST(NRBAssertError, StoresTheConditionAndTheLocation) {
     NRBAssertError error(7, "it must hold");
     EXPECT_EQ(error.getLocation().getLine(), 0);
     EXPECT_STREQ(error.getLocation().getFile(), "");

@@ -9,13 +9,13 @@
 
 namespace {
 
-/** A message with its texts in a map; it notes where it was looked for. */
+/** A message with its texts in a map. It records the languages that are looked up. */
 class TestMessage : public NRBMessage {
 public:
     explicit TestMessage(std::map<std::string, std::string> texts) : m_texts(std::move(texts)) {}
 
     std::string in(const char* language, const char* fallback) const {
-        I18NString out("something left over");
+        I18NString out("previous text");
         format(language, fallback, out);
         return out.c_str();
     }
@@ -41,14 +41,14 @@ const std::map<std::string, std::string> TEXTS = {
 
 } // namespace
 
-TEST(NRBMessage, IsToldInTheLanguageAskedFor) {
+TEST(NRBMessage, UsesTheRequestedLanguage) {
     const TestMessage message(TEXTS);
     EXPECT_EQ(message.in("de", "en"), "Seite");
     EXPECT_EQ(message.in("el", "en"), TEXTS.at("el"));
     EXPECT_EQ(message.in("en", "en"), "page");
 }
 
-TEST(NRBMessage, IsToldInTheLanguageOfARegionOrInAnyWayToWriteIt) {
+TEST(NRBMessage, AcceptsRegionsAndAllSpellingsOfALanguage) {
     const TestMessage message(TEXTS);
     for (const char* german : {"de_AT", "de-AT", "DE", "De_at", "de_DE_PREEURO", "de-Latn-CH",
                                "de_DE@collation=phonebook", "de_DE.UTF-8"}) {
@@ -56,13 +56,13 @@ TEST(NRBMessage, IsToldInTheLanguageOfARegionOrInAnyWayToWriteIt) {
     }
 }
 
-TEST(NRBMessage, TriesParentsBeforeTheFallback) {
+TEST(NRBMessage, TriesParentsBeforeTheFallbackLanguage) {
     const TestMessage message(std::map<std::string, std::string>{});
     message.in("zh-Hant-TW", "de_CH");
     EXPECT_EQ(message.m_strLookups, "zh_Hant_TW zh_Hant zh de_CH de ");
 }
 
-TEST(NRBMessage, LooksForLanguagesInCanonicalForm) {
+TEST(NRBMessage, LooksUpLanguagesInCanonicalForm) {
     const TestMessage message(std::map<std::string, std::string>{});
     for (const char* language : {"de_", "DE.UTF-8", "de@collation=phonebook", "de__"}) {
         message.m_strLookups.clear();
@@ -74,7 +74,7 @@ TEST(NRBMessage, LooksForLanguagesInCanonicalForm) {
     EXPECT_EQ(message.m_strLookups, "zh_TW zh ");
 }
 
-TEST(NRBMessage, FallsBackWhereALanguageIsUnknownOrNone) {
+TEST(NRBMessage, FallsBackIfTheLanguageIsUnknownOrEmpty) {
     const TestMessage message(TEXTS);
     for (const char* unknown : {"xx", "tlh_KX", "", "42", "no language at all", "_"}) {
         EXPECT_EQ(message.in(unknown, "en"), "page") << unknown;
@@ -83,14 +83,14 @@ TEST(NRBMessage, FallsBackWhereALanguageIsUnknownOrNone) {
     EXPECT_EQ(message.in(std::string(10'000, 'x').c_str(), "en"), "page");
 }
 
-TEST(NRBMessage, IsEmptyWhereNoLanguageHasIt) {
+TEST(NRBMessage, IsEmptyIfNoLanguageHasAText) {
     const TestMessage message(TEXTS);
     EXPECT_EQ(message.in("xx", "yy"), "");
     EXPECT_EQ(message.in("xx", ""), "");
     EXPECT_EQ(message.in(nullptr, nullptr), "");
 }
 
-TEST(NRBMessage, DoesNotLookAtTheProcesssOwnLocale) {
+TEST(NRBMessage, IgnoresTheLocaleOfTheProcess) {
     setenv("LC_ALL", "de_DE.UTF-8", 1);
     const TestMessage message(std::map<std::string, std::string>{{"de", "Seite"}});
     EXPECT_EQ(message.in("", ""), "");

@@ -20,7 +20,7 @@ public:
 
 } // namespace
 
-TEST(NRBThreadGuard, HoldsTheResourceUntilItIsDestroyed) {
+TEST(NRBThreadGuard, HoldsTheLockUntilItIsDestroyed) {
     RecordingResource resource;
     {
         const NRBThreadGuard guard(resource);
@@ -29,7 +29,7 @@ TEST(NRBThreadGuard, HoldsTheResourceUntilItIsDestroyed) {
     EXPECT_EQ(resource.m_strCalls, "lock unlock ");
 }
 
-TEST(NRBThreadGuard, GivesTheResourceBackWhenAnExceptionPasses) {
+TEST(NRBThreadGuard, ReleasesTheLockWhenAnExceptionPasses) {
     RecordingResource resource;
     try {
         const NRBThreadGuard guard(resource);
@@ -39,7 +39,7 @@ TEST(NRBThreadGuard, GivesTheResourceBackWhenAnExceptionPasses) {
     EXPECT_EQ(resource.m_strCalls, "lock unlock ");
 }
 
-TEST(NRBThreadCriticalSection, LetsOneThreadInAtATime) {
+TEST(NRBThreadCriticalSection, AllowsOneThreadAtATime) {
     NRBThreadCriticalSection section(1);
     int counter = 0;
     std::vector<std::thread> threads;
@@ -57,7 +57,7 @@ TEST(NRBThreadCriticalSection, LetsOneThreadInAtATime) {
     EXPECT_EQ(counter, 40'000);
 }
 
-TEST(NRBThreadCriticalSection, MayBeTakenAgainByTheThreadThatHoldsIt) {
+TEST(NRBThreadCriticalSection, CanBeLockedAgainByTheSameThread) {
     NRBThreadCriticalSection section(0);
     const NRBThreadGuard outer(section);
     const std::lock_guard<NRBThreadCriticalSection> inner(section);

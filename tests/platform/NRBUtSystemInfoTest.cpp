@@ -10,10 +10,10 @@
 
 namespace {
 
-/** What the clock says while it is set; the real time otherwise. */
+/** The time that the clock returns; if it is 0, the real time. */
 std::timespec g_fakeNow{};
 
-/** Sets the time zone, and the clock if a time is given, for one test. */
+/** Sets the time zone and, with setUtc(), the clock for one test. */
 class FakeTime {
 public:
     explicit FakeTime(const char* zone) {
@@ -38,10 +38,10 @@ public:
     }
 };
 
-/** Athens' rule as a POSIX zone, so that no zone files are needed. */
+/** The time zone of Athens as a POSIX rule: no time zone files are needed. */
 constexpr const char* ATHENS = "EET-2EEST,M3.5.0/3,M10.5.0/4";
 
-/** What the C library makes of "now" in the zone that TZ names. */
+/** The current local time according to the C library. */
 std::string secondsStamp() {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
@@ -53,7 +53,7 @@ std::string secondsStamp() {
 
 } // namespace
 
-/** Stands in for the C library's function, for every library in this process. */
+/** Replaces the function of the C library, for all libraries of this process. */
 extern "C" int clock_gettime(clockid_t clock, struct timespec* now) noexcept {
     if (clock == CLOCK_REALTIME && g_fakeNow.tv_sec != 0) {
         *now = g_fakeNow;
@@ -62,7 +62,7 @@ extern "C" int clock_gettime(clockid_t clock, struct timespec* now) noexcept {
     return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
 }
 
-TEST(NRBUtSystemInfo, GivesTheLocalTimeInSeventeenDigits) {
+TEST(NRBUtSystemInfo, ReturnsTheLocalTimeAsSeventeenDigits) {
     for (const char* zone : {"UTC0", ATHENS, "JST-9", "NST3:30"}) {
         const FakeTime time(zone);
         const std::string before = secondsStamp();
@@ -85,7 +85,7 @@ TEST(NRBUtSystemInfo, WritesLeadingZerosAndMillisecondZero) {
     EXPECT_EQ(NRBUtSystemInfo::getTimeStamp(0), "20270101000000000");
 }
 
-TEST(NRBUtSystemInfo, FollowsTheChangeToSummerTimeAndBack) {
+TEST(NRBUtSystemInfo, FollowsDaylightSavingTime) {
     FakeTime time(ATHENS);
     time.setUtc(2026, 3, 29, 0, 59, 59, 999);
     EXPECT_EQ(NRBUtSystemInfo::getTimeStamp(0), "20260329025959999");

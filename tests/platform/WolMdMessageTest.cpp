@@ -14,7 +14,7 @@
 namespace {
 
 std::string text(unsigned long id, const char* language, const char* fallback = "en") {
-    I18NString out("something left over");
+    I18NString out("previous text");
     WolMdMessage(id).format(language, fallback, out);
     return out.c_str();
 }
@@ -37,7 +37,7 @@ TEST(WolMdMessage, EveryLanguageHasTheSameNineteenMessages) {
     }
 }
 
-TEST(WolMdMessage, ComesInTheLanguagesThatWerePromised) {
+TEST(WolMdMessage, HasAllDocumentedLanguages) {
     const auto languages = catalogueLanguages();
     for (const char* language : {"en", "de", "fr", "es", "it", "el", "ja", "zh"}) {
         EXPECT_EQ(languages.count(language), 1U) << language;
@@ -50,7 +50,7 @@ TEST(WolMdMessage, IsEmptyForAnUnknownIdentifier) {
     EXPECT_EQ(text(0xFFFFFFFF, "en"), "");
 }
 
-TEST(WolMdMessage, IsToldInTheFallbackLanguageWhereALanguageIsUnknown) {
+TEST(WolMdMessage, UsesTheFallbackLanguageIfTheLanguageIsUnknown) {
     EXPECT_EQ(text(TOTAL, "xx"), "Total");
     EXPECT_EQ(text(TOTAL, "xx", "de_AT"), "Summe");
     EXPECT_EQ(text(TOTAL, "xx", "yy"), "");
@@ -59,25 +59,25 @@ TEST(WolMdMessage, IsToldInTheFallbackLanguageWhereALanguageIsUnknown) {
 
 namespace {
 
-/** How many allocations of ICU succeed before one fails; -1: all. */
-int g_left = -1;
+/** How many allocations of ICU succeed before one fails; -1: all succeed. */
+int g_allocationsLeft = -1;
 
-bool isRefused() {
-    return g_left >= 0 && g_left-- == 0;
+bool isFailing() {
+    return g_allocationsLeft >= 0 && g_allocationsLeft-- == 0;
 }
 
-void useRefusingMemory() {
+void useFailingMemory() {
     UErrorCode status = U_ZERO_ERROR;
     u_setMemoryFunctions(
-        nullptr, [](const void*, std::size_t size) { return isRefused() ? nullptr : malloc(size); },
+        nullptr, [](const void*, std::size_t size) { return isFailing() ? nullptr : malloc(size); },
         [](const void*, void* block, std::size_t size) {
-            return isRefused() ? nullptr : realloc(block, size);
+            return isFailing() ? nullptr : realloc(block, size);
         },
         [](const void*, void* block) { free(block); }, &status);
 }
 
-/** Whether a message is told, or the lack of memory is. */
-bool isHonest() {
+/** Whether the message is found or std::bad_alloc is thrown. */
+bool returnsTextOrThrows() {
     try {
         return text(TOTAL, "de") == "Summe";
     } catch (const std::bad_alloc&) {
@@ -87,21 +87,21 @@ bool isHonest() {
 
 } // namespace
 
-TEST(WolMdMessage, IsNeverTakenForUnknownWhereMemoryLacks) {
+TEST(WolMdMessage, ReportsOutOfMemoryInsteadOfAMissingText) {
     ::testing::FLAGS_gtest_death_test_style = "fast";
     for (int left = 0; left < 20; ++left) {
         const auto formatTwice = [left] {
-            useRefusingMemory();
-            g_left = left;
-            const bool isFirstHonest = isHonest();
-            g_left = -1;
-            std::_Exit(isFirstHonest && isHonest() ? 0 : 1);
+            useFailingMemory();
+            g_allocationsLeft = left;
+            const bool isFirstCorrect = returnsTextOrThrows();
+            g_allocationsLeft = -1;
+            std::_Exit(isFirstCorrect && returnsTextOrThrows() ? 0 : 1);
         };
         EXPECT_EXIT(formatTwice(), ::testing::ExitedWithCode(0), "") << left;
     }
 }
 
-TEST(WolMdMessage, MayBeToldInManyThreadsAtOnce) {
+TEST(WolMdMessage, CanBeFormattedInManyThreadsAtTheSameTime) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([] {

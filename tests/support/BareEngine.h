@@ -1,6 +1,6 @@
 /**
  * @file
- * The engine used directly, as its own documentation shows it: what the facade is compared with.
+ * Transforms by the engine alone, as its documentation shows. The library is compared with it.
  */
 #pragma once
 
@@ -13,11 +13,10 @@ struct EngineResult {
     std::string error;
 };
 
-/** Transforms a file, and tells what came of it. */
+/** Transforms a file. Returns the result code, the output and the error message. */
 EngineResult runBareEngine(const std::string& source, const std::string& stylesheet,
                            const std::map<std::string, std::string>& params = {});
 
-/** Transforms a file and gives the result's bytes; fails the test if the engine reports a failure.
- */
+/** Transforms a file and returns the output. Fails the test if the transform fails. */
 std::string bareEngineTransform(const std::string& source, const std::string& stylesheet,
                                 const std::map<std::string, std::string>& params = {});

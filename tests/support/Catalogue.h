@@ -1,6 +1,6 @@
 /**
  * @file
- * The message catalogue's sources, read without ICU.
+ * Reads the source files of the message catalogue without ICU.
  */
 #pragma once
 
@@ -8,8 +8,8 @@
 #include <set>
 #include <string>
 
-/** The languages that have a file. */
+/** All languages that have a file. */
 std::set<std::string> catalogueLanguages();
 
-/** Identifier to text, in UTF-8. */
+/** All texts of a language, in UTF-8, by identifier. */
 std::map<unsigned long, std::string> catalogueTexts(const std::string& language);

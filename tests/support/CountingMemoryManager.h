@@ -1,6 +1,6 @@
 /**
  * @file
- * A host's own memory manager for the engines.
+ * A memory manager as a host may pass it to the engines.
  */
 #pragma once
 
@@ -14,8 +14,8 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 
 /**
- * Counts what it hands out, and refuses on request. Its blocks cannot be mistaken for those of
- * plain `new`: each begins with a mark of its own, which is looked for when the block comes back.
+ * Counts allocations, and fails on request. Each block begins with a mark, so that blocks of
+ * another allocator are detected when they are deallocated.
  */
 class CountingMemoryManager : public xercesc::MemoryManager {
 public:
@@ -49,14 +49,14 @@ public:
 
     xercesc::MemoryManager* getExceptionMemoryManager() override { return this; }
 
-    /** Blocks handed out and not yet given back. */
+    /** Allocated blocks that are not yet deallocated. */
     std::size_t blocks() const { return m_blocks; }
     std::size_t allocations() const { return m_allocations; }
-    /** Blocks that came back without ever having been handed out. */
+    /** Deallocated blocks that were not allocated here. */
     std::size_t foreignBlocks() const { return m_foreignBlocks; }
 
-    void refuseAfter(std::size_t allocations) { m_left = allocations; }
-    void refuseNoMore() { m_left = UNLIMITED; }
+    void failAfter(std::size_t allocations) { m_left = allocations; }
+    void stopFailing() { m_left = UNLIMITED; }
 
 private:
     static constexpr std::size_t HEADER = alignof(std::max_align_t);

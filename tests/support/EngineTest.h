@@ -1,6 +1,6 @@
 /**
  * @file
- * The library, started around every test.
+ * Test fixture that initializes the library for each test.
  */
 #pragma once
 

@@ -10,16 +10,16 @@
 #include <streambuf>
 #include <string>
 
-/** How a stream fails: it says so by its state, or its buffer throws. */
+/** How a stream buffer fails: it returns end of file, or it throws. */
 enum class StreamFailure { End, Exception };
 
-/** What the buffers throw; a stream takes note of it, and passes it on only if told to. */
+/** Thrown by the buffers. Streams set badbit and, only if std::ios::exceptions says so, rethrow. */
 class DeviceError : public std::runtime_error {
 public:
     DeviceError() : std::runtime_error("the device fails") {}
 };
 
-/** Gives the first bytes of a text, then fails. */
+/** Returns the first bytes of a text, then fails. */
 class FailingInputBuffer : public std::streambuf {
 public:
     FailingInputBuffer(const std::string& text, std::size_t bytes, StreamFailure failure)
@@ -40,7 +40,7 @@ private:
     StreamFailure m_failure;
 };
 
-/** Takes a number of bytes, then fails. */
+/** Accepts a number of bytes, then fails. */
 class FailingOutputBuffer : public std::streambuf {
 public:
     FailingOutputBuffer(std::size_t bytes, StreamFailure failure)

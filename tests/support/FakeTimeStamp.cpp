@@ -12,7 +12,7 @@ void setTimeStamp(const std::string& stamp) {
     g_strStamp = stamp;
 }
 
-/** The linker takes this one, and not the platform library's. */
+/** Replaces the function of the platform library in this program. */
 std::string NRBUtSystemInfo::getTimeStamp(int kind) {
     return kind == 0 ? g_strStamp : "called with another kind";
 }

@@ -1,10 +1,10 @@
 /**
  * @file
- * The platform's clock in the hands of a test: this program's own NRBUtSystemInfo::getTimeStamp.
+ * Sets the platform's clock: this program has its own NRBUtSystemInfo::getTimeStamp().
  */
 #pragma once
 
 #include <string>
 
-/** What getTimeStamp returns from now on. */
+/** Sets the time stamp that getTimeStamp() returns. */
 void setTimeStamp(const std::string& stamp);

@@ -41,16 +41,16 @@ FunctionTest::Arguments FunctionTest::arguments(const std::vector<std::string>& 
 
 std::string FunctionTest::evaluate(const std::string& expression) {
     const std::string sheet = sheetThatPrints(expression);
-    const auto files = onFileRoad(source(), sheet);
+    const auto files = transformFile(source(), sheet);
     EXPECT_EQ(files.result, 0) << files.error;
-    EXPECT_EQ(inMemory(sheet), files.output);
+    EXPECT_EQ(transformInMemory(sheet), files.output);
     return files.output;
 }
 
 std::string FunctionTest::errorOf(const std::string& expression) {
     const std::string sheet = sheetThatPrints(expression);
-    const auto files = onFileRoad(source(), sheet);
-    const auto streams = onStreamRoad("<a/>", sheet);
+    const auto files = transformFile(source(), sheet);
+    const auto streams = transformStream("<a/>", sheet);
     EXPECT_EQ(files.result, -1);
     EXPECT_EQ(streams.result, -1);
     EXPECT_EQ(files.error, streams.error);
@@ -64,7 +64,7 @@ std::string FunctionTest::sheetThatPrints(const std::string& expression) {
                                      expression + "\"/></xsl:template>"));
 }
 
-std::string FunctionTest::inMemory(const std::string& sheet) {
+std::string FunctionTest::transformInMemory(const std::string& sheet) {
     const auto in = m_transformer.createDom2Dom();
     const auto out = m_transformer.createDom2Dom();
     std::ostringstream text;

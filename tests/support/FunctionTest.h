@@ -1,6 +1,6 @@
 /**
  * @file
- * Calls extension functions, directly and from stylesheets.
+ * Test fixture that calls extension functions, directly and from stylesheets.
  */
 #pragma once
 
@@ -18,7 +18,7 @@
 #include <xalanc/XalanSourceTree/XalanSourceTreeDocument.hpp>
 #include <xercesc/sax/Locator.hpp>
 
-/** An execution context whose error operation takes a note and returns. */
+/** An execution context whose error operation stores the error and returns. */
 class LenientExecutionContext : public xalanc::XPathExecutionContextDefault {
 public:
     using XPathExecutionContextDefault::XPathExecutionContextDefault;
@@ -33,22 +33,22 @@ public:
 
 class FunctionTest : public TransformTest {
 protected:
-    /** Calls `execute` with string arguments, in a context that goes on after an error. */
+    /** Calls `execute` with string arguments, in a context that continues after an error. */
     std::string callLeniently(const TqXsltFunction& function, const std::vector<std::string>& args);
 
-    /** Calls `execute` with string arguments and, behind them, one that is no object. */
+    /** Calls `execute` with string arguments, followed by a null argument. */
     std::string callWithNull(const TqXsltFunction& function,
                              const std::vector<std::string>& args = {});
 
-    /** The value of an XPath expression, by the file road; checks that it is the same in memory. */
+    /** The value of an expression in a file transform. Checks that it is the same in memory. */
     std::string evaluate(const std::string& expression);
 
-    /** The error text of a stylesheet that evaluates the expression, the same on both roads. */
+    /** The error message of the expression, the same in file and stream transforms. */
     std::string errorOf(const std::string& expression);
 
     LenientExecutionContext& lenientContext() { return m_context; }
 
-    /** The node in whose context functions are called leniently. */
+    /** The context node of callLeniently(). */
     const xalanc::XalanNode* contextNode() const { return m_pContextNode; }
 
 private:
@@ -56,7 +56,7 @@ private:
 
     Arguments arguments(const std::vector<std::string>& args);
 
-    /** A place of a call, which functions do not pass on. */
+    /** The location of a call. The built-in functions must not report it. */
     class CallLocator : public xercesc::Locator {
         const XMLCh* getPublicId() const override { return nullptr; }
         const XMLCh* getSystemId() const override { return nullptr; }
@@ -65,7 +65,7 @@ private:
     };
 
     std::string sheetThatPrints(const std::string& expression);
-    std::string inMemory(const std::string& sheet);
+    std::string transformInMemory(const std::string& sheet);
 
     xalanc::XalanSourceTreeDOMSupport m_domSupport;
     xalanc::XPathEnvSupportDefault m_envSupport;
@@ -76,5 +76,5 @@ private:
     LenientExecutionContext m_context{m_envSupport, m_domSupport, m_objectFactory};
 };
 
-/** An engine string as UTF-8. */
+/** Converts an engine string to UTF-8. */
 std::string narrow(const xalanc::XalanDOMString& text);

@@ -1,6 +1,7 @@
 /**
  * @file
- * A transformer and its documents in memory, over both kinds of tree.
+ * Test fixture with a transformer and its in-memory documents, for Xalan source trees and Xerces
+ * DOMs.
  */
 #pragma once
 
@@ -14,9 +15,9 @@
 #include <sstream>
 #include <string>
 
-using Holder = std::unique_ptr<Dom2Dom>;
+using Dom2DomPtr = std::unique_ptr<Dom2Dom>;
 
-/** Whether documents are parsed into Xerces' tree or into the engine's own. */
+/** The data structure of parsed documents: Xalan source tree or Xerces DOM. */
 enum class Tree { Xalan, Xerces };
 
 class InMemoryTest : public EngineTest, public ::testing::WithParamInterface<Tree> {
@@ -24,22 +25,22 @@ protected:
     InMemoryTest() { VEXAXslTransformer::m_bUseXercesDOM = GetParam() == Tree::Xerces; }
     ~InMemoryTest() override { VEXAXslTransformer::m_bUseXercesDOM = false; }
 
-    Holder parsed(const std::string& text) {
-        Holder holder = m_transformer.createDom2Dom();
-        EXPECT_TRUE(holder->InitializeInputSource(text.c_str())) << holder->getLastError();
-        return holder;
+    Dom2DomPtr parsed(const std::string& text) {
+        Dom2DomPtr document = m_transformer.createDom2Dom();
+        EXPECT_TRUE(document->InitializeInputSource(text.c_str())) << document->getLastError();
+        return document;
     }
 
-    Holder output() {
-        Holder holder = m_transformer.createDom2Dom();
-        EXPECT_TRUE(holder->InitializeOutputTarget());
-        return holder;
+    Dom2DomPtr output() {
+        Dom2DomPtr document = m_transformer.createDom2Dom();
+        EXPECT_TRUE(document->InitializeOutputTarget());
+        return document;
     }
 
-    Holder output(std::ostream& stream) {
-        Holder holder = m_transformer.createDom2Dom();
-        EXPECT_TRUE(holder->InitializeOutputTarget(stream));
-        return holder;
+    Dom2DomPtr output(std::ostream& stream) {
+        Dom2DomPtr document = m_transformer.createDom2Dom();
+        EXPECT_TRUE(document->InitializeOutputTarget(stream));
+        return document;
     }
 
     std::string sheet(const std::string& rootTemplate) {
@@ -50,31 +51,31 @@ protected:
         return m_transformer.doTransform(in, stylesheetFile.c_str(), out);
     }
 
-    /** What a stylesheet makes of a document, as text. */
+    /** The result of a transform as text. */
     std::string transformed(Dom2Dom& in, const std::string& stylesheetFile) {
         std::ostringstream text;
-        const Holder out = output(text);
+        const Dom2DomPtr out = output(text);
         EXPECT_EQ(transform(in, stylesheetFile, *out), 0) << m_transformer.getLastError();
         return text.str();
     }
 
-    /** The serialised document, as the library writes it. */
-    static std::string serialized(Dom2Dom& holder) {
+    /** The complete output of Serialize(). */
+    static std::string serialized(Dom2Dom& document) {
         std::ostringstream text;
-        EXPECT_EQ(holder.Serialize(text), 0) << holder.getLastError();
+        EXPECT_EQ(document.Serialize(text), 0) << document.getLastError();
         return text.str();
     }
 
-    int query(Dom2Dom& holder, const std::string& expression, std::string& result) {
+    int query(Dom2Dom& document, const std::string& expression, std::string& result) {
         std::ostringstream out;
-        const int code = m_transformer.doXPath(holder, expression.c_str(), out);
+        const int code = m_transformer.doXPath(document, expression.c_str(), out);
         result = out.str();
         return code;
     }
 
-    std::string queried(Dom2Dom& holder, const std::string& expression) {
+    std::string queried(Dom2Dom& document, const std::string& expression) {
         std::string result;
-        EXPECT_EQ(query(holder, expression, result), 0)
+        EXPECT_EQ(query(document, expression, result), 0)
             << expression << ": " << m_transformer.getLastError();
         return result;
     }
@@ -83,12 +84,13 @@ protected:
     VEXAXslTransformer m_transformer;
 };
 
-/** What Serialize makes of a document element. */
+/** The complete output of Serialize() for a document element. */
 inline std::string asSerialized(const std::string& element) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>" + element + "\n" + '\0';
 }
 
-#define OVER_BOTH_TREES(suite)                                                                     \
+#define INSTANTIATE_FOR_BOTH_TREES(suite)                                                          \
     INSTANTIATE_TEST_SUITE_P(                                                                      \
-        , suite, ::testing::Values(Tree::Xalan, Tree::Xerces),                                     \
-        [](const auto& test) { return test.param == Tree::Xalan ? "XalanTree" : "XercesTree"; })
+        , suite, ::testing::Values(Tree::Xalan, Tree::Xerces), [](const auto& test) {              \
+            return test.param == Tree::Xalan ? "XalanSourceTree" : "XercesDom";                    \
+        })

@@ -1,6 +1,6 @@
 /**
  * @file
- * Whether a memory checker is at work: it takes memory and time of its own.
+ * Detects memory checkers, which need additional memory and time.
  */
 #pragma once
 

@@ -14,7 +14,7 @@ namespace {
 class Document {
 public:
     explicit Document(const std::string& text) {
-        // HandlerBase throws at fatal errors.
+        // HandlerBase throws an exception for fatal errors.
         m_parser.setErrorHandler(&m_handler);
         m_parser.setDoNamespaces(true);
         m_parser.setLoadExternalDTD(false);

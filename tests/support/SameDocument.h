@@ -1,6 +1,6 @@
 /**
  * @file
- * Whether two XML texts are the same document.
+ * Compares two XML texts as documents.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <string>
 
 /**
- * Compares element by element, whatever the order of attributes, the declaration and the way
- * characters are written. A text may end with the library's NUL.
+ * Compares the documents node by node. The order of attributes, the XML declaration and character
+ * references do not matter. A text may end with a NUL.
  */
 ::testing::AssertionResult sameDocument(const std::string& actual, const std::string& expected);

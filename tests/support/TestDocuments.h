@@ -1,6 +1,6 @@
 /**
  * @file
- * Real documents with real stylesheets.
+ * Documents with their stylesheets.
  */
 #pragma once
 

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 TemporaryFolder::TemporaryFolder() {
     std::string name = (fs::temp_directory_path() / "vexa-test-XXXXXX").string();
     if (!mkdtemp(name.data())) {
-        throw std::runtime_error("no temporary folder " + name);
+        throw std::runtime_error("cannot create the temporary folder " + name);
     }
     m_path = name;
 }
@@ -71,7 +71,7 @@ std::string stylesheetWithRootTemplate(const std::string& content) {
                       content + "</xsl:template>");
 }
 
-std::string sheetOfAnyScript() {
+std::string sheetInAnyScript() {
     return stylesheet("<xsl:output method='text' encoding='UTF-8'/><xsl:param "
                       "name='gr\xC3\xB6\xC3\x9F'/><xsl:template match='/'><xsl:value-of "
                       "select='vexa:\xC3\x84($gr\xC3\xB6\xC3\x9F)'/></xsl:template>");

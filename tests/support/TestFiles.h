@@ -1,6 +1,6 @@
 /**
  * @file
- * Files for tests: a folder that is there for one test, and the project's own documents.
+ * Files for tests: a temporary folder, and files of the project.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <string>
 
-/** A folder under the system's folder for temporary files; it goes with its content. */
+/** A temporary folder. The destructor deletes it with its content. */
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -17,20 +17,20 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
 
-    /** The path of a file in the folder, whether there is one or not. */
+    /** The path of a file in the folder. The file need not exist. */
     std::string path(const std::string& name) const { return (m_path / name).string(); }
 
-    /** Writes a file into the folder and gives its path. */
+    /** Writes a file into the folder and returns its path. */
     std::string write(const std::string& name, const std::string& content) const;
 
-    /** The names of all that is in the folder, sorted and parted by blanks. */
+    /** The names of all files in the folder, sorted and separated by spaces. */
     std::string list() const;
 
 private:
     std::filesystem::path m_path;
 };
 
-/** A whole file. Fails the test if it cannot be read. */
+/** The content of a file. Fails the test if the file cannot be read. */
 std::string readFile(const std::string& path);
 
 /** The path of a file of the project. */
@@ -42,8 +42,8 @@ std::string stylesheet(const std::string& content);
 /** A stylesheet with one template, for the document node. */
 std::string stylesheetWithRootTemplate(const std::string& content);
 
-/** A stylesheet that calls a function and reads a parameter whose names are beyond ASCII. */
-std::string sheetOfAnyScript();
+/** A stylesheet that calls a function and reads a parameter with non-ASCII names. */
+std::string sheetInAnyScript();
 
-/** Whether two results are the same; where they are not, it shows only where they part. */
+/** Compares two results. A failure shows only the first difference. */
 ::testing::AssertionResult sameBytes(const std::string& actual, const std::string& expected);

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-/** Gives the same text at every call, and counts the objects of its kind. */
+/** Returns the same text in every call, and counts its objects. */
 class ConstantFunction : public TqXsltFunction {
 public:
     explicit ConstantFunction(const char* text) : m_strText(text) { ++s_alive; }
@@ -36,7 +36,7 @@ private:
 
 inline int ConstantFunction::s_alive = 0;
 
-/** Gives its first argument's text back between brackets. */
+/** Returns the text of its first argument in brackets. */
 class BracketFunction : public TqXsltFunction {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode*,
@@ -51,7 +51,7 @@ public:
     }
 };
 
-/** Throws something that the engine knows nothing of. */
+/** Throws an exception that is not one of the engine. */
 class ThrowingFunction : public TqXsltFunction {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext&, xalanc::XalanNode*,

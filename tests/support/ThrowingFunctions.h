@@ -1,6 +1,6 @@
 /**
  * @file
- * Functions that throw what a test wants thrown.
+ * Extension functions that throw any exception.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <functional>
 #include <utility>
 
-/** Throws by calling what it was given. */
+/** Calls `thrower`, which throws an exception. */
 class ThrowingFunctionOf : public TqXsltFunction {
 public:
     explicit ThrowingFunctionOf(std::function<void()> thrower) : m_thrower(std::move(thrower)) {}

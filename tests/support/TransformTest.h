@@ -1,6 +1,6 @@
 /**
  * @file
- * A transformer, a folder of its own, and both roads through it.
+ * Test fixture for file and stream transforms, with a transformer and a temporary folder.
  */
 #pragma once
 
@@ -20,17 +20,17 @@ protected:
         std::string error;
     };
 
-    /** Transforms files; the output is empty where no file was written. */
-    Outcome onFileRoad(const std::string& source, const std::string& sheet) {
-        const std::string output = m_folder.path("file-road.out");
+    /** Runs a file transform. The output is empty if no file was written. */
+    Outcome transformFile(const std::string& source, const std::string& sheet) {
+        const std::string output = m_folder.path("output");
         std::filesystem::remove(output);
         const int result = m_transformer.doTransform(source.c_str(), sheet.c_str(), output.c_str());
         return {result, std::filesystem::exists(output) ? readFile(output) : "",
                 m_transformer.getLastError()};
     }
 
-    /** Transforms streams; the output is as the library leaves it, with its NUL. */
-    Outcome onStreamRoad(const std::string& sourceText, const std::string& sheet) {
+    /** Runs a stream transform. The output includes the NUL. */
+    Outcome transformStream(const std::string& sourceText, const std::string& sheet) {
         std::istringstream source(sourceText);
         std::ostringstream output;
         const int result = m_transformer.doTransform(source, sheet.c_str(), output);
@@ -49,7 +49,7 @@ protected:
     VEXAXslTransformer m_transformer;
 };
 
-/** A stream result as the library writes it. */
+/** The output of a stream transform. */
 inline std::string withNul(const std::string& text) {
     return text + '\0';
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * A look inside the transformer.
+ * Access to private members of the transformer.
  */
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace inspector {
 
-/** An explicit instantiation may name private members: this one gives the member to the tests. */
+/** An explicit instantiation may name private members: this one makes a member accessible. */
 template <typename Tag, typename Tag::Type pointer>
 struct Opener {
     friend typename Tag::Type memberOf(Tag) { return pointer; }

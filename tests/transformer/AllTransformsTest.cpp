@@ -1,6 +1,6 @@
 /**
  * @file
- * A stylesheet gives the same document on the file, the stream and the in-memory road.
+ * A stylesheet gives the same document in file, stream and in-memory transforms.
  */
 #include "support/InMemoryTest.h"
 #include "support/SameDocument.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-/** The attributes of the tag that begins at `position`, which is moved behind them. */
+/** The attributes of the tag that begins at `position`, which is moved to the end of the tag. */
 std::set<std::string> readAttributes(const std::string& text, std::size_t& position) {
     std::set<std::string> attributes;
     std::string attribute;
@@ -32,8 +32,8 @@ std::set<std::string> readAttributes(const std::string& text, std::size_t& posit
 }
 
 /**
- * The text with each tag's attributes sorted: in memory the stylesheet is a tree before it is
- * compiled, and the engine then takes the attributes of its elements in another order.
+ * The text with sorted attributes in each tag: an in-memory transform compiles the stylesheet from
+ * a tree, and the engine then writes attributes in another order.
  */
 std::string withSortedAttributes(const std::string& text) {
     std::string sorted;
@@ -48,8 +48,7 @@ std::string withSortedAttributes(const std::string& text) {
     return sorted;
 }
 
-/** The real documents, and the report that calls the library's functions: time stands still here.
- */
+/** All documents, and the report that calls built-in functions: this program sets their clock. */
 std::vector<TestDocument> documentsForAllTransforms() {
     auto documents = testDocuments();
     documents.push_back({"LocalisedOrders", projectFile("samples/orders.xml"),
@@ -70,7 +69,7 @@ protected:
 
     const TestDocument& document() const { return std::get<TestDocument>(GetParam()); }
 
-    std::string onFileRoad(const std::string& sheet) {
+    std::string transformFile(const std::string& sheet) {
         const std::string output = m_folder.path("out");
         EXPECT_EQ(
             m_transformer.doTransform(document().source.c_str(), sheet.c_str(), output.c_str()), 0)
@@ -78,7 +77,7 @@ protected:
         return readFile(output);
     }
 
-    std::string onStreamRoad(const std::string& sheet) {
+    std::string transformStream(const std::string& sheet) {
         std::ifstream source(document().source, std::ios::binary);
         std::ostringstream output;
         EXPECT_EQ(m_transformer.doTransform(source, sheet.c_str(), output), 0)
@@ -88,7 +87,7 @@ protected:
 
     std::string inMemoryToText(const std::string& sheet) {
         std::ostringstream text;
-        const Holder out = m_transformer.createDom2Dom();
+        const Dom2DomPtr out = m_transformer.createDom2Dom();
         EXPECT_TRUE(out->InitializeOutputTarget(text));
         EXPECT_EQ(m_transformer.doTransform(*m_in, sheet.c_str(), *out), 0)
             << m_transformer.getLastError();
@@ -96,7 +95,7 @@ protected:
     }
 
     std::string inMemoryToDocument(const std::string& sheet) {
-        const Holder out = m_transformer.createDom2Dom();
+        const Dom2DomPtr out = m_transformer.createDom2Dom();
         EXPECT_TRUE(out->InitializeOutputTarget());
         EXPECT_EQ(m_transformer.doTransform(*m_in, sheet.c_str(), *out), 0)
             << m_transformer.getLastError();
@@ -114,23 +113,23 @@ protected:
 
     TemporaryFolder m_folder;
     VEXAXslTransformer m_transformer;
-    Holder m_in = m_transformer.createDom2Dom();
+    Dom2DomPtr m_in = m_transformer.createDom2Dom();
 };
 
 } // namespace
 
 TEST_P(AllTransformsTest, GiveTheSameText) {
-    const std::string expected = onFileRoad(document().sheet);
+    const std::string expected = transformFile(document().sheet);
     EXPECT_GT(expected.size(), 1000U);
-    EXPECT_TRUE(sameBytes(onStreamRoad(document().sheet), expected + '\0'));
+    EXPECT_TRUE(sameBytes(transformStream(document().sheet), expected + '\0'));
     EXPECT_TRUE(sameBytes(withSortedAttributes(inMemoryToText(document().sheet)),
                           withSortedAttributes(expected)));
 }
 
 TEST_P(AllTransformsTest, GiveTheSameDocument) {
     const std::string sheet = sheetForXml();
-    const std::string expected = onFileRoad(sheet);
-    EXPECT_TRUE(sameDocument(onStreamRoad(sheet), expected));
+    const std::string expected = transformFile(sheet);
+    EXPECT_TRUE(sameDocument(transformStream(sheet), expected));
     EXPECT_TRUE(sameDocument(inMemoryToText(sheet), expected));
     EXPECT_TRUE(sameDocument(inMemoryToDocument(sheet), expected));
 }
@@ -140,6 +139,6 @@ INSTANTIATE_TEST_SUITE_P(, AllTransformsTest,
                                             ::testing::Values(Tree::Xalan, Tree::Xerces)),
                          [](const auto& test) {
                              return std::string(std::get<TestDocument>(test.param).name) +
-                                    (std::get<Tree>(test.param) == Tree::Xalan ? "InXalanTree"
-                                                                               : "InXercesTree");
+                                    (std::get<Tree>(test.param) == Tree::Xalan ? "InXalanSourceTree"
+                                                                               : "InXercesDom");
                          });

@@ -11,7 +11,7 @@
 
 namespace {
 
-/** A thread's work: its own transformer, parameter and function, on both roads, again and again. */
+/** Runs many transforms in one thread, with its own transformer, parameter and function. */
 void work(const std::string& name, const std::string& sheet) {
     const TemporaryFolder folder;
     const std::string source = folder.write("a.xml", "<a>" + name + "</a>");
@@ -36,7 +36,7 @@ void work(const std::string& name, const std::string& sheet) {
 
 using ConcurrencyTest = EngineTest;
 
-TEST_F(ConcurrencyTest, TwoThreadsWithATransformerEachDoNotDisturbOneAnother) {
+TEST_F(ConcurrencyTest, TwoThreadsWithOneTransformerEachAreIndependent) {
     const TemporaryFolder folder;
     const std::string sheet = folder.write(
         "b.xsl", stylesheet("<xsl:output omit-xml-declaration='yes'/><xsl:param name='p'/>"

@@ -140,8 +140,8 @@ protected:
     TemporaryFolder m_folder;
     std::ostringstream m_stream;
     VEXAXslTransformer m_transformer;
-    Holder m_in = m_transformer.createDom2Dom();
-    Holder m_out = m_transformer.createDom2Dom();
+    Dom2DomPtr m_in = m_transformer.createDom2Dom();
+    Dom2DomPtr m_out = m_transformer.createDom2Dom();
     EngineCallRecord m_record;
 };
 
@@ -171,8 +171,8 @@ TEST_F(EngineOrderTest, InMemoryTransformWithAMalformedStylesheet) {
                              END_OF_CONTEXTS + END_OF_ENGINE));
 }
 
-TEST_F(EngineOrderTest, NothingIsBuiltAfterAFailedParseOfTheInput) {
-    const Holder failed = m_transformer.createDom2Dom();
+TEST_F(EngineOrderTest, NothingIsCreatedAfterAFailedParseOfTheSource) {
+    const Dom2DomPtr failed = m_transformer.createDom2Dom();
     failed->InitializeInputSource("<a>");
     m_out->InitializeOutputTarget(m_stream);
     m_record.take();
@@ -242,7 +242,7 @@ TEST_F(EngineOrderTest, Serialization) {
 TEST_F(EngineOrderTest, Input) {
     std::istringstream source("<a/>");
     m_record.name(&source, "source");
-    Holder holder = m_transformer.createDom2Dom();
+    Dom2DomPtr holder = m_transformer.createDom2Dom();
     ASSERT_TRUE(holder->InitializeInputSource(source, "a.xml"));
     EXPECT_EQ(calls(), lines({
                            "XSLTInputSource(source)",

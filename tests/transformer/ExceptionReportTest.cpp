@@ -1,7 +1,7 @@
 /**
  * @file
- * Every report of every operation that catches exceptions, to the byte, driven through the engine
- * by functions that throw.
+ * The exact text of every exception report of every operation. Extension functions throw the
+ * exceptions inside the engine.
  */
 #include "support/InMemoryTest.h"
 #include "support/ThrowingFunctions.h"
@@ -26,10 +26,10 @@ namespace {
 
 constexpr XMLFileLoc UNKNOWN_LOCATION = static_cast<XMLFileLoc>(-1);
 
-/** A place to be reported; a null system id is one. */
-class Place : public xercesc::Locator {
+/** A location with any system id, also a null one. */
+class Location : public xercesc::Locator {
 public:
-    Place(const char16_t* systemId, XMLFileLoc line, XMLFileLoc column)
+    Location(const char16_t* systemId, XMLFileLoc line, XMLFileLoc column)
         : m_pSystemId(systemId), m_line(line), m_column(column) {}
     const XMLCh* getPublicId() const override { return nullptr; }
     const XMLCh* getSystemId() const override { return m_pSystemId; }
@@ -42,12 +42,12 @@ private:
     XMLFileLoc m_column;
 };
 
-/** An engine exception of a type of its own. */
+/** An XSLException with its own type name. */
 class TestXslException : public xalanc::XSLException {
 public:
-    TestXslException(const char* message, const Place& place)
+    TestXslException(const char* message, const Location& location)
         : XSLException(XalanDOMString(message), xalanc::XalanMemMgrs::getDefaultXercesMemMgr(),
-                       &place) {}
+                       &location) {}
     explicit TestXslException(const char* message)
         : XSLException(XalanDOMString(message), xalanc::XalanMemMgrs::getDefaultXercesMemMgr()) {}
     const xalanc::XalanDOMChar* getType() const override { return u"TestType"; }
@@ -55,7 +55,7 @@ public:
 
 void throwXslException(const char* message, const char16_t* uri, XMLFileLoc line,
                        XMLFileLoc column) {
-    throw TestXslException(message, Place(uri, line, column));
+    throw TestXslException(message, Location(uri, line, column));
 }
 
 void throwSaxParseException(const char16_t* systemId, XMLFileLoc line, XMLFileLoc column) {
@@ -84,7 +84,7 @@ const ReportCase CASES[] = {
     {"XslExceptionWithEmptyUri", [] { throwXslException("message", u"", 7, 8); }, -1,
      "\nXSLException Type is: TestType\nMessage is: message (Unknown URI, line 7, column 8)\n",
      "\nXSLException Type is: TestType\nMessage is: message (Unknown URI, line 7, column 8)\n"},
-    {"XslExceptionWithoutPlace", [] { throw TestXslException("message"); }, -1,
+    {"XslExceptionWithoutLocation", [] { throw TestXslException("message"); }, -1,
      "\nXSLException Type is: TestType\nMessage is: message (Unknown URI, line -1, column -1)\n",
      "\nXSLException Type is: TestType\nMessage is: message (Unknown URI, line -1, column -1)\n"},
     {"XslExceptionWithEmptyMessage", [] { throwXslException("", u"u", 1, 2); }, -1,
@@ -126,7 +126,7 @@ const ReportCase CASES[] = {
     {"Number", [] { throw 42; }, -5, "\nUnhandled Exception\n\n", "\nUnhandled Exception\n"},
 };
 
-/** A host's locale, with numbers that a report must not follow. */
+/** A locale of a host that groups digits. Reports must not use it. */
 class GroupingNumbers : public std::numpunct<char> {
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
@@ -141,8 +141,8 @@ protected:
 
     TemporaryFolder m_folder;
     VEXAXslTransformer m_transformer;
-    Holder m_in = m_transformer.createDom2Dom();
-    Holder m_out = m_transformer.createDom2Dom();
+    Dom2DomPtr m_in = m_transformer.createDom2Dom();
+    Dom2DomPtr m_out = m_transformer.createDom2Dom();
 };
 
 } // namespace
@@ -158,14 +158,14 @@ TEST_P(ExceptionReportTest, InMemoryTransform) {
               I18NString(report.inMemoryTransform));
     EXPECT_STREQ(m_out->getLastError(), "");
 
-    // A report replaces the one before, and a success clears it.
+    // A report replaces the previous one, and a success clears it.
     m_transformer.installExternalFunction("Throw", ThrowingFunctionOf([] { throw 1; }));
-    const Holder second = m_transformer.createDom2Dom();
+    const Dom2DomPtr second = m_transformer.createDom2Dom();
     second->InitializeOutputTarget();
     EXPECT_EQ(m_transformer.doTransform(*m_in, sheet.c_str(), *second), -5);
     EXPECT_STREQ(m_transformer.getLastError(), "\nUnhandled Exception\n\n");
     const std::string good = m_folder.write("good.xsl", stylesheetWithRootTemplate("<b/>"));
-    const Holder third = m_transformer.createDom2Dom();
+    const Dom2DomPtr third = m_transformer.createDom2Dom();
     third->InitializeOutputTarget();
     EXPECT_EQ(m_transformer.doTransform(*m_in, good.c_str(), *third), 0);
     EXPECT_STREQ(m_transformer.getLastError(), "");
@@ -197,7 +197,7 @@ TEST_F(EngineTest, ReportsHavePlainNumbersInEveryLocale) {
     VEXAXslTransformer transformer;
     transformer.installExternalFunction(
         "Throw", ThrowingFunctionOf([] { throwSaxParseException(u"s", 123456, 5'000'000'000); }));
-    const Holder in = transformer.createDom2Dom(), out = transformer.createDom2Dom();
+    const Dom2DomPtr in = transformer.createDom2Dom(), out = transformer.createDom2Dom();
     in->InitializeInputSource("<a/>");
     out->InitializeOutputTarget();
     EXPECT_EQ(transformer.doTransform(*in, sheet.c_str(), *out), -2);
@@ -213,7 +213,7 @@ INSTANTIATE_TEST_SUITE_P(, ExceptionReportTest, ::testing::ValuesIn(CASES),
 
 namespace {
 
-/** A stream buffer that throws instead of writing. */
+/** A stream buffer that throws when it is written to. */
 class ThrowingBuffer : public std::streambuf {
 public:
     explicit ThrowingBuffer(std::function<void()> thrower) : m_thrower(std::move(thrower)) {}
@@ -233,15 +233,14 @@ private:
 
 } // namespace
 
-/** Of the exceptions, serialisation reports the engine's XSLException only, as the transform does.
- */
-TEST_P(ExceptionReportTest, Serialisation) {
+/** Serialize() reports XSLException only, with the report of the in-memory transform. */
+TEST_P(ExceptionReportTest, Serialization) {
     const ReportCase& report = GetParam();
     const std::string sheet = m_folder.write("b.xsl", stylesheetWithRootTemplate("<b/>"));
     ASSERT_EQ(m_transformer.doTransform(*m_in, sheet.c_str(), *m_out), 0);
     ThrowingBuffer buffer(report.thrower);
     std::ostream stream(&buffer);
-    // The stream would swallow what its buffer throws.
+    // By default the stream hides exceptions of its buffer.
     stream.exceptions(std::ios::badbit);
     if (report.result == -1) {
         EXPECT_EQ(m_out->Serialize(stream), -1);

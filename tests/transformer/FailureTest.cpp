@@ -1,6 +1,6 @@
 /**
  * @file
- * What each kind of failure gives on both roads: the result, and how the engine's text begins.
+ * The result code and the error message of each kind of failure in file and stream transforms.
  */
 #include "support/TestFunctions.h"
 #include "support/ThrowingFunctions.h"
@@ -20,13 +20,13 @@ namespace {
 struct FailureCase {
     const char* name;
     int result;
-    /** How the text begins. */
+    /** The beginning of the error message. */
     const char* text;
-    /** Something that the text holds further on. */
+    /** Another part of the error message. */
     const char* detail;
-    /** The source; null: a good one. */
+    /** The source; null: a well-formed one. */
     const char* source;
-    /** The stylesheet; null: there is no file of that name. */
+    /** The stylesheet; null: the file does not exist. */
     const char* stylesheet;
 };
 
@@ -71,19 +71,19 @@ void expectFailure(const FailureCase& expected, int result, const std::string& e
 
 } // namespace
 
-TEST_P(FailureTest, IsReportedOnBothRoadsAndLeavesTheTransformerUsable) {
+TEST_P(FailureTest, IsReportedAndLeavesTheTransformerUsable) {
     const FailureCase& failure = GetParam();
     const std::string text = failure.source ? failure.source : "<a/>";
     const std::string sheet = failure.stylesheet ? m_folder.write("sheet.xsl", failure.stylesheet)
                                                  : m_folder.path("sheet.xsl");
 
-    const auto files = onFileRoad(source(text), sheet);
+    const auto files = transformFile(source(text), sheet);
     expectFailure(failure, files.result, files.error);
-    const auto streams = onStreamRoad(text, sheet);
+    const auto streams = transformStream(text, sheet);
     expectFailure(failure, streams.result, streams.error);
 
-    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
-    EXPECT_EQ(onStreamRoad("<a/>", sheetWithRootTemplate("<b/>")).output, withNul("<b/>"));
+    EXPECT_EQ(transformFile(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+    EXPECT_EQ(transformStream("<a/>", sheetWithRootTemplate("<b/>")).output, withNul("<b/>"));
 }
 
 INSTANTIATE_TEST_SUITE_P(, FailureTest, ::testing::ValuesIn(CASES),
@@ -107,7 +107,7 @@ TEST_F(FileNameFailureTest, AMissingSourceIsReported) {
     expectFailureOfFiles(m_folder.path("none.xml"), m_sheet, m_output, -2, "SAXParseException");
 }
 
-TEST_F(FileNameFailureTest, ADirectoryIsNoSourceAndNoStylesheet) {
+TEST_F(FileNameFailureTest, ADirectoryIsRejectedAsSourceAndAsStylesheet) {
     expectFailureOfFiles(m_folder.path(""), m_sheet, m_output, -2, "unable to");
     expectFailureOfFiles(source(), m_folder.path(""), m_output, -2, "unable to");
 }
@@ -131,7 +131,7 @@ namespace {
 
 using xalanc::XalanDOMString;
 
-/** Reports a problem as a function of the library does. */
+/** Reports a problem like a built-in function. */
 void reportProblem(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node) {
     context.problem(xalanc::XPathExecutionContext::eXPATH, xalanc::XPathExecutionContext::eError,
                     XalanDOMString("a problem"), static_cast<const xalanc::Locator*>(nullptr),
@@ -156,21 +156,21 @@ protected:
                                  const std::string& text) {
         m_transformer.installExternalFunction("F", function);
         const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='vexa:F()'/></b>");
-        const auto files = onFileRoad(source(), sheet);
+        const auto files = transformFile(source(), sheet);
         EXPECT_EQ(files.result, result);
         EXPECT_NE(files.error.find(text), std::string::npos) << files.error;
-        const auto streams = onStreamRoad("<a/>", sheet);
+        const auto streams = transformStream("<a/>", sheet);
         EXPECT_EQ(streams.result, result);
         EXPECT_EQ(streams.output.back(), '\0');
-        EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+        EXPECT_EQ(transformFile(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
     }
 };
 
-TEST_F(FunctionFailureTest, AProblemThatAFunctionReportsIsReported) {
+TEST_F(FunctionFailureTest, AProblemOfAFunctionIsReported) {
     expectFailureOfFunction(ProblemFunction(), -1, "a problem");
 }
 
-TEST_F(FunctionFailureTest, ExceptionsOfTheEnginesAreReported) {
+TEST_F(FunctionFailureTest, ExceptionsOfTheEngineAreReported) {
     expectFailureOfFunction(ThrowingFunctionOf([] { throw xercesc::SAXException(u"sax"); }), -2,
                             "sax");
     expectFailureOfFunction(ThrowingFunctionOf([] {
@@ -190,11 +190,11 @@ TEST_F(FunctionFailureTest, AnAssertionPassesToTheCaller) {
             NRBAssertError(0, "it must hold").hurl(NRBFileLocation("f", 1), nullptr, "o");
         }));
     const std::string sheet = sheetWithRootTemplate("<b><xsl:value-of select='vexa:F()'/></b>");
-    EXPECT_THROW(onFileRoad(source(), sheet), NRBAssertError);
-    EXPECT_EQ(onFileRoad(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
+    EXPECT_THROW(transformFile(source(), sheet), NRBAssertError);
+    EXPECT_EQ(transformFile(source(), sheetWithRootTemplate("<b/>")).output, "<b/>");
 }
 
-TEST_F(FunctionFailureTest, ACloneThatThrowsDuringATransformPassesToTheCaller) {
+TEST_F(FunctionFailureTest, AnExceptionOfACloneOperationPassesToTheCaller) {
     class CloneableOnce : public BracketFunction {
     public:
         explicit CloneableOnce(int clones) : m_nClones(clones) {}
@@ -211,9 +211,9 @@ TEST_F(FunctionFailureTest, ACloneThatThrowsDuringATransformPassesToTheCaller) {
     for (int clones = 1; clones <= 2; ++clones) {
         m_transformer.installExternalFunction("F", CloneableOnce(clones));
         const std::string sheet = sheetWithRootTemplate("<b/>");
-        EXPECT_THROW(onFileRoad(source(), sheet), std::runtime_error) << clones;
+        EXPECT_THROW(transformFile(source(), sheet), std::runtime_error) << clones;
         m_transformer.installExternalFunction("F", BracketFunction());
-        EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+        EXPECT_EQ(transformFile(source(), sheet).output, "<b/>");
     }
 }
 
@@ -225,12 +225,12 @@ TEST_F(ParameterFailureTest, AnApostropheInAValueMakesTheNextTransformsFail) {
                             "<xsl:template match='/'><b/></xsl:template>"));
     m_transformer.setStylesheetParam("p", "it's");
     for (int i = 0; i < 2; ++i) {
-        const auto outcome = onFileRoad(source(), sheet);
+        const auto outcome = transformFile(source(), sheet);
         EXPECT_EQ(outcome.result, -1);
         EXPECT_EQ(
             outcome.error.rfind("XPathParserException: A string literal is not terminated", 0), 0U)
             << outcome.error;
     }
     m_transformer.setStylesheetParam("p", "its");
-    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+    EXPECT_EQ(transformFile(source(), sheet).output, "<b/>");
 }

@@ -10,16 +10,16 @@ using Inspector = VEXAXslTransformerInspector;
 using InMemoryTransformTest = InMemoryTest;
 
 TEST_P(InMemoryTransformTest, TransformsOneDocumentIntoAnother) {
-    const Holder in = parsed("<a>x</a>");
-    const Holder out = output();
+    const Dom2DomPtr in = parsed("<a>x</a>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, sheet("<b><xsl:value-of select='a'/></b>"), *out), 0);
     EXPECT_EQ(queried(*out, "string(/b)"), "x");
     EXPECT_EQ(serialized(*out), asSerialized("<b>x</b>"));
     EXPECT_STREQ(m_transformer.getLastError(), "");
 }
 
-TEST_P(InMemoryTransformTest, WritesToAStreamAsTheStylesheetsOutputSettingsSay) {
-    const Holder in = parsed("<a>\xCE\xB1</a>");
+TEST_P(InMemoryTransformTest, WritesToAStreamWithTheOutputSettingsOfTheStylesheet) {
+    const Dom2DomPtr in = parsed("<a>\xCE\xB1</a>");
     EXPECT_EQ(transformed(*in, m_folder.write("t.xsl",
                                               stylesheet("<xsl:output method='text'/><xsl:template "
                                                          "match='/'>[<xsl:value-of select='a'/>]"
@@ -35,10 +35,10 @@ TEST_P(InMemoryTransformTest, WritesToAStreamAsTheStylesheetsOutputSettingsSay) 
 }
 
 TEST_P(InMemoryTransformTest, ChainsFiveStylesheets) {
-    Holder current = parsed("<n>1</n>");
+    Dom2DomPtr current = parsed("<n>1</n>");
     const std::string doubling = sheet("<n><xsl:value-of select='2 * n'/></n>");
     for (int i = 0; i < 5; ++i) {
-        Holder next = output();
+        Dom2DomPtr next = output();
         ASSERT_EQ(transform(*current, doubling, *next), 0) << m_transformer.getLastError();
         ASSERT_NE(next->GetDocument(), nullptr);
         current = std::move(next);
@@ -47,10 +47,10 @@ TEST_P(InMemoryTransformTest, ChainsFiveStylesheets) {
 }
 
 TEST_P(InMemoryTransformTest, ReadsOneInputAThousandTimes) {
-    const Holder in = parsed("<a>x</a>");
+    const Dom2DomPtr in = parsed("<a>x</a>");
     const std::string copying = sheet("<b><xsl:value-of select='a'/></b>");
     for (int i = 0; i < 1000; ++i) {
-        const Holder out = output();
+        const Dom2DomPtr out = output();
         ASSERT_EQ(transform(*in, copying, *out), 0);
     }
     EXPECT_EQ(transformed(*in, copying), "<b>x</b>");
@@ -60,7 +60,7 @@ TEST_P(InMemoryTransformTest, PassesParameters) {
     m_transformer.setStylesheetParam("z", "last");
     m_transformer.setStylesheetParam("a", "first");
     m_transformer.setStylesheetParam("empty", "");
-    const Holder in = parsed("<a/>");
+    const Dom2DomPtr in = parsed("<a/>");
     const std::string file = m_folder.write(
         "p.xsl",
         stylesheet(
@@ -75,7 +75,7 @@ TEST_P(InMemoryTransformTest, PassesParametersInTheOrderOfTheirNames) {
     // The engine complains of the first one that it is given.
     m_transformer.setStylesheetParam("1z", "set first");
     m_transformer.setStylesheetParam("1a", "set second");
-    const Holder in = parsed("<a/>"), out = output();
+    const Dom2DomPtr in = parsed("<a/>"), out = output();
     EXPECT_EQ(transform(*in, sheet("<b/>"), *out), -1);
     EXPECT_NE(std::string(m_transformer.getLastError()).find("'1a'"), std::string::npos)
         << m_transformer.getLastError();
@@ -84,14 +84,14 @@ TEST_P(InMemoryTransformTest, PassesParametersInTheOrderOfTheirNames) {
 TEST_P(InMemoryTransformTest, PassesNamesAndValuesInAnyScript) {
     m_transformer.setStylesheetParam("gr\xC3\xB6\xC3\x9F", "\xCE\xB1 \xF0\x9F\x98\x80");
     m_transformer.installExternalFunction("\xC3\x84", BracketFunction());
-    const Holder in = parsed("<a/>");
-    EXPECT_EQ(transformed(*in, m_folder.write("\xCE\xB2.xsl", sheetOfAnyScript())),
+    const Dom2DomPtr in = parsed("<a/>");
+    EXPECT_EQ(transformed(*in, m_folder.write("\xCE\xB2.xsl", sheetInAnyScript())),
               "[\xCE\xB1 \xF0\x9F\x98\x80]");
 }
 
-TEST_P(InMemoryTransformTest, ServesFunctionsAndNodeset) {
+TEST_P(InMemoryTransformTest, CallsFunctionsAndNodeset) {
     m_transformer.installExternalFunction("B", BracketFunction());
-    const Holder in = parsed("<a>x</a>");
+    const Dom2DomPtr in = parsed("<a>x</a>");
     EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='vexa:B(a)'/></b>")), "<b>[x]</b>");
     EXPECT_EQ(transformed(*in, sheet("<xsl:variable name='t'><i>1</i><i>2</i></xsl:variable><b>"
                                      "<xsl:value-of select='sum(xalan:nodeset($t)/i)'/></b>")),
@@ -112,13 +112,13 @@ TEST_P(InMemoryTransformTest, ServesFunctionsAndNodeset) {
 TEST_P(InMemoryTransformTest, InstallsNodesetItself) {
     xalanc::XalanTransformer::uninstallExternalFunctionGlobal(
         xalanc::XalanDOMString("http://xml.apache.org/xalan"), xalanc::XalanDOMString("nodeset"));
-    const Holder in = parsed("<a/>");
+    const Dom2DomPtr in = parsed("<a/>");
     EXPECT_EQ(
         transformed(*in, sheet("<b><xsl:value-of select='count(xalan:nodeset(\"s\"))'/></b>")),
         "<b>1</b>");
 }
 
-TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheetsPlace) {
+TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheet) {
     std::filesystem::create_directory(m_folder.path("sheets"));
     m_folder.write("sheets/base.xsl", stylesheet("<xsl:template match='a'><c/></xsl:template>"));
     m_folder.write("sheets/more.xsl", stylesheet("<xsl:template name='more'><m/></xsl:template>"));
@@ -134,9 +134,9 @@ TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheetsPlace) {
     EXPECT_EQ(transformed(*parsed("<a/>"), file), "<b><c/><m/>far1</b>");
 }
 
-TEST_P(InMemoryTransformTest, KnowsIdsKeysAndStrippedSpace) {
-    const Holder in = parsed("<!DOCTYPE a [<!ATTLIST b i ID #IMPLIED>]>"
-                             "<a> <b i='one'>1</b> <b i='two'>2</b> </a>");
+TEST_P(InMemoryTransformTest, SupportsIdsKeysAndStrippedSpace) {
+    const Dom2DomPtr in = parsed("<!DOCTYPE a [<!ATTLIST b i ID #IMPLIED>]>"
+                                 "<a> <b i='one'>1</b> <b i='two'>2</b> </a>");
     const std::string file = m_folder.write(
         "k.xsl",
         stylesheet(
@@ -147,8 +147,8 @@ TEST_P(InMemoryTransformTest, KnowsIdsKeysAndStrippedSpace) {
     EXPECT_EQ(transformed(*in, file), "2one0");
 }
 
-TEST_P(InMemoryTransformTest, HandsMessagesToStandardErrorAsTheOtherRoadsDo) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, WritesMessagesToStandardErrorLikeTheOtherTransforms) {
+    const Dom2DomPtr in = parsed("<a/>");
     const std::string file = sheet("<b/><xsl:message>a message</xsl:message>");
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(transformed(*in, file), "<b/>");
@@ -158,12 +158,12 @@ TEST_P(InMemoryTransformTest, HandsMessagesToStandardErrorAsTheOtherRoadsDo) {
     std::ostringstream output;
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), output), 0);
-    const std::string onStreamRoad = ::testing::internal::GetCapturedStderr();
+    const std::string transformStream = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(inMemory.rfind("XSLT message: a message", 0), 0U) << inMemory;
-    EXPECT_EQ(onStreamRoad.rfind("XSLT message: a message", 0), 0U) << onStreamRoad;
+    EXPECT_EQ(transformStream.rfind("XSLT message: a message", 0), 0U) << transformStream;
 }
 
-TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersAsTheOtherRoadsDo) {
+TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersLikeTheOtherTransforms) {
     const std::string text = "<a><i>b</i><i>C</i><i>a</i><i>A</i><i>\xC3\xA4</i></a>";
     const std::string file =
         sheet("<b><xsl:for-each select='a/i'><xsl:sort/><xsl:value-of select='.'/></xsl:for-each>"
@@ -177,20 +177,20 @@ TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersAsTheOtherRoadsDo) {
     EXPECT_EQ(streamed.str(), inMemory + '\0');
 }
 
-TEST_P(InMemoryTransformTest, AFailedParseOfTheInputIsTheResult) {
-    const Holder in = m_transformer.createDom2Dom();
+TEST_P(InMemoryTransformTest, ReturnsTheResultOfAFailedParse) {
+    const Dom2DomPtr in = m_transformer.createDom2Dom();
     in->InitializeInputSource("<a>");
     const std::string reason = m_transformer.getLastError();
     Inspector::ownError(m_transformer) = "left by an earlier operation";
-    const Holder out = output();
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
     EXPECT_EQ(m_transformer.getLastError(), reason);
     EXPECT_TRUE(Inspector::ownError(m_transformer).empty());
 }
 
 TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
     EXPECT_EQ(std::string(m_transformer.getLastError()).rfind("SAXParseException: ", 0), 0U)
         << m_transformer.getLastError();
@@ -206,14 +206,14 @@ TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
     EXPECT_EQ(serialized(*out), asSerialized("<b/>"));
 }
 
-TEST_P(InMemoryTransformTest, ADirectoryIsNoStylesheet) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+TEST_P(InMemoryTransformTest, ADirectoryIsRejectedAsStylesheet) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, m_folder.path(""), *out), -2);
     EXPECT_STRNE(m_transformer.getLastError(), "");
 }
 
-TEST_P(InMemoryTransformTest, ReportsFaultsOfTheStylesheet) {
+TEST_P(InMemoryTransformTest, ReportsErrorsOfTheStylesheet) {
     struct Fault {
         const char* content;
         int result;
@@ -231,8 +231,8 @@ TEST_P(InMemoryTransformTest, ReportsFaultsOfTheStylesheet) {
              Fault{"<xsl:call-template name='none'/>", -1, "XSLException"},
              Fault{"only text", -4, "XalanDOMException[3] occured.\n"},
          }) {
-        const Holder in = parsed("<a/>");
-        const Holder out = output();
+        const Dom2DomPtr in = parsed("<a/>");
+        const Dom2DomPtr out = output();
         EXPECT_EQ(transform(*in, sheet(fault.content), *out), fault.result) << fault.content;
         EXPECT_NE(std::string(m_transformer.getLastError()).find(fault.part), std::string::npos)
             << m_transformer.getLastError();
@@ -240,9 +240,9 @@ TEST_P(InMemoryTransformTest, ReportsFaultsOfTheStylesheet) {
     }
 }
 
-TEST_P(InMemoryTransformTest, ASecondResultFailsAndLeavesTheFirstIntact) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+TEST_P(InMemoryTransformTest, ASecondResultFailsAndLeavesTheFirstUnchanged) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(transform(*in, sheet("<second/>"), *out), -4);
@@ -251,9 +251,9 @@ TEST_P(InMemoryTransformTest, ASecondResultFailsAndLeavesTheFirstIntact) {
     }
 }
 
-TEST_P(InMemoryTransformTest, ASecondResultWithoutElementOrTextIsAdded) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+TEST_P(InMemoryTransformTest, ASecondResultWithoutElementsAndTextIsAdded) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
     EXPECT_EQ(transform(*in, sheet(""), *out), 0);
     EXPECT_EQ(transform(*in, sheet(" "), *out), 0);
@@ -271,9 +271,9 @@ TEST_P(InMemoryTransformTest, ASecondResultWithoutElementOrTextIsAdded) {
     EXPECT_EQ(serialized(*out), asSerialized("<first/>"));
 }
 
-TEST_P(InMemoryTransformTest, ResultsCanBeAddedToTheDocumentThatIsRead) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+TEST_P(InMemoryTransformTest, ADocumentCanBeSourceAndOutputOfATransform) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, sheet("<xsl:comment>c</xsl:comment>"), *out), 0);
     const std::string adding = m_folder.write(
         "adding.xsl", stylesheet("<xsl:template match='comment()'><xsl:comment>"
@@ -289,9 +289,9 @@ TEST_P(InMemoryTransformTest, ResultsCanBeAddedToTheDocumentThatIsRead) {
     EXPECT_EQ(serialized(*out), asSerialized("<b>8</b>"));
 }
 
-TEST_P(InMemoryTransformTest, AMissingStylesheetIsReportedWhateverTheHoldersHold) {
-    const Holder in = parsed("<a/>");
-    const Holder out = output();
+TEST_P(InMemoryTransformTest, AMissingStylesheetIsReportedFirst) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
     EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
     EXPECT_EQ(transform(*output(), m_folder.path("none.xsl"), *output()), -2);
@@ -300,9 +300,9 @@ TEST_P(InMemoryTransformTest, AMissingStylesheetIsReportedWhateverTheHoldersHold
         << m_transformer.getLastError();
 }
 
-TEST_P(InMemoryTransformTest, ReadsADocumentOfCommentsAndProcessingInstructions) {
-    const Holder in = parsed("<a/>");
-    const Holder bare = output();
+TEST_P(InMemoryTransformTest, TransformsADocumentOfCommentsAndProcessingInstructions) {
+    const Dom2DomPtr in = parsed("<a/>");
+    const Dom2DomPtr bare = output();
     EXPECT_EQ(transform(*in,
                         sheet("<xsl:comment>c</xsl:comment>"
                               "<xsl:processing-instruction name='p'>d</xsl:processing-instruction>"
@@ -347,7 +347,7 @@ TEST_P(InMemoryTransformTest, ReadsADocumentOfCommentsAndProcessingInstructions)
     EXPECT_EQ(value("string(/)"), "");
     EXPECT_EQ(value("lang('en')"), "false");
 
-    const Holder copy = output();
+    const Dom2DomPtr copy = output();
     EXPECT_EQ(transform(*bare, sheet("<xsl:copy-of select='/'/>"), *copy), 0);
     EXPECT_EQ(queried(*copy, "/"), "<!--c--><?p d?><!--e-->");
     EXPECT_EQ(transformed(*output(), sheet("<b><xsl:value-of select='count(//node())'/></b>")),
@@ -355,21 +355,21 @@ TEST_P(InMemoryTransformTest, ReadsADocumentOfCommentsAndProcessingInstructions)
 }
 
 TEST_P(InMemoryTransformTest, KeepsTheTextOfCdataSections) {
-    const Holder in = parsed("<a>k<![CDATA[<secret>]]>z</a>");
+    const Dom2DomPtr in = parsed("<a>k<![CDATA[<secret>]]>z</a>");
     const std::string copying = sheet("<b><xsl:copy-of select='a/node()'/></b>");
-    const Holder copy = output();
+    const Dom2DomPtr copy = output();
     EXPECT_EQ(transform(*in, copying, *copy), 0);
     EXPECT_EQ(queried(*copy, "string(/b)"), "k<secret>z");
 
     const std::string sections = m_folder.write(
         "cdata.xsl", stylesheet("<xsl:output cdata-section-elements='c'/><xsl:template match='/'>"
                                 "<r><c>text</c></r></xsl:template>"));
-    const Holder result = output();
+    const Dom2DomPtr result = output();
     EXPECT_EQ(transform(*in, sections, *result), 0);
     EXPECT_EQ(serialized(*result), asSerialized("<r><c>text</c></r>"));
 }
 
-TEST_P(InMemoryTransformTest, SortsAndFormatsForALanguageAsTheOtherRoadsDo) {
+TEST_P(InMemoryTransformTest, SortsAndFormatsForALanguageLikeTheOtherTransforms) {
     const std::string text = "<a><i>z</i><i>\xC3\xB6</i><i>o</i><i>O</i><i>\xC3\xA4</i></a>";
     for (const char* content :
          {"<xsl:for-each select='a/i'><xsl:sort lang='sv'/><xsl:value-of "
@@ -398,11 +398,11 @@ TEST_P(InMemoryTransformTest, SortsAndFormatsForALanguageAsTheOtherRoadsDo) {
     EXPECT_EQ(transformed(*parsed(text), m_folder.path("sort.xsl")), "<b>~1.234,50</b>");
 }
 
-TEST_P(InMemoryTransformTest, AnOutputSurvivesARunThatFailedHalfWay) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, AnOutputSurvivesATransformThatFailedMidway) {
+    const Dom2DomPtr in = parsed("<a/>");
     const std::string failing =
         sheet("<b><c><xsl:message terminate='yes'>enough</xsl:message></c></b>");
-    const Holder out = output();
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, failing, *out), -1);
     // What was begun stays in the holder, so that it takes no second result.
     EXPECT_EQ(transform(*in, failing, *out), -4);
@@ -414,35 +414,35 @@ TEST_P(InMemoryTransformTest, AnOutputSurvivesARunThatFailedHalfWay) {
     EXPECT_EQ(transformed(*in, sheet("<b/>")), "<b/>");
 }
 
-TEST_P(InMemoryTransformTest, AStreamOutputTakesSeveralResults) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, AStreamOutputReceivesSeveralResults) {
+    const Dom2DomPtr in = parsed("<a/>");
     std::ostringstream text;
-    const Holder out = output(text);
+    const Dom2DomPtr out = output(text);
     EXPECT_EQ(transform(*in, sheet("<first/>"), *out), 0);
     EXPECT_EQ(transform(*in, sheet("<second/>"), *out), 0);
     EXPECT_EQ(text.str(), "<first/><second/>");
 }
 
-TEST_P(InMemoryTransformTest, ReportsAStreamThatDoesNotTakeTheResult) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, ReportsAStreamThatCannotBeWritten) {
+    const Dom2DomPtr in = parsed("<a/>");
     std::ofstream full("/dev/full");
-    const Holder out = output(full);
+    const Dom2DomPtr out = output(full);
     EXPECT_EQ(transform(*in, sheet("<b>" + std::string(100'000, 'x') + "</b>"), *out), -1);
     EXPECT_NE(std::string(m_transformer.getLastError()).find("XalanStdOutputStreamWriteException"),
               std::string::npos);
 }
 
-TEST_P(InMemoryTransformTest, NoHolderInAnyStateMakesItCrash) {
+TEST_P(InMemoryTransformTest, NoStateOfADocumentCausesACrash) {
     std::ostringstream stream;
     const auto holders = [&] {
-        std::vector<Holder> all;
+        std::vector<Dom2DomPtr> all;
         all.push_back(m_transformer.createDom2Dom()); // never initialised
         all.push_back(parsed("<a>x</a>"));
         all.push_back(m_transformer.createDom2Dom());
         all.back()->InitializeInputSource("<a>"); // failed
         all.push_back(output());                  // no result yet
         all.push_back(output());
-        const Holder in = parsed("<r/>");
+        const Dom2DomPtr in = parsed("<r/>");
         EXPECT_EQ(transform(*in, sheet("<b>y</b>"), *all.back()), 0);
         all.push_back(output(stream));
         return all;
@@ -467,18 +467,18 @@ TEST_P(InMemoryTransformTest, NoHolderInAnyStateMakesItCrash) {
     EXPECT_EQ(transformed(*parsed("<a/>"), sheet("<b/>")), "<b/>");
 }
 
-TEST_P(InMemoryTransformTest, TellsWhatIsMissing) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, ReportsAMissingDocumentOrMode) {
+    const Dom2DomPtr in = parsed("<a/>");
     EXPECT_EQ(transform(*in, sheet("<b/>"), *m_transformer.createDom2Dom()), -1);
     EXPECT_NE(std::string(m_transformer.getLastError()).find("result target"), std::string::npos)
         << m_transformer.getLastError();
-    const Holder out = output();
+    const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*m_transformer.createDom2Dom(), sheet("<b/>"), *out), -2);
     EXPECT_STRNE(m_transformer.getLastError(), "");
 }
 
-TEST_P(InMemoryTransformTest, ClearsAnEarlierReportAndTheFileRoadDoesTooButNotTheStreamRoad) {
-    const Holder in = parsed("<a/>");
+TEST_P(InMemoryTransformTest, AStreamTransformDoesNotClearAnEarlierReportButTheOthersDo) {
+    const Dom2DomPtr in = parsed("<a/>");
     const std::string good = sheet("<b/>");
     const std::string source = m_folder.write("a.xml", "<a/>");
     const auto fail = [&] {
@@ -505,7 +505,7 @@ TEST_P(InMemoryTransformTest, ClearsAnEarlierReportAndTheFileRoadDoesTooButNotTh
     EXPECT_EQ(m_transformer.getLastError(), report);
 }
 
-TEST_P(InMemoryTransformTest, RunsInTwoThreadsWithATransformerEach) {
+TEST_P(InMemoryTransformTest, RunsInTwoThreadsWithOneTransformerEach) {
     const std::string file = sheet("<b><xsl:value-of select='count(//i)'/></b>");
     const auto work = [&file](int items) {
         VEXAXslTransformer transformer;
@@ -515,8 +515,8 @@ TEST_P(InMemoryTransformTest, RunsInTwoThreadsWithATransformerEach) {
         }
         text += "</a>";
         for (int i = 0; i < 50; ++i) {
-            const Holder in = transformer.createDom2Dom();
-            const Holder out = transformer.createDom2Dom();
+            const Dom2DomPtr in = transformer.createDom2Dom();
+            const Dom2DomPtr out = transformer.createDom2Dom();
             ASSERT_TRUE(in->InitializeInputSource(text.c_str()));
             ASSERT_TRUE(out->InitializeOutputTarget());
             ASSERT_EQ(transformer.doTransform(*in, file.c_str(), *out), 0);
@@ -530,4 +530,4 @@ TEST_P(InMemoryTransformTest, RunsInTwoThreadsWithATransformerEach) {
     two.join();
 }
 
-OVER_BOTH_TREES(InMemoryTransformTest);
+INSTANTIATE_FOR_BOTH_TREES(InMemoryTransformTest);

@@ -1,7 +1,7 @@
 /**
  * @file
- * What is in memory goes when its holders go. Blocks are counted, in a memory manager of the
- * host's.
+ * In-memory operations leak nothing; file and stream transforms keep their sources. A memory
+ * manager of the host counts the blocks.
  */
 #include "support/CountingMemoryManager.h"
 #include "support/TestFiles.h"
@@ -44,7 +44,7 @@ std::string manyElements() {
     return text;
 }
 
-/** A transform, a query, a serialisation, and each of them failing. */
+/** A transform, a query and a serialization, and a failed parse, transform and query. */
 void runOnce(VEXAXslTransformer& transformer, const std::string& good, const std::string& bad) {
     auto in = transformer.createDom2Dom();
     auto out = transformer.createDom2Dom();
@@ -65,7 +65,7 @@ void runOnce(VEXAXslTransformer& transformer, const std::string& good, const std
 
 } // namespace
 
-TEST_F(MemoryGrowthTest, SourcesOfFilesAndStreamsAreKeptAsLongAsTheTransformer) {
+TEST_F(MemoryGrowthTest, TheTransformerKeepsTheSourcesOfFileAndStreamTransforms) {
     const std::string sheet = m_folder.write("sheet.xsl", stylesheetWithRootTemplate("<b/>"));
     const std::string source = m_folder.write("source.xml", "<a>" + manyElements() + "</a>");
     const auto transformFile = [&](VEXAXslTransformer& transformer) {
@@ -81,7 +81,7 @@ TEST_F(MemoryGrowthTest, SourcesOfFilesAndStreamsAreKeptAsLongAsTheTransformer) 
         EXPECT_EQ(transform(transformer), 0);
         const std::size_t blocks = m_memory.blocks();
         EXPECT_EQ(transform(transformer), 0);
-        EXPECT_GT(m_memory.blocks(), blocks + 100); // of some thirty elements each
+        EXPECT_GT(m_memory.blocks(), blocks + 100); // each has about thirty elements
     };
     const std::size_t before = m_memory.blocks();
     expectGrowth(transformFile);
@@ -89,7 +89,7 @@ TEST_F(MemoryGrowthTest, SourcesOfFilesAndStreamsAreKeptAsLongAsTheTransformer) 
     EXPECT_EQ(m_memory.blocks(), before);
 }
 
-TEST_F(MemoryGrowthTest, ThousandsOfOperationsInMemoryLeaveNothingBehind) {
+TEST_F(MemoryGrowthTest, ThousandsOfInMemoryOperationsLeakNothing) {
     const std::string good = m_folder.write(
         "good.xsl",
         stylesheetWithRootTemplate("<b><xsl:value-of select='vexa:B(count(//i))'/></b>"));

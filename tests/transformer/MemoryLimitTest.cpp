@@ -1,6 +1,6 @@
 /**
  * @file
- * Operations that would take all memory, in a process that may not.
+ * An operation that runs out of memory, in a process with a memory limit.
  */
 #include "support/EngineTest.h"
 #include "support/MemoryChecker.h"
@@ -25,10 +25,10 @@ void limitMemory() {
 }
 
 /**
- * Where a small block is the one that is refused, there is nothing left that the engine could clean
- * up with, and it ends the process. A host that keeps a reserve for that gets its report.
+ * The engine needs memory to clean up, and terminates the process if there is none left. A host
+ * that keeps a reserve gets the report.
  */
-void keepReserveForCleaningUp() {
+void keepMemoryReserve() {
     static std::unique_ptr<char[]> reserve = std::make_unique<char[]>(16u * 1024 * 1024);
     std::set_new_handler([] {
         reserve.reset();
@@ -37,10 +37,10 @@ void keepReserveForCleaningUp() {
     });
 }
 
-/** @return 0 if an endless recursion is reported as -5 and the facade then serves a good input */
-int recurseThenRun(const char* endless, const char* good) {
+/** @return 0 if an endless recursion is reported as -5 and the next transform succeeds */
+int recurseThenTransform(const char* endless, const char* good) {
     limitMemory();
-    keepReserveForCleaningUp();
+    keepMemoryReserve();
     VEXAXslTransformer transformer;
     auto in = transformer.createDom2Dom();
     auto out = transformer.createDom2Dom();
@@ -60,9 +60,9 @@ int recurseThenRun(const char* endless, const char* good) {
 
 using MemoryLimitTest = EngineTest;
 
-TEST_F(MemoryLimitTest, AnEndlessRecursionIsReportedAndTheFacadeWorksOn) {
+TEST_F(MemoryLimitTest, AnEndlessRecursionIsReportedAndTheTransformerStaysUsable) {
     if (isUnderAMemoryChecker()) {
-        GTEST_SKIP() << "a memory checker needs memory without a limit";
+        GTEST_SKIP() << "a memory checker does not work with a memory limit";
     }
     const TemporaryFolder folder;
     const std::string endless = folder.write(
@@ -71,6 +71,6 @@ TEST_F(MemoryLimitTest, AnEndlessRecursionIsReportedAndTheFacadeWorksOn) {
     const std::string good =
         folder.write("good.xsl", stylesheetWithRootTemplate("<b><xsl:value-of select='a'/></b>"));
     ::testing::FLAGS_gtest_death_test_style = "fast";
-    EXPECT_EXIT(std::_Exit(recurseThenRun(endless.c_str(), good.c_str())),
+    EXPECT_EXIT(std::_Exit(recurseThenTransform(endless.c_str(), good.c_str())),
                 ::testing::ExitedWithCode(0), "");
 }

@@ -1,7 +1,6 @@
 /**
  * @file
- * Whatever goes through the facade and whatever goes through the bare engine is the same, byte for
- * byte.
+ * File and stream transforms give the same bytes as the engine alone.
  */
 #include "support/BareEngine.h"
 #include "support/TestDocuments.h"
@@ -9,16 +8,16 @@
 
 class SideBySideTest : public TransformTest, public ::testing::WithParamInterface<TestDocument> {};
 
-TEST_P(SideBySideTest, FileRoadStreamRoadAndBareEngineAgree) {
+TEST_P(SideBySideTest, FileAndStreamTransformsGiveTheResultOfTheEngine) {
     const auto& [name, source, sheet] = GetParam();
     const std::string expected = bareEngineTransform(source, sheet);
     ASSERT_GT(expected.size(), 1000U);
 
-    const auto files = onFileRoad(source, sheet);
+    const auto files = transformFile(source, sheet);
     EXPECT_EQ(files.result, 0) << files.error;
     EXPECT_TRUE(sameBytes(files.output, expected));
 
-    const auto streams = onStreamRoad(readFile(source), sheet);
+    const auto streams = transformStream(readFile(source), sheet);
     EXPECT_EQ(streams.result, 0) << streams.error;
     EXPECT_TRUE(sameBytes(streams.output, withNul(expected)));
 }
@@ -26,7 +25,7 @@ TEST_P(SideBySideTest, FileRoadStreamRoadAndBareEngineAgree) {
 TEST_P(SideBySideTest, AXercesDomGivesTheSameBytes) {
     const auto& [name, source, sheet] = GetParam();
     VEXAXslTransformer::m_bUseXercesDOM = true;
-    const auto files = onFileRoad(source, sheet);
+    const auto files = transformFile(source, sheet);
     VEXAXslTransformer::m_bUseXercesDOM = false;
     EXPECT_EQ(files.result, 0) << files.error;
     EXPECT_TRUE(sameBytes(files.output, bareEngineTransform(source, sheet)));
@@ -35,12 +34,12 @@ TEST_P(SideBySideTest, AXercesDomGivesTheSameBytes) {
 INSTANTIATE_TEST_SUITE_P(, SideBySideTest, ::testing::ValuesIn(testDocuments()),
                          [](const auto& test) { return test.param.name; });
 
-TEST_F(TransformTest, ParametersReachTheStylesheetAsInTheBareEngine) {
+TEST_F(TransformTest, ParametersReachTheStylesheetAsInTheEngineAlone) {
     const std::string source = projectFile("samples/orders-small.xml");
     const std::string sheet = projectFile("samples/report.xsl");
     m_transformer.setStylesheetParam("title",
                                      "\xCE\xA4\xCE\xAF\xCF\x84\xCE\xBB\xCE\xBF\xCF\x82 <&>");
-    const auto files = onFileRoad(source, sheet);
+    const auto files = transformFile(source, sheet);
     EXPECT_TRUE(sameBytes(
         files.output,
         bareEngineTransform(source, sheet,
@@ -49,9 +48,9 @@ TEST_F(TransformTest, ParametersReachTheStylesheetAsInTheBareEngine) {
               std::string::npos);
 }
 
-/** The handbook's own structure, checked without any engine. */
-TEST_F(TransformTest, DocBookSectionsAndCrossReferencesArriveInTheHtml) {
-    const auto outcome = onFileRoad(projectFile("tests/data/handbook.xml"), DOCBOOK_XSL);
+/** Expected parts of the page, independent of any engine. */
+TEST_F(TransformTest, DocBookSectionsAndCrossReferencesAreInTheHtml) {
+    const auto outcome = transformFile(projectFile("tests/data/handbook.xml"), DOCBOOK_XSL);
     ASSERT_EQ(outcome.result, 0) << outcome.error;
     for (const char* part : {
              "<title>The Keeper's Handbook</title>", "<a href=\"#lamp\">The lamp</a>",
@@ -60,9 +59,9 @@ TEST_F(TransformTest, DocBookSectionsAndCrossReferencesArriveInTheHtml) {
              "href=\"#fog\" title=\"Fog\">the section called &ldquo;Fog&rdquo;</a>",
              "<pre class=\"programlisting\">04:12  brig, N C, bearing 210\n04:15  light and gun\n",
              "spirit &amp; patience. Never water &lt; 5 &deg;C.",
-             "&#934;&#940;&#961;&#959;&#962;", // Greek, which the page's Latin-1 lacks
+             "&#934;&#940;&#961;&#959;&#962;", // Greek: not in the page's encoding, Latin-1
              "&#28783;&#21488;",               // CJK
-             "&#127754;",                      // beyond the basic plane
+             "&#127754;",                      // outside the Basic Multilingual Plane
          }) {
         EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
     }

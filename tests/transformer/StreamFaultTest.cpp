@@ -1,6 +1,6 @@
 /**
  * @file
- * Streams and files that fail after n bytes, for every n of a small document.
+ * Streams and files that fail after n bytes, for every n up to the size of a small document.
  */
 #include "support/FailingStreams.h"
 
@@ -23,29 +23,29 @@ const std::string RESULT = "<b>x</b>";
 
 class StreamFaultTest : public TransformTest, public ::testing::WithParamInterface<StreamFailure> {
 protected:
-    void expectItStillWorks(std::size_t n) {
-        const auto good = onStreamRoad(SOURCE, m_sheet);
-        EXPECT_EQ(good.result, 0) << n << ": " << good.error;
-        EXPECT_EQ(good.output, withNul(RESULT)) << n;
+    void expectTransformerIsUsable(std::size_t n) {
+        const auto next = transformStream(SOURCE, m_sheet);
+        EXPECT_EQ(next.result, 0) << n << ": " << next.error;
+        EXPECT_EQ(next.output, withNul(RESULT)) << n;
     }
 
     /**
-     * Runs an operation over outputs that take 0, 1, 2 ... bytes, up to one that takes all.
+     * Runs an operation with outputs that accept 0, 1, 2 ... bytes, up to the complete output.
      *
-     * @param whole     all that it writes
-     * @param told      a failure within so many bytes is told by the result, too, and not only by
-     *                  the stream's state
-     * @param operation gives its result
+     * @param whole     the complete output
+     * @param reported  a failure within this number of bytes is reported by the result code; after
+     *                  it, only by the state of the stream
+     * @param operation returns its result code
      */
-    void expectFailuresOfOutput(const std::string& whole, std::size_t told,
+    void expectFailuresOfOutput(const std::string& whole, std::size_t reported,
                                 const std::function<int(std::ostream&)>& operation) {
         for (std::size_t n = 0; n <= whole.size(); ++n) {
             FailingOutputBuffer buffer(n, GetParam());
             std::ostream output(&buffer);
-            EXPECT_EQ(operation(output), n < told ? -1 : 0) << n;
+            EXPECT_EQ(operation(output), n < reported ? -1 : 0) << n;
             EXPECT_EQ(buffer.text(), whole.substr(0, n));
             EXPECT_EQ(output.good(), n == whole.size()) << n;
-            expectItStillWorks(n);
+            expectTransformerIsUsable(n);
         }
     }
 
@@ -54,7 +54,7 @@ protected:
 
 } // namespace
 
-TEST_P(StreamFaultTest, ASourceThatBreaksOffIsReported) {
+TEST_P(StreamFaultTest, ASourceThatFailsIsReported) {
     for (std::size_t n = 0; n < SOURCE.size(); ++n) {
         FailingInputBuffer buffer(SOURCE, n, GetParam());
         std::istream source(&buffer);
@@ -62,42 +62,42 @@ TEST_P(StreamFaultTest, ASourceThatBreaksOffIsReported) {
         EXPECT_EQ(m_transformer.doTransform(source, m_sheet.c_str(), output), -2) << n;
         EXPECT_STRNE(m_transformer.getLastError(), "") << n;
         EXPECT_EQ(output.str(), "") << n;
-        expectItStillWorks(n);
+        expectTransformerIsUsable(n);
     }
 }
 
-TEST_P(StreamFaultTest, AHolderWhoseSourceBreaksOffHasNoDocument) {
+TEST_P(StreamFaultTest, AFailedSourceGivesNoDocument) {
     for (std::size_t n = 0; n < SOURCE.size(); ++n) {
         FailingInputBuffer buffer(SOURCE, n, GetParam());
         std::istream source(&buffer);
-        const auto holder = m_transformer.createDom2Dom();
-        EXPECT_FALSE(holder->InitializeInputSource(source, "broken.xml")) << n;
-        EXPECT_STRNE(holder->getLastError(), "") << n;
-        EXPECT_EQ(holder->GetDocument(), nullptr) << n;
-        expectItStillWorks(n);
+        const auto document = m_transformer.createDom2Dom();
+        EXPECT_FALSE(document->InitializeInputSource(source, "broken.xml")) << n;
+        EXPECT_STRNE(document->getLastError(), "") << n;
+        EXPECT_EQ(document->GetDocument(), nullptr) << n;
+        expectTransformerIsUsable(n);
     }
 }
 
-TEST_P(StreamFaultTest, AStreamToldToThrowPassesItsExceptionAndTheHolderCanTryAgain) {
+TEST_P(StreamFaultTest, AStreamThatThrowsPassesItsExceptionAndTheModeIsNotSet) {
     for (std::size_t n = 0; n < SOURCE.size(); ++n) {
         FailingInputBuffer buffer(SOURCE, n, GetParam());
         std::istream source(&buffer);
         source.exceptions(std::ios::badbit | std::ios::failbit | std::ios::eofbit);
-        const auto holder = m_transformer.createDom2Dom();
-        EXPECT_ANY_THROW(holder->InitializeInputSource(source, "broken.xml")) << n;
-        EXPECT_TRUE(holder->InitializeInputSource(SOURCE.c_str())) << n;
-        expectItStillWorks(n);
+        const auto document = m_transformer.createDom2Dom();
+        EXPECT_ANY_THROW(document->InitializeInputSource(source, "broken.xml")) << n;
+        EXPECT_TRUE(document->InitializeInputSource(SOURCE.c_str())) << n;
+        expectTransformerIsUsable(n);
     }
 }
 
-TEST_P(StreamFaultTest, AnOutputThatBreaksOffHasWhatItTook) {
+TEST_P(StreamFaultTest, AFailedOutputHasTheBytesBeforeTheFailure) {
     expectFailuresOfOutput(withNul(RESULT), RESULT.size(), [this](std::ostream& output) {
         std::istringstream source(SOURCE);
         return m_transformer.doTransform(source, m_sheet.c_str(), output);
     });
 }
 
-TEST_P(StreamFaultTest, AStreamHolderThatBreaksOffHasWhatItTook) {
+TEST_P(StreamFaultTest, AFailedStreamOutputHasTheBytesBeforeTheFailure) {
     expectFailuresOfOutput(RESULT, RESULT.size(), [this](std::ostream& output) {
         const auto in = m_transformer.createDom2Dom();
         const auto out = m_transformer.createDom2Dom();
@@ -107,7 +107,7 @@ TEST_P(StreamFaultTest, AStreamHolderThatBreaksOffHasWhatItTook) {
     });
 }
 
-TEST_P(StreamFaultTest, ASerialisationThatBreaksOffHasWhatWasTaken) {
+TEST_P(StreamFaultTest, AFailedSerializationHasTheBytesBeforeTheFailure) {
     const auto in = m_transformer.createDom2Dom();
     const auto out = m_transformer.createDom2Dom();
     in->InitializeInputSource(SOURCE.c_str());
@@ -118,7 +118,7 @@ TEST_P(StreamFaultTest, ASerialisationThatBreaksOffHasWhatWasTaken) {
                            [&](std::ostream& output) { return out->Serialize(output); });
 }
 
-TEST_P(StreamFaultTest, AQueryThatBreaksOffHasWhatWasTaken) {
+TEST_P(StreamFaultTest, AFailedQueryHasTheBytesBeforeTheFailure) {
     const auto in = m_transformer.createDom2Dom();
     in->InitializeInputSource(SOURCE.c_str());
     const auto query = [&](const char* expression) {
@@ -134,7 +134,7 @@ TEST_P(StreamFaultTest, AQueryThatBreaksOffHasWhatWasTaken) {
 INSTANTIATE_TEST_SUITE_P(, StreamFaultTest,
                          ::testing::Values(StreamFailure::End, StreamFailure::Exception),
                          [](const auto& test) {
-                             return test.param == StreamFailure::End ? "ByItsState" : "ByThrowing";
+                             return test.param == StreamFailure::End ? "ByState" : "ByException";
                          });
 
 using FileFaultTest = TransformTest;
@@ -143,12 +143,12 @@ TEST_F(FileFaultTest, AFullDeviceIsReported) {
     const std::string sheet = sheetWithRootTemplate("<b/>");
     EXPECT_EQ(m_transformer.doTransform(source().c_str(), sheet.c_str(), "/dev/full"), -1);
     EXPECT_STRNE(m_transformer.getLastError(), "");
-    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+    EXPECT_EQ(transformFile(source(), sheet).output, "<b/>");
 }
 
 namespace {
 
-/** Writes the beginning of a text into a pipe, and closes it. */
+/** Writes a text into a pipe, and closes the pipe. */
 void writeInto(const std::string& pipe, const std::string& text) {
     const int file = open(pipe.c_str(), O_WRONLY);
     EXPECT_EQ(write(file, text.data(), text.size()), static_cast<ssize_t>(text.size()));
@@ -157,14 +157,14 @@ void writeInto(const std::string& pipe, const std::string& text) {
 
 } // namespace
 
-TEST_F(FileFaultTest, APipeThatIsClosedEarlyIsASourceThatBreaksOff) {
+TEST_F(FileFaultTest, APipeThatIsClosedEarlyIsReported) {
     const std::string sheet = sheetWithRootTemplate("<b/>");
     const std::string pipe = m_folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     for (std::size_t n = 0; n < SOURCE.size(); ++n) {
         std::thread writer(writeInto, pipe, SOURCE.substr(0, n));
-        EXPECT_EQ(onFileRoad(pipe, sheet).result, -2) << n;
+        EXPECT_EQ(transformFile(pipe, sheet).result, -2) << n;
         writer.join();
     }
-    EXPECT_EQ(onFileRoad(source(), sheet).output, "<b/>");
+    EXPECT_EQ(transformFile(source(), sheet).output, "<b/>");
 }

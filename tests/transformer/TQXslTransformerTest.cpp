@@ -17,28 +17,28 @@
 
 namespace {
 
-bool xercesIsRunning() {
+bool isXercesInitialized() {
     return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
 }
 
-bool xalanIsRunning() {
+bool isXalanInitialized() {
     return !xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL().empty();
 }
 
-bool enginesAreRunning() {
-    EXPECT_TRUE(!xercesIsRunning() || xalanIsRunning());
-    return xercesIsRunning();
+bool areEnginesInitialized() {
+    EXPECT_TRUE(!isXercesInitialized() || isXalanInitialized());
+    return isXercesInitialized();
 }
 
-int start(const char* ignored = nullptr) {
+int initialize(const char* ignored = nullptr) {
     return TQXslTransformer_Initialize(ignored);
 }
 
-int stop(const char* ignored = nullptr) {
+int terminate(const char* ignored = nullptr) {
     return TQXslTransformer_Terminate(ignored);
 }
 
-/** A whole small life: a transformer that transforms. */
+/** Creates a transformer and runs a transform. */
 void useOnce() {
     const TemporaryFolder folder;
     const std::string source = folder.write("a.xml", "<a>x</a>");
@@ -52,111 +52,111 @@ void useOnce() {
 
 } // namespace
 
-TEST(TQXslTransformer, TwoStartsNeedTwoStops) {
-    EXPECT_FALSE(enginesAreRunning());
-    EXPECT_EQ(start(), 0);
-    EXPECT_TRUE(enginesAreRunning());
-    EXPECT_EQ(start(), 0);
-    EXPECT_EQ(stop(), 0);
-    EXPECT_TRUE(enginesAreRunning());
+TEST(TQXslTransformer, TwoInitializationsNeedTwoTerminations) {
+    EXPECT_FALSE(areEnginesInitialized());
+    EXPECT_EQ(initialize(), 0);
+    EXPECT_TRUE(areEnginesInitialized());
+    EXPECT_EQ(initialize(), 0);
+    EXPECT_EQ(terminate(), 0);
+    EXPECT_TRUE(areEnginesInitialized());
     useOnce();
-    EXPECT_EQ(stop(), 0);
-    EXPECT_FALSE(enginesAreRunning());
+    EXPECT_EQ(terminate(), 0);
+    EXPECT_FALSE(areEnginesInitialized());
 }
 
-TEST(TQXslTransformer, AStopWithoutAStartIsCountedAndTakesAwayTheNextStart) {
-    EXPECT_EQ(stop(), 0);
-    EXPECT_FALSE(enginesAreRunning());
-    EXPECT_EQ(start(), 0);
-    EXPECT_FALSE(enginesAreRunning());
+TEST(TQXslTransformer, ATerminationWithoutInitializationIsCounted) {
+    EXPECT_EQ(terminate(), 0);
+    EXPECT_FALSE(areEnginesInitialized());
+    EXPECT_EQ(initialize(), 0);
+    EXPECT_FALSE(areEnginesInitialized());
 
-    EXPECT_EQ(start(), 0);
-    EXPECT_TRUE(enginesAreRunning());
-    EXPECT_EQ(stop(), 0);
-    EXPECT_FALSE(enginesAreRunning());
+    EXPECT_EQ(initialize(), 0);
+    EXPECT_TRUE(areEnginesInitialized());
+    EXPECT_EQ(terminate(), 0);
+    EXPECT_FALSE(areEnginesInitialized());
 }
 
-TEST(TQXslTransformer, ManyStopsWithoutAStartTakeAwayAsManyStarts) {
+TEST(TQXslTransformer, ManyTerminationsWithoutInitializationAreCounted) {
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(stop(), 0);
+        EXPECT_EQ(terminate(), 0);
     }
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(start(), 0);
-        EXPECT_FALSE(enginesAreRunning());
+        EXPECT_EQ(initialize(), 0);
+        EXPECT_FALSE(areEnginesInitialized());
     }
-    start();
-    EXPECT_TRUE(enginesAreRunning());
-    stop();
+    initialize();
+    EXPECT_TRUE(areEnginesInitialized());
+    terminate();
 }
 
-TEST(TQXslTransformer, TakesNoNoticeOfItsArgument) {
+TEST(TQXslTransformer, IgnoresItsArgument) {
     for (const char* argument : {static_cast<const char*>(nullptr), "", "any text", "\xFF\xFE"}) {
-        EXPECT_EQ(start(argument), 0);
-        EXPECT_TRUE(enginesAreRunning());
-        EXPECT_EQ(stop(argument), 0);
-        EXPECT_FALSE(enginesAreRunning());
+        EXPECT_EQ(initialize(argument), 0);
+        EXPECT_TRUE(areEnginesInitialized());
+        EXPECT_EQ(terminate(argument), 0);
+        EXPECT_FALSE(areEnginesInitialized());
     }
 }
 
-TEST(TQXslTransformer, MayBeStartedUsedAndStoppedAgainAndAgain) {
+TEST(TQXslTransformer, CanBeInitializedAndTerminatedRepeatedly) {
     for (int i = 0; i < 5; ++i) {
-        start();
+        initialize();
         useOnce();
-        stop();
-        EXPECT_FALSE(enginesAreRunning());
+        terminate();
+        EXPECT_FALSE(areEnginesInitialized());
     }
 }
 
-TEST(TQXslTransformer, AThreadThatStartsFindsTheEnginesFullyUp) {
+TEST(TQXslTransformer, AThreadReturnsWithInitializedEngines) {
     for (int round = 0; round < 20; ++round) {
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([] {
-                start();
-                EXPECT_TRUE(xalanIsRunning());
-                stop();
+                initialize();
+                EXPECT_TRUE(isXalanInitialized());
+                terminate();
             });
         }
         for (std::thread& thread : threads) {
             thread.join();
         }
-        EXPECT_FALSE(enginesAreRunning());
+        EXPECT_FALSE(areEnginesInitialized());
     }
 }
 
-TEST(TQXslTransformer, LeavesAHostsOwnXercesAndItsMemoryManagerAlone) {
+TEST(TQXslTransformer, KeepsTheHostsXercesAndItsMemoryManager) {
     CountingMemoryManager memory;
     xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &memory);
     const auto before = memory.blocks();
-    start();
+    initialize();
     useOnce();
     EXPECT_GT(memory.allocations(), before);
-    stop();
-    EXPECT_TRUE(xercesIsRunning());
+    terminate();
+    EXPECT_TRUE(isXercesInitialized());
     EXPECT_EQ(memory.blocks(), before);
     xercesc::XMLPlatformUtils::Terminate();
     EXPECT_EQ(memory.blocks(), 0U);
-    EXPECT_FALSE(enginesAreRunning());
+    EXPECT_FALSE(areEnginesInitialized());
 }
 
-TEST(TQXslTransformer, AStartThatThrowsDoesNotCountAndIsTriedAgain) {
+TEST(TQXslTransformer, AnInitializationThatThrowsDoesNotCountAndCanBeRepeated) {
     CountingMemoryManager memory;
     xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &memory);
-    memory.refuseAfter(0);
-    EXPECT_THROW(start(), xercesc::OutOfMemoryException);
-    memory.refuseNoMore();
+    memory.failAfter(0);
+    EXPECT_THROW(initialize(), xercesc::OutOfMemoryException);
+    memory.stopFailing();
 
-    // On another thread: the lock of the failed start is free again.
-    std::thread([] { EXPECT_EQ(start(), 0); }).join();
-    EXPECT_TRUE(xalanIsRunning());
+    // In another thread: the failed initialization has released the lock.
+    std::thread([] { EXPECT_EQ(initialize(), 0); }).join();
+    EXPECT_TRUE(isXalanInitialized());
     useOnce();
-    EXPECT_EQ(stop(), 0);
+    EXPECT_EQ(terminate(), 0);
     xercesc::XMLPlatformUtils::Terminate();
-    EXPECT_FALSE(enginesAreRunning());
+    EXPECT_FALSE(areEnginesInitialized());
     EXPECT_EQ(memory.blocks(), 0U);
 }
 
-TEST(TQXslTransformer, IsFoundByItsPlainNames) {
+TEST(TQXslTransformer, ExportsPlainNames) {
     EXPECT_EQ(dlsym(RTLD_DEFAULT, "TQXslTransformer_Initialize"),
               reinterpret_cast<void*>(&TQXslTransformer_Initialize));
     EXPECT_EQ(dlsym(RTLD_DEFAULT, "TQXslTransformer_Terminate"),

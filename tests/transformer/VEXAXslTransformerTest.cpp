@@ -11,7 +11,7 @@ using Inspector = VEXAXslTransformerInspector;
 
 class VEXAXslTransformerTest : public EngineTest {
 protected:
-    /** What a stylesheet's root template gives on the stream road, without the NUL. */
+    /** The result of a root template in a stream transform, without the NUL. */
     std::string run(const std::string& content, const std::string& topLevel = "") {
         const std::string sheet = m_folder.write(
             "run.xsl", stylesheet("<xsl:output method='text'/>" + topLevel +
@@ -28,25 +28,25 @@ protected:
     VEXAXslTransformer m_transformer;
 };
 
-TEST_F(VEXAXslTransformerTest, AFreshObjectHasNoParametersAndNoErrorText) {
+TEST_F(VEXAXslTransformerTest, ANewObjectHasNoParametersAndNoErrorMessage) {
     EXPECT_TRUE(Inspector::params(m_transformer).empty());
     EXPECT_TRUE(Inspector::ownError(m_transformer).empty());
 }
 
-TEST_F(VEXAXslTransformerTest, AFreshObjectGivesTheEnginesEmptyMessage) {
+TEST_F(VEXAXslTransformerTest, ANewObjectReturnsTheEmptyMessageOfTheEngine) {
     ASSERT_NE(m_transformer.getLastError(), nullptr);
     EXPECT_STREQ(m_transformer.getLastError(), "");
     EXPECT_EQ(m_transformer.getLastError(), Inspector::engine(m_transformer).getLastError());
 }
 
-TEST_F(VEXAXslTransformerTest, ItsOwnErrorTextGoesBeforeTheEngines) {
+TEST_F(VEXAXslTransformerTest, ItsOwnErrorMessageHasPrecedenceOverTheEngines) {
     Inspector::ownError(m_transformer) = "own \xCE\xB1";
     EXPECT_STREQ(m_transformer.getLastError(), "own \xCE\xB1");
     Inspector::ownError(m_transformer) = "";
     EXPECT_STREQ(m_transformer.getLastError(), "");
 }
 
-TEST_F(VEXAXslTransformerTest, AParameterIsKeptBetweenApostrophes) {
+TEST_F(VEXAXslTransformerTest, AParameterIsStoredBetweenApostrophes) {
     m_transformer.setStylesheetParam("title", "Hello");
     m_transformer.setStylesheetParam("empty", "");
     m_transformer.setStylesheetParam("odd", "it's");
@@ -57,7 +57,7 @@ TEST_F(VEXAXslTransformerTest, AParameterIsKeptBetweenApostrophes) {
     EXPECT_EQ(params.size(), 3U);
 }
 
-TEST_F(VEXAXslTransformerTest, AParameterReachesTheEngineAtOnce) {
+TEST_F(VEXAXslTransformerTest, AParameterIsSetInTheEngineImmediately) {
     const std::string source = m_folder.write("a.xml", "<a/>");
     const std::string sheet = m_folder.write(
         "p.xsl", stylesheet("<xsl:output method='text'/><xsl:param name='p'/>"
@@ -76,7 +76,7 @@ TEST_F(VEXAXslTransformerTest, AParameterSetTwiceHasItsSecondValue) {
     EXPECT_EQ(run("<xsl:value-of select='$p'/>", "<xsl:param name='p'/>"), "second");
 }
 
-TEST_F(VEXAXslTransformerTest, AParameterIsAStringToTheStylesheet) {
+TEST_F(VEXAXslTransformerTest, AParameterIsAStringInTheStylesheet) {
     m_transformer.setStylesheetParam("p", "1 + 1");
     m_transformer.setStylesheetParam("greek", "\xCE\xB1\xCE\xB2 \xF0\x9F\x98\x80");
     m_transformer.setStylesheetParam("empty", "");
@@ -98,7 +98,7 @@ TEST_F(VEXAXslTransformerTest, AnInstalledFunctionIsCloned) {
     EXPECT_EQ(run("<xsl:value-of select='vexa:Mine()'/>"), "text");
 }
 
-TEST_F(VEXAXslTransformerTest, AFunctionInstalledTwiceLeavesTheFirstCloneAllocated) {
+TEST_F(VEXAXslTransformerTest, AReplacedFunctionIsNotFreed) {
     const auto before = Inspector::functions(m_transformer).size();
     const int alive = ConstantFunction::s_alive;
     m_transformer.installExternalFunction("Mine", ConstantFunction("first"));
@@ -110,7 +110,7 @@ TEST_F(VEXAXslTransformerTest, AFunctionInstalledTwiceLeavesTheFirstCloneAllocat
     EXPECT_EQ(run("<xsl:value-of select='vexa:Mine()'/>"), "second");
 }
 
-TEST_F(VEXAXslTransformerTest, ADestroyedObjectLeavesItsClonesAllocatedButNotTheEngines) {
+TEST_F(VEXAXslTransformerTest, ADestroyedObjectFreesTheEnginesClonesButNotItsOwn) {
     const int before = ConstantFunction::s_alive;
     {
         VEXAXslTransformer transformer;
@@ -146,6 +146,6 @@ TEST_F(VEXAXslTransformerTest, TheExtensionNamespaceIsAnHttpUriThatEndsInWol) {
     EXPECT_EQ(uri.substr(uri.size() - 4), "/wol");
 }
 
-TEST_F(VEXAXslTransformerTest, UsesTheEnginesOwnTreeUnlessToldOtherwise) {
+TEST_F(VEXAXslTransformerTest, UsesTheXalanSourceTreeByDefault) {
     EXPECT_FALSE(VEXAXslTransformer::m_bUseXercesDOM);
 }

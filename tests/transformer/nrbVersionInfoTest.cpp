@@ -26,14 +26,14 @@ TEST(nrbVersionInfo, HasNineWhatStrings) {
     }
 }
 
-TEST(nrbVersionInfo, BeginsAndEndsWithRulesOfEqualLength) {
+TEST(nrbVersionInfo, BeginsAndEndsWithLinesOfEqualLength) {
     EXPECT_EQ(row(1), WHAT + std::string(72, '-') + "\n");
     EXPECT_EQ(row(9), WHAT + " " + std::string(71, '-') + "\n");
     EXPECT_EQ(row(1).size(), 77U);
     EXPECT_EQ(row(9).size(), 77U);
 }
 
-TEST(nrbVersionInfo, TellsProductAndVersion) {
+TEST(nrbVersionInfo, ContainsProductAndVersion) {
     EXPECT_EQ(row(2), WHAT + " VEXA XSL Transformer");
     EXPECT_TRUE(std::regex_match(row(3), std::regex("@\\(#\\) VEXA XSL Transformer "
                                                     "v[0-9]+\\.[0-9]+\\.[0-9]+-[A-Za-z0-9.]+")));
@@ -43,7 +43,7 @@ TEST(nrbVersionInfo, TellsProductAndVersion) {
     EXPECT_EQ(row(4), WHAT + " NRB VEXA_XSLTransformer " PROJECT_VERSION_TEXT);
 }
 
-TEST(nrbVersionInfo, TellsTheLegalNoticesOnLinesOfTheirOwn) {
+TEST(nrbVersionInfo, ContainsTheLegalNoticesOnSeparateLines) {
     for (int number : {6, 7, 8}) {
         const std::string text = row(number);
         EXPECT_EQ(text.compare(0, 5, WHAT + " "), 0) << text;
@@ -55,7 +55,7 @@ TEST(nrbVersionInfo, TellsTheLegalNoticesOnLinesOfTheirOwn) {
     EXPECT_EQ(row(8).substr(row(8).size() - secondNotice.size()), secondNotice);
 }
 
-TEST(nrbVersionInfo, HasNoLineEndsInTheRowsBetween) {
+TEST(nrbVersionInfo, HasNoNewlinesInTheRowsBetween) {
     for (int number : {2, 3, 4, 5}) {
         EXPECT_EQ(row(number).find('\n'), std::string::npos) << row(number);
     }
