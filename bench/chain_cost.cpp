@@ -1,5 +1,5 @@
-// A chain of steps in memory, and the same chain with text between its steps. Both begin and end
-// with text.
+// A chain of transforms in memory, compared with the same chain through text. Both read and write
+// text at the ends.
 #include "support/Work.h"
 
 #include <vexa/Dom2Dom.h>
@@ -18,16 +18,16 @@ struct Chain {
 
 std::size_t runInMemory(VEXAXslTransformer& transformer, const Chain& chain) {
     std::ostringstream output;
-    auto between = transformer.createDom2Dom();
-    require(between->InitializeInputSource(chain.source.c_str()), "parse");
+    auto current = transformer.createDom2Dom();
+    require(current->InitializeInputSource(chain.source.c_str()), "parse");
     for (int step = 1; step <= chain.steps; ++step) {
         auto result = transformer.createDom2Dom();
         require(step == chain.steps ? result->InitializeOutputTarget(output)
                                     : result->InitializeOutputTarget(),
                 "result");
-        require(transformer.doTransform(*between, chain.stylesheet.c_str(), *result) == 0,
+        require(transformer.doTransform(*current, chain.stylesheet.c_str(), *result) == 0,
                 transformer.getLastError());
-        between = std::move(result);
+        current = std::move(result);
     }
     return output.str().size();
 }

@@ -35,7 +35,7 @@ def row(number, numbers):
 
 
 def write_rows(file, size):
-    """Rows up to so many bytes."""
+    """Writes rows up to a size in bytes."""
     numbers = Numbers()
     parts, length, number = [HEAD], len(HEAD) + len(TAIL), 0
     while length < size:
@@ -46,7 +46,7 @@ def write_rows(file, size):
 
 
 def write_report(folder):
-    """The sample report, with the name for node sets that all three programs know."""
+    """Writes the sample report with the node-set function that all three programs have."""
     for file in (PROJECT / "samples").iterdir():
         text = file.read_text()
         if file.name == "report.xsl":
@@ -56,7 +56,7 @@ def write_report(folder):
 
 
 def entities(levels):
-    """Ten references to an entity of ten references, and so on."""
+    """An entity with ten references to an entity with ten references, and so on."""
     declared = ['<!ENTITY e0 "abc">']
     declared += [f'<!ENTITY e{level} "{f"&e{level - 1};" * 10}">' for level in range(1, levels + 1)]
     return f"<!DOCTYPE a [{''.join(declared)}]><a>&e{levels};</a>"
@@ -89,7 +89,7 @@ BATCHES = (10, 10_000)
 
 
 def write_batches(folder):
-    """Small sources in a folder for each batch, and their names in a list."""
+    """Writes small sources into one folder for each batch, and their names into a list."""
     for count in BATCHES:
         sources = folder / f"batch-{count}"
         sources.mkdir(exist_ok=True)

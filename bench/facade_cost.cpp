@@ -1,5 +1,5 @@
-// What the facade adds to the engine: the same work by the facade, and by the engine used directly
-// as its own documentation shows it.
+// The costs that the library adds to those of the engine: the same operations by the library, and
+// by the engine alone, used as its documentation shows.
 #include "support/BareEngine.h"
 #include "support/Work.h"
 
@@ -40,12 +40,12 @@ xercesc::MemoryManager& memory() {
     return xalanc::XalanMemMgrs::getDefaultXercesMemMgr();
 }
 
-/** @param closing what the facade closes some of its texts with: a NUL, a line end */
-std::size_t sizeOf(std::ostringstream& output, std::size_t closing = 0) {
-    return static_cast<std::size_t>(output.tellp()) - closing;
+/** @param trailer size of what the library adds to some outputs: a NUL, a newline */
+std::size_t sizeOf(std::ostringstream& output, std::size_t trailer = 0) {
+    return static_cast<std::size_t>(output.tellp()) - trailer;
 }
 
-// ---- By the facade ----
+// ---- The library ----
 
 Work::Call facadeFiles(const Files& files) {
     const auto transformer = std::make_shared<VEXAXslTransformer>();
@@ -68,7 +68,7 @@ Work::Call facadeStreams(const Files& files) {
     };
 }
 
-/** A transformer, and the holder of a document in it. */
+/** A transformer and one of its in-memory documents. */
 struct FacadeDocument {
     explicit FacadeDocument(const Files& files)
         : transformer(std::make_unique<VEXAXslTransformer>()),
@@ -104,7 +104,7 @@ Work::Call facadeQuery(const Files& files) {
     };
 }
 
-/** The document is the result of a transform: only such a holder can be written. */
+/** Serialize() writes only the result of a transform. */
 Work::Call facadeSerialise(const Files& files) {
     const auto document = std::make_shared<FacadeDocument>(files);
     const std::shared_ptr<Dom2Dom> result = document->transformer->createDom2Dom();
@@ -119,7 +119,7 @@ Work::Call facadeSerialise(const Files& files) {
     };
 }
 
-// ---- By the engine alone ----
+// ---- The engine alone ----
 
 Work::Call bareFiles(const Files& files) {
     const auto engine = std::make_shared<BareEngine>();
@@ -141,7 +141,7 @@ Work::Call bareStreams(const Files& files) {
     };
 }
 
-/** As the engine's documentation has it first; such a source is not kept. */
+/** One call for everything, as in the first example of the engine. It does not keep the source. */
 Work::Call bareAtOnce(const Files& files) {
     const auto engine = std::make_shared<BareEngine>();
     return [engine, files] {
@@ -152,17 +152,17 @@ Work::Call bareAtOnce(const Files& files) {
     };
 }
 
-/** An engine, and a document parsed by it. */
+/** An engine and a document that it has parsed. */
 struct BareDocument {
     explicit BareDocument(const Files& files) {
         require(engine.parseSource(files.source.c_str(), source) == 0, files.source);
     }
 
     BareEngine engine;
-    const xalanc::XalanParsedSource* source = nullptr; // the engine's
+    const xalanc::XalanParsedSource* source = nullptr; // owned by the engine
 };
 
-/** A document that receives a result: what the engine's documentation calls a document builder. */
+/** A document that receives a result, made with a document builder of the engine. */
 class BareResult {
 public:
     explicit BareResult(xalanc::XalanTransformer& engine)
@@ -227,7 +227,7 @@ Work::Call bareSerialise(const Files& files) {
         xalanc::FormatterTreeWalker walker(formatter);
         formatter.startDocument();
         const xalanc::XalanNode* const root = result->document()->getDocumentElement();
-        walker.traverseSubtree(root); // one that may be changed takes the engine longer
+        walker.traverseSubtree(root); // the overload for const nodes is faster
         formatter.endDocument();
         return sizeOf(output);
     };
@@ -252,7 +252,7 @@ struct Size {
     int mostCalls;
 };
 
-// A kept large source takes more than 100 MB.
+// A large source that is kept needs more than 100 MB.
 constexpr Size SIZES[] = {
     {"tiny", Work::KEEPS_SOURCES}, {"medium", Work::KEEPS_SOURCES}, {"large", 1}};
 
@@ -265,8 +265,7 @@ void add(Works& works, const std::string& name, Work::Call (*prepare)(const File
     works.push_back({name, [prepare, files] { return prepare(files); }, mostCalls});
 }
 
-/** What is kept of a document that has next to nothing but elements, beside one that has text too.
- */
+/** The memory that is kept for a source with many elements and little text. */
 void addKept(Works& works, const std::string& folder) {
     const Files files = filesOf(folder, "elements");
     add(works, "facade files elements", facadeFiles, files, 1);

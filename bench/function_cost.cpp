@@ -1,5 +1,5 @@
-// What a call of each of the library's functions costs, what the two conversions of strings cost,
-// and what a transform pays for each parameter and function that a transformer remembers.
+// The costs of a call of each built-in function, of the two string conversions, and of each stored
+// parameter and function in a transform.
 #include "support/BareEngine.h"
 #include "support/Work.h"
 
@@ -15,13 +15,13 @@
 
 namespace {
 
-/** The functions that do next to nothing are there for every stylesheet, under this namespace. */
+/** The namespace of the functions that return a fixed text. */
 constexpr const char* FIXED_NAMESPACE = "http://vexa.example/fixed";
 
 struct Function {
     const char* name;
     const char* arguments;
-    /** As long as what the function gives. */
+    /** As long as a typical result of the function. */
     const char* result;
 };
 
@@ -73,7 +73,7 @@ Work callWork(const std::string& folder, const std::string& name, const std::str
             Work::KEEPS_SOURCES};
 }
 
-/** Each function, the same call of one that does next to nothing, and a call of none. */
+/** Each built-in function, the same call of a function with a fixed text, and no call. */
 void addCalls(Works& works, const std::string& folder) {
     works.push_back(callWork(folder, "no-call", "'x'"));
     for (const Function& function : FUNCTIONS) {
@@ -129,7 +129,7 @@ struct Replay {
     int functions;
 };
 
-/** A facade that remembers so many parameters and functions, beside its own eight functions. */
+/** A transformer with parameters and functions, in addition to the built-in functions. */
 Work::Call facadeReplay(const Replay& replay) {
     const auto transformer = std::make_shared<VEXAXslTransformer>();
     for (int i = 0; i < replay.parameters; ++i) {
@@ -149,7 +149,7 @@ std::size_t transform(xalanc::XalanTransformer& engine, const Replay& replay) {
     return output.str().size();
 }
 
-/** The engine with the same entries, set once: it remembers them too. */
+/** The engine with the same parameters and functions, set once: the engine stores them too. */
 Work::Call bareReplay(const Replay& replay) {
     const auto engine = std::make_shared<BareEngine>();
     for (int i = 0; i < replay.parameters; ++i) {
@@ -163,13 +163,13 @@ Work::Call bareReplay(const Replay& replay) {
     return [engine, replay] { return transform(*engine, replay); };
 }
 
-/** The engine's own share of the functions: a transform with none of them... */
+/** The engine's costs of the built-in functions: a transform without functions ... */
 Work::Call bareWithoutFunctions(const Replay& replay) {
     const auto engine = std::make_shared<xalanc::XalanTransformer>();
     return [engine, replay] { return transform(*engine, replay); };
 }
 
-/** ... and one that installs them each time, as the facade's contract wants it. */
+/** ... and a transform that installs them each time, as the library does. */
 Work::Call bareInstallingEachTime(const Replay& replay) {
     const auto engine = std::make_shared<xalanc::XalanTransformer>();
     return [engine, replay, functions = Functions()] {

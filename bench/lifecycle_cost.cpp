@@ -1,4 +1,4 @@
-// Start and stop of the engines, and of a transformer.
+// Initialization and termination of the library, creation and destruction of a transformer.
 #include "support/Work.h"
 
 #include <vexa/VEXAXslTransformer.h>
@@ -9,15 +9,15 @@
 
 namespace {
 
-Work::Call startAndStop() {
+Work::Call initializeAndTerminate() {
     return [] {
         const Library library;
         return std::size_t{0};
     };
 }
 
-/** A further start of a library that is up only counts. */
-Work::Call furtherStartAndStop() {
+/** The second initialization only counts. */
+Work::Call initializeAndTerminateAgain() {
     return [first = std::make_shared<Library>()] {
         const Library library;
         return std::size_t{0};
@@ -25,7 +25,7 @@ Work::Call furtherStartAndStop() {
 }
 
 template <typename Transformer>
-Work::Call makeAndDestroy() {
+Work::Call createAndDestroy() {
     return [library = std::make_shared<Library>()] {
         const Transformer transformer;
         return std::size_t{0};
@@ -33,10 +33,10 @@ Work::Call makeAndDestroy() {
 }
 
 Works makeWorks(const std::string&) {
-    return {{"start-and-stop", startAndStop},
-            {"further-start-and-stop", furtherStartAndStop},
-            {"facade", makeAndDestroy<VEXAXslTransformer>},
-            {"bare", makeAndDestroy<xalanc::XalanTransformer>}};
+    return {{"start-and-stop", initializeAndTerminate},
+            {"further-start-and-stop", initializeAndTerminateAgain},
+            {"facade", createAndDestroy<VEXAXslTransformer>},
+            {"bare", createAndDestroy<xalanc::XalanTransformer>}};
 }
 
 } // namespace

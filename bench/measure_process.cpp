@@ -1,9 +1,10 @@
-// Runs a command, and prints what it took: seconds on the clock, seconds of processor, KiB of
-// memory at most.
+// Runs a command and prints its elapsed time in seconds, its CPU time in seconds and its peak
+// memory in KiB.
 //
 //     measure_process COMMAND [ARGUMENTS]...
 //
-// A process that starts another hands its own peak of memory on to it. This one has next to none.
+// A new process inherits the peak memory of the process that starts it. That of this program is
+// small.
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
@@ -23,10 +24,10 @@ double now() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-/** In the child: standard output is not what is measured. */
-[[noreturn]] void become(char** command) {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
+/** Runs the command in the child process, without its standard output. */
+[[noreturn]] void execute(char** command) {
+    const int null = open("/dev/null", O_WRONLY);
+    dup2(null, STDOUT_FILENO);
     execvp(command[0], command);
     std::perror(command[0]);
     _exit(127);
@@ -42,7 +43,7 @@ int main(int argc, char** argv) {
     const double begin = now();
     const pid_t child = fork();
     if (child == 0) {
-        become(argv + 1);
+        execute(argv + 1);
     }
     int status = 0;
     rusage usage{};

@@ -1,4 +1,4 @@
-"""Runs the programs that measure, and reads what they say."""
+"""Runs the benchmark programs, and reads their output."""
 
 import concurrent.futures
 import filecmp
@@ -13,17 +13,17 @@ import documents
 
 DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbook.xsl")
 
-# Other load changes no count, so as many are counted at a time as there are processors. A large document is
-# counted in a process of its own: it finds the heap as another has left it otherwise.
+# Other load does not change the counts, so one process for each processor counts at a time. A large document is
+# counted in its own process: the counts depend on the state of the heap.
 COUNTED = [("facade_cost", f"{who} {kind} large") for who in ("facade", "bare") for kind in ("files", "streams", "memory", "query", "serialise")] + [
     ("facade_cost", "medium"), ("facade_cost", "tiny"), ("chain_cost", ""), ("function_cost", ""),
     ("lifecycle_cost", "")]
 
-# Seconds for each work, and how often all of them are timed in turn: the least time counts.
+# Seconds for each work, and the number of repetitions: the shortest time is taken.
 TIMED = {"facade_cost": (0.05, 4), "chain_cost": (0.1, 4), "function_cost": (0.03, 3),
          "lifecycle_cost": (0.05, 3), "thread_scaling": (0.5, 3)}
 
-# What to transform, by what, how often, and what the table calls it. All but the largest are counted, too.
+# Source, stylesheet, number of repetitions, title in the table. All but the largest source are counted, too.
 PROCESSES = [("empty.xml", "empty.xsl", 40, "an empty document"),
              ("orders.xml", "report.xsl", 15, "the sample report, 80 kB"),
              ("handbook.xml", DOCBOOK, 15, "DocBook to HTML, 6 kB"),
@@ -34,7 +34,7 @@ PROCESSES = [("empty.xml", "empty.xsl", 40, "an empty document"),
 
 
 class Failed(Exception):
-    """A measurement that could not be made."""
+    """A measurement failed."""
 
 
 def progress(text):
@@ -52,7 +52,7 @@ def run(command, **options):
 
 
 def read_instructions(folder):
-    """The instructions of each work, by its name: callgrind writes one file for each."""
+    """The instructions of each work, by name: callgrind writes one file for each work."""
     counts = {}
     for file in folder.iterdir():
         text = file.read_text(errors="replace")
@@ -91,7 +91,7 @@ def count_process(build, source, stylesheet, name):
 
 
 def count_all(build):
-    """What the programs here count, and the instructions of whole processes."""
+    """The counts of the benchmark programs, and the instructions of whole processes."""
     counts, processes, done = {}, {}, 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         futures = {pool.submit(count_process, build, source, stylesheet, name): (title, name)
@@ -110,7 +110,7 @@ def count_all(build):
 
 
 def time_program(build, program):
-    """The least microseconds of each work, the bytes that a call leaves, and the most calls in a second."""
+    """For each work the shortest time in microseconds, the bytes kept by a call, and the most calls in a second."""
     seconds, repetitions = TIMED[program]
     report = json.loads(run([build / "bin" / program, build / "documents", f"--benchmark_min_time={seconds}",
                              f"--benchmark_repetitions={repetitions}", "--benchmark_format=json",
@@ -134,7 +134,7 @@ def time_all(build):
 
 
 def commands(build, source, stylesheet, result="by-"):
-    """The same work by three programs, each into a file of its own."""
+    """The same transform by three programs, each with its own output file."""
     return {"Xalan": ["Xalan", "-o", result + "Xalan", source, stylesheet],
             "xsltproc": ["xsltproc", "-o", result + "xsltproc", stylesheet, source],
             "vexa-xslt": [build / "bin" / "vexa-xslt", "transform", stylesheet, source, "-o", result + "vexa-xslt"]}
@@ -150,12 +150,12 @@ def measure_processes(build):
         for turn in range(repetitions + 1):
             for name, command in candidates[turn % 3:] + candidates[:turn % 3]:
                 words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
-                if turn > 0:  # the first turn warms the caches of the system
+                if turn > 0:  # the first turn fills the caches of the system
                     runs.setdefault(name, []).append([float(word) for word in words])
         if not filecmp.cmp(folder / "by-Xalan", folder / "by-vexa-xslt", shallow=False):
             raise Failed(f"{title}: Xalan and vexa-xslt give different results")
         if not (folder / "by-xsltproc").stat().st_size:
-            raise Failed(f"{title}: xsltproc gives nothing")
+            raise Failed(f"{title}: xsltproc has no output")
         results[title] = {name: {"ms": min(run[0] for run in runs[name]) * 1000,
                                  "cpu": min(run[1] for run in runs[name]) * 1000,
                                  "mb": min(run[2] for run in runs[name]) * 1024 / 1e6} for name in runs}
@@ -184,14 +184,14 @@ def measure_batches(build):
                     words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
                     runs.setdefault(name, []).append((float(words[0]), float(words[2]) * 1024 / 1e6))
         if len(list((folder / f"{sources}-results").iterdir())) != count:
-            raise Failed(f"a batch of {count} sources lacks results")
+            raise Failed(f"a batch of {count} sources has missing results")
         results[str(count)] = {name: {"rate": count / min(run[0] for run in timed), "mb": max(run[1] for run in timed)}
                                for name, timed in runs.items()}
     return results
 
 
 def measure_hostile(build):
-    """Seconds and megabytes of one transform that counts the elements, with either tree."""
+    """CPU seconds and megabytes of a transform that counts elements, with Xalan source tree and Xerces DOM."""
     results = {}
     for title in documents.HOSTILE:
         progress(f"hostile input, {title}")

@@ -1,4 +1,4 @@
-// The same transform in one thread, and in two at once, each with a transformer of its own.
+// The same transform in one thread and in two threads, each with its own transformer.
 #include "support/Work.h"
 
 #include <vexa/VEXAXslTransformer.h>

@@ -9,8 +9,8 @@ thread_local std::uint64_t t_allocations = 0;
 
 } // namespace
 
-// The C library's own functions under their other names. All allocation comes through here, that of
-// operator new too; what is freed was the C library's from the start, so free() stays as it is.
+// Replaces the allocation functions of the C library, which have a second name. operator new uses
+// them too. The blocks are those of the C library, so free() needs no replacement.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -1,13 +1,13 @@
 /**
  * @file
- * What a program takes from the heap, whoever in it asks: our code, the engine, ICU.
+ * Heap allocations of the whole program: our code, the engine and ICU.
  */
 #pragma once
 
 #include <cstdint>
 
-/** Blocks asked for so far by the calling thread. */
+/** The number of allocations of the calling thread so far. */
 std::uint64_t allocations();
 
-/** Bytes of the heap in use by the whole process. */
+/** Bytes of the heap that the process uses. */
 std::int64_t heapBytes();

@@ -1,7 +1,6 @@
 /**
  * @file
- * The engine used directly, as its own documentation shows it, by someone who has functions
- * too.
+ * The engine alone, used as its documentation shows, with as many functions as the library.
  */
 #pragma once
 
@@ -18,7 +17,7 @@
 #include <xalanc/XalanExtensions/FunctionNodeSet.hpp>
 #include <xalanc/XalanTransformer/XalanTransformer.hpp>
 
-/** The engine's own function for node sets, and eight under the library's names. */
+/** The nodeset function of the engine, and eight functions with the names of the built-in ones. */
 class Functions {
 public:
     void installIn(xalanc::XalanTransformer& engine) const {
@@ -41,8 +40,7 @@ class BareEngine : public xalanc::XalanTransformer {
 public:
     BareEngine() { installFunctions(); }
 
-    /** Again: a host may change what its functions are before any transform, and the facade lets
-     * it. */
+    /** Installs the functions again, as the library does before each transform. */
     void installFunctions() { m_functions.installIn(*this); }
 
 private:
@@ -50,8 +48,8 @@ private:
 };
 
 /**
- * The facade keeps every source that it has parsed; so does this, or it would be busy with freeing
- * them in the meantime. The engine's transform() of everything at once does not keep it.
+ * Runs a transform and keeps the parsed source, as the library does. Otherwise the engine would
+ * also spend time on freeing sources.
  */
 inline void transformKept(xalanc::XalanTransformer& engine, const xalanc::XSLTInputSource& source,
                           const std::string& stylesheet, const xalanc::XSLTResultTarget& target) {

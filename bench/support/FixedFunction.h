@@ -1,6 +1,6 @@
 /**
  * @file
- * Functions that do next to nothing: what is left of a call is the engine's share of it.
+ * Functions that return a fixed text. A call costs nearly only the work of the engine.
  */
 #pragma once
 
@@ -8,7 +8,7 @@
 
 #include <string>
 
-/** An extension function of the engine's own kind: reads its arguments, gives a fixed text. */
+/** An extension function of the engine. It reads its arguments and returns a fixed text. */
 class FixedFunction : public xalanc::Function {
 public:
     explicit FixedFunction(std::string text) : m_text(std::move(text)) {}
@@ -36,7 +36,7 @@ private:
     std::string m_text;
 };
 
-/** The same for the facade, which has a base class of its own. */
+/** An extension function of the library that returns a fixed text. */
 class FixedTqFunction : public TqXsltFunction {
 public:
     using TqXsltFunction::execute;

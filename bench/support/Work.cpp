@@ -17,12 +17,12 @@
 
 namespace {
 
-/** Calls before those that count, and those that count: several, as the heap looks different to
- * each. */
+/** Calls before the counted ones. */
 constexpr int WARM_CALLS = 3;
+/** Several, because the state of the heap differs in each call. */
 constexpr int COUNTED_CALLS = 12;
 
-/** Counts one work: callgrind writes the instructions, and we write the rest. */
+/** Counts one work: callgrind writes the instructions, this function writes the rest. */
 void count(const Work& work) {
     const int counted = std::min(COUNTED_CALLS, std::max(1, work.mostCalls / 2));
     const int warm = std::min(WARM_CALLS, work.mostCalls - counted);
@@ -44,8 +44,8 @@ void count(const Work& work) {
 }
 
 /**
- * What calls leave on the heap. The first call of a preparation does not count where there are
- * more: it may fill caches that serve all the others.
+ * Measures the memory that calls keep on the heap. If there are several calls, the first one does
+ * not count: it may fill caches.
  */
 class KeptMemory {
 public:
@@ -92,7 +92,7 @@ void time(benchmark::State& state, const Work& work) {
         if (calls == work.mostCalls) {
             state.PauseTiming();
             kept.end();
-            call = nullptr; // the old one goes before the new one comes
+            call = nullptr; // destroy the old one before the new one is created
             call = work.prepare();
             kept.prepared();
             calls = 0;
@@ -142,7 +142,7 @@ int runWorks(int argc, char** argv, const std::function<Works(const std::string&
 
 void require(bool isRight, const std::string& what) {
     if (!isRight) {
-        std::fprintf(stderr, "not measured, as it has failed: %s\n", what.c_str());
+        std::fprintf(stderr, "failed: %s\n", what.c_str());
         std::exit(1);
     }
 }

@@ -1,13 +1,13 @@
 /**
  * @file
- * Work that is measured, in two ways: timed by Google Benchmark, and counted in instructions under
- * callgrind.
+ * Work that is measured in two ways: Google Benchmark measures the time, and callgrind counts the
+ * instructions.
  *
- *     PROGRAM FOLDER [--benchmark_...]     times every work
- *     PROGRAM FOLDER --count [PART]        counts those with PART in their names; is to be run by
+ *     PROGRAM FOLDER [--benchmark_...]     measures the time of every work
+ *     PROGRAM FOLDER --count [PART]        counts every work with PART in its name; must be run by
  *                                          callgrind, see bench/run
  *
- * FOLDER has the documents (bench/documents.py).
+ * FOLDER contains the documents, written by bench/documents.py.
  */
 #pragma once
 
@@ -21,30 +21,29 @@ struct Work {
     static constexpr int KEEPS_NOTHING = std::numeric_limits<int>::max();
     static constexpr int KEEPS_SOURCES = 50;
 
-    /** Does the work once, and gives the size of its result, which is the same each time. */
+    /** Does the work once. Returns the size of the result, which is the same in each call. */
     using Call = std::function<std::size_t()>;
 
     std::string name;
-    /** Makes what all calls share; it goes with the call. */
+    /** Creates the objects that all calls share. The returned call owns them. */
     std::function<Call()> prepare;
-    /** How many calls one preparation serves: a transformer keeps the sources that it has parsed.
-     */
+    /** Calls before `prepare` is called again, because a transformer keeps its sources. */
     int mostCalls = KEEPS_NOTHING;
     int threads = 1;
 };
 
 using Works = std::vector<Work>;
 
-/** The main function of every program here. @param makeWorks is given the folder */
+/** The main function of every benchmark program. @param makeWorks gets the folder */
 int runWorks(int argc, char** argv, const std::function<Works(const std::string&)>& makeWorks);
 
-/** Ends the program where an operation has failed: what fails is not to be measured. */
+/** Exits with a message if an operation has failed. */
 void require(bool isRight, const std::string& what);
 
-/** A whole file. */
+/** Returns the content of a file. */
 std::string readFile(const std::string& file);
 
-/** The library, started for as long as this lives. */
+/** Keeps the library initialized during its lifetime. */
 class Library {
 public:
     Library();
