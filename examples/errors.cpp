@@ -44,37 +44,37 @@ const char* advice(int result) {
     case 0:
         return "use the result";
     case -1:
-        return "mend the stylesheet or the expression; look whether the result can be written";
+        return "fix the stylesheet or the expression; check whether the result can be written";
     case -2:
-        return "mend or find the document or the stylesheet that the reason names";
+        return "fix or find the document or the stylesheet that the error message names";
     case -3:
-        return "look into the reason: the XML parser met something else";
+        return "read the error message: another error of the XML parser";
     case -4:
-        return "take a new holder for the result";
+        return "use a new in-memory document for the result";
     default:
-        return "look for memory, or into your own extension functions";
+        return "check the memory and your own extension functions";
     }
 }
 // [/advice]
 
-class Tour {
+class AllResultCodes {
 public:
-    explicit Tour(const char* stylesheet) : m_stylesheet(stylesheet) {
+    explicit AllResultCodes(const char* stylesheet) : m_stylesheet(stylesheet) {
         m_transformer.installExternalFunction("HostOf", FunctionHostOf());
     }
 
-    void takeAll() {
+    void causeAll() {
         query("string(/address");           // a bracket is missing
         transformFiles("no-such-file.xml"); // nothing to read
         transform("<address>pigeon://loft</address>");
-        transformTwiceIntoOneHolder();
+        transformTwiceIntoOneDocument();
         transform("<address>file:///home</address>");
-        transformOnStreamRoad("<address>file:///home</address>");
+        transformStream("<address>file:///home</address>");
         transform("<address>http://vexa.example/</address>"); // the transformer is still usable
     }
 
 private:
-    void tell(int result) {
+    void print(int result) {
         std::cout << result << ": " << advice(result) << '\n';
         if (result != 0) {
             std::cerr << m_transformer.getLastError() << '\n';
@@ -84,11 +84,11 @@ private:
     void query(const char* expression) {
         auto document = m_transformer.createDom2Dom();
         document->InitializeInputSource("<address/>");
-        tell(m_transformer.doXPath(*document, expression, std::cerr));
+        print(m_transformer.doXPath(*document, expression, std::cerr));
     }
 
     void transformFiles(const char* source) {
-        tell(m_transformer.doTransform(source, m_stylesheet, "/dev/null"));
+        print(m_transformer.doTransform(source, m_stylesheet, "/dev/null"));
     }
 
     void transform(const char* text) {
@@ -96,24 +96,24 @@ private:
         auto result = m_transformer.createDom2Dom();
         source->InitializeInputSource(text);
         result->InitializeOutputTarget();
-        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
+        print(m_transformer.doTransform(*source, m_stylesheet, *result));
     }
 
-    void transformTwiceIntoOneHolder() {
+    void transformTwiceIntoOneDocument() {
         auto source = m_transformer.createDom2Dom();
         auto result = m_transformer.createDom2Dom();
         source->InitializeInputSource("<address>http://vexa.example/</address>");
         result->InitializeOutputTarget();
-        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
-        tell(m_transformer.doTransform(*source, m_stylesheet, *result));
+        print(m_transformer.doTransform(*source, m_stylesheet, *result));
+        print(m_transformer.doTransform(*source, m_stylesheet, *result));
     }
 
-    void transformOnStreamRoad(const char* text) {
+    void transformStream(const char* text) {
         // [exceptions pass]
         std::istringstream source(text);
         std::ostringstream result;
         try {
-            tell(m_transformer.doTransform(source, m_stylesheet, result));
+            print(m_transformer.doTransform(source, m_stylesheet, result));
         } catch (const std::exception& failure) { // thrown by the extension function
             std::cout << "exception: " << failure.what() << '\n';
         }
@@ -132,7 +132,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     TQXslTransformer_Initialize(nullptr);
-    Tour(argv[1]).takeAll();
+    AllResultCodes(argv[1]).causeAll();
     TQXslTransformer_Terminate(nullptr);
     return EXIT_SUCCESS;
 }

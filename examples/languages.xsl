@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- Words of the message catalogue:
+<!-- Prints texts of the message catalogue:
 
          vexa-xslt transform languages.xsl orders.xml -p lang=de-AT -->
 <!-- [languages] -->

@@ -16,26 +16,26 @@ namespace {
 
 // [renewed transformer]
 /** Provides the transformer to use, and recreates it after a number of uses. */
-class RenewedTransformer {
+class RecreatedTransformer {
 public:
-    explicit RenewedTransformer(unsigned long usesOfEach) : m_usesOfEach(usesOfEach) {}
+    explicit RecreatedTransformer(unsigned long usesOfEach) : m_usesOfEach(usesOfEach) {}
 
     VEXAXslTransformer& forNextUse() {
         if (m_uses++ % m_usesOfEach == 0) {
             m_transformer.reset(); // destroy the old one first: never two at a time
             m_transformer = std::make_unique<VEXAXslTransformer>();
             m_transformer->setStylesheetParam("title", "Orders"); // configure each one
-            ++m_renewals;
+            ++m_created;
         }
         return *m_transformer;
     }
-    unsigned long renewals() const { return m_renewals; }
+    unsigned long created() const { return m_created; }
 
 private:
     std::unique_ptr<VEXAXslTransformer> m_transformer;
     const unsigned long m_usesOfEach;
     unsigned long m_uses = 0;
-    unsigned long m_renewals = 0;
+    unsigned long m_created = 0;
 };
 // [/renewed transformer]
 
@@ -50,12 +50,13 @@ std::size_t transformOnce(VEXAXslTransformer& transformer, const char* source,
     }
     // [holders]
     // In memory nothing is kept: the in-memory documents are destroyed at the end of this block.
-    auto page = transformer.createDom2Dom();
-    auto again = transformer.createDom2Dom();
-    std::ifstream inAgain(source);
-    std::ostringstream outAgain;
-    if (!page->InitializeInputSource(inAgain, source) || !again->InitializeOutputTarget(outAgain) ||
-        transformer.doTransform(*page, stylesheet, *again) != 0) {
+    auto document = transformer.createDom2Dom();
+    auto result = transformer.createDom2Dom();
+    std::ifstream documentStream(source);
+    std::ostringstream resultStream;
+    if (!document->InitializeInputSource(documentStream, source) ||
+        !result->InitializeOutputTarget(resultStream) ||
+        transformer.doTransform(*document, stylesheet, *result) != 0) {
         std::cerr << transformer.getLastError() << '\n';
         return 0;
     }
@@ -64,13 +65,13 @@ std::size_t transformOnce(VEXAXslTransformer& transformer, const char* source,
 }
 
 int run(const char* source, const char* stylesheet, unsigned long transforms, unsigned long each) {
-    RenewedTransformer renewed(each);
+    RecreatedTransformer recreated(each);
     for (unsigned long i = 0; i < transforms; ++i) {
-        if (transformOnce(renewed.forNextUse(), source, stylesheet) == 0) {
+        if (transformOnce(recreated.forNextUse(), source, stylesheet) == 0) {
             return EXIT_FAILURE;
         }
     }
-    std::cout << transforms << " rounds, " << renewed.renewals() << " transformers\n";
+    std::cout << transforms << " rounds, " << recreated.created() << " transformers\n";
     return EXIT_SUCCESS;
 }
 

@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- Draws the quantity of each line of an order book, by the function of own_function.cpp. -->
+<!-- Prints a bar for the quantity of each order line, with the function of own_function.cpp. -->
 <!-- [own function] -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
                 xmlns:vexa="http://vexa.example/xslt/wol" xmlns:o="http://vexa.example/orders">

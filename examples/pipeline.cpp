@@ -1,4 +1,4 @@
-// Any number of stylesheets, one after the other, in memory:
+// Runs any number of stylesheets in memory, one after the other:
 //
 //     pipeline 2025-12-29 orders.xml open-only.xsl line-amounts.xsl totals.xsl
 //
@@ -15,8 +15,8 @@
 
 namespace {
 
-int failed(const char* name, const char* reason) {
-    std::cerr << name << ": " << reason << '\n';
+int failed(const char* name, const char* message) {
+    std::cerr << name << ": " << message << '\n';
     return EXIT_FAILURE;
 }
 

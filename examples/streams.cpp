@@ -1,4 +1,4 @@
-// Standard input to standard output, through a stylesheet:
+// Transforms standard input, and writes the result to standard output:
 //
 //     streams open-only.xsl < orders.xml > open.xml
 #include <cstdlib>

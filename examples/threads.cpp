@@ -1,4 +1,5 @@
-// Many threads, a transformer for each, one stylesheet; every result must be the same:
+// Runs one stylesheet in many threads, with one transformer for each thread, and compares the
+// results:
 //
 //     threads orders-small.xml report.xsl 8
 #include <algorithm>

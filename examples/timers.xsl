@@ -7,15 +7,15 @@
                 xmlns:vexa="http://vexa.example/xslt/wol" xmlns:o="http://vexa.example/orders">
   <xsl:output method="text" encoding="UTF-8"/>
   <xsl:template match="/">
-    <xsl:variable name="stopwatch" select="vexa:TimerCreate()"/>
-    <xsl:variable name="start" select="vexa:TimerStart($stopwatch)"/>
+    <xsl:variable name="timer" select="vexa:TimerCreate()"/>
+    <xsl:variable name="start" select="vexa:TimerStart($timer)"/>
     <xsl:for-each select="//o:order">
       <xsl:sort select="@customer"/>
       <xsl:value-of select="concat(@customer, ' ', @id, '&#10;')"/>
     </xsl:for-each>
-    <xsl:variable name="lap" select="vexa:TimerStop($stopwatch)"/>
-    <xsl:value-of select="concat('Sorted in ', normalize-space($lap), ' s.&#10;')"/>
-    <xsl:variable name="total" select="vexa:TimerDestroy($stopwatch)"/>
+    <xsl:variable name="seconds" select="vexa:TimerStop($timer)"/>
+    <xsl:value-of select="concat('Sorted in ', normalize-space($seconds), ' s.&#10;')"/>
+    <xsl:variable name="total" select="vexa:TimerDestroy($timer)"/>
   </xsl:template>
 </xsl:stylesheet>
 <!-- [/timers] -->

@@ -1,4 +1,4 @@
-// XPath queries of one document that is parsed once:
+// Parses a document once, and evaluates several XPath expressions:
 //
 //     xpath orders-small.xml
 #include <cstdlib>
@@ -32,13 +32,13 @@ void queryAll(const char* source) {
     }
     // [expressions]
     for (const char* const expression : {
-             "string(/*/@asOf)",                                   // a text
+             "string(/*/@asOf)",                                   // a string
              "string(count(//cat:product))",                       // a number
              "string(//cat:product/@price > 60)",                  // a boolean
              "//cat:category[@id = 'tea']/cat:name[lang('el')]",   // one node, as XML
-             "string(//cat:product[@price > 60]/cat:gloss)",       // the text of the first of them
-             "string(//*[local-name() = 'order'][last()]/@state)", // no prefix in the document
-             "count(//cat:product)", // prints nothing: a number without string()
+             "string(//cat:product[@price > 60]/cat:gloss)",       // the text of the first node
+             "string(//*[local-name() = 'order'][last()]/@state)", // a namespace without a prefix
+             "count(//cat:product)", // a number without string(): prints nothing
          }) {
         std::cout << expression << " is " << query(transformer, *document, expression) << '\n';
     }

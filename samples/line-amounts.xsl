@@ -1,6 +1,6 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- An order book in which each line has its amount, for a stylesheet further on that adds them up:
-     XPath 1.0 sums what stands in a document, not what it would have to work out first. -->
+<!-- Adds its amount to each line of an order book, so that a later stylesheet can add the amounts up:
+     the function sum() of XPath 1.0 adds values in the document, not computed values. -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
                 xmlns:o="http://vexa.example/orders">

@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- An order book with its open orders only: a first step for a chain that ends in report.xsl. -->
+<!-- Keeps only the open orders of an order book: a first step of a chain that ends with report.xsl. -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
                 xmlns:o="http://vexa.example/orders">

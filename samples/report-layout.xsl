@@ -1,12 +1,11 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-  The frame and the look of a report page, its charts, and the formatting of numbers and dates.
+  Frame, style and charts of a report page, and the formatting of numbers and dates.
 
-  An importing stylesheet declares $title, $currency, $lang, $text-language (the tag of the language
-  that the fixed words are in), $text-first-day (the first of a month, in a date) and $months
-  (elements with @number, @short and the name as text, and with @genitive where dates take another
-  form of the name). It has templates for the document element in the modes page-header, page-body
-  and page-footer.
+  The importing stylesheet declares $title, $currency, $lang, $text-language (the language tag of the
+  fixed texts), $text-first-day (the first day of a month, in a date) and $months (elements with
+  @number, @short and the name as text, and with @genitive if dates use another form of the name). It
+  has templates for the document element in the modes page-header, page-body and page-footer.
 -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
@@ -16,7 +15,7 @@
                 select="substring-before(concat(translate($lang, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ_',
                                                 'abcdefghijklmnopqrstuvwxyz-'), '-'), '-')"/>
 
-  <!-- The language that numbers and names go by -->
+  <!-- The language of the formats of numbers and names -->
   <xsl:variable name="language" select="$asked-language"/>
 
   <!-- ============ Frame ============ -->
@@ -66,7 +65,7 @@
     </xsl:choose>
   </xsl:variable>
 
-  <!-- A decimal format also rules the pattern: its separators have to stand there as well. -->
+  <!-- The pattern must use the separators of the decimal format. -->
   <xsl:variable name="separators">
     <xsl:choose>
       <xsl:when test="$number-style = 'point'">,.</xsl:when>
@@ -77,7 +76,7 @@
 
   <xsl:template name="number">
     <xsl:param name="value"/>
-    <!-- Written with , and . whatever the language -->
+    <!-- Written with , and . in every language -->
     <xsl:param name="pattern" select="'#,##0'"/>
     <xsl:value-of select="format-number($value, translate($pattern, ',.', $separators),
                                         string($number-style))"/>
@@ -135,11 +134,11 @@
         <xsl:with-param name="pattern" select="'0.0%'"/>
       </xsl:call-template>
     </xsl:variable>
-    <!-- The engine loses a space that stands before the sign in the pattern. -->
+    <!-- The engine drops a space before the percent sign in the pattern. -->
     <xsl:value-of select="concat(substring-before($percentage, '%'), $percent-sign)"/>
   </xsl:template>
 
-  <!-- 0 for a part of nothing, where the plain division would be no number. -->
+  <!-- 0 if the whole is 0: the division would give NaN. -->
   <xsl:template name="ratio">
     <xsl:param name="part"/>
     <xsl:param name="whole"/>
@@ -151,7 +150,7 @@
 
   <!-- ============ Texts ============ -->
 
-  <!-- Puts one text in the place of {0}. -->
+  <!-- Replaces {0} by a text. -->
   <xsl:template name="fill">
     <xsl:param name="pattern"/>
     <xsl:param name="with"/>
@@ -159,8 +158,8 @@
                                  substring-after($pattern, '{0}'))"/>
   </xsl:template>
 
-  <!-- Writes an ISO 8601 date by a pattern with {day}, {month}, {of-month} (in the genitive),
-       {mon} (short) and {year}. -->
+  <!-- Formats an ISO 8601 date with a pattern: {day}, {month}, {of-month} (genitive), {mon} (short)
+       and {year}. -->
   <xsl:template name="date">
     <xsl:param name="date"/>
     <xsl:param name="pattern"/>
@@ -196,7 +195,7 @@
   <xsl:variable name="chart-height" select="270"/>
   <xsl:variable name="chart-floor" select="240"/>
   <xsl:variable name="chart-plot" select="212"/>
-  <!-- The room of the scale at the left, in percent of the width -->
+  <!-- The space for the scale at the left, in percent of the width -->
   <xsl:variable name="chart-margin" select="6"/>
   <xsl:variable name="chart-bar" select="4.8"/>
 
@@ -205,7 +204,7 @@
     <xsl:attribute name="rx">2</xsl:attribute>
   </xsl:attribute-set>
 
-  <!-- The smallest of 1, 2, 5, 10, 20, 50 ... that needs at most five steps to the maximum. -->
+  <!-- The smallest of 1, 2, 5, 10, 20, 50 ... that reaches the maximum in at most five steps. -->
   <xsl:template name="scale-step">
     <xsl:param name="maximum"/>
     <xsl:param name="power" select="1"/>
@@ -225,7 +224,7 @@
   <xsl:template name="grid-lines">
     <xsl:param name="step"/>
     <xsl:param name="top"/>
-    <!-- The cents that the scale counts as one -->
+    <!-- The number of cents in one unit of the scale -->
     <xsl:param name="unit"/>
     <xsl:param name="value" select="0"/>
     <xsl:if test="$value &lt;= $top">
@@ -281,7 +280,7 @@
         <xsl:with-param name="whole" select="$whole"/>
       </xsl:call-template>
     </xsl:variable>
-    <!-- Not localised: CSS knows the decimal point only. -->
+    <!-- Not localised: CSS requires a decimal point. -->
     <div class="strip">
       <i class="{$kind}" style="width:{round($ratio * 1000) div 10}%"/>
     </div>
@@ -336,7 +335,7 @@
     </xsl:if>
   </xsl:template>
 
-  <!-- ============ Look ============ -->
+  <!-- ============ Style ============ -->
 
   <xsl:template name="style-sheet"><![CDATA[
 :root {

@@ -1,14 +1,14 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-  The page of report.xsl in the reader's language, with the time of its making at the foot. It needs
-  the extension functions of vexa-xslt:
+  The page of report.xsl in any language, with the creation time in the footer. It needs the extension
+  functions of vexa-xslt:
 
     vexa-xslt transform report-localised.xsl orders.xml -p lang=el
 
-  Parameter lang: de, el, en, es, fr, it, ja or zh, also as de_AT, de-AT or DE; anything else, and
-  none, give English. report.xsl tells of title and currency.
+  Parameter lang: de, el, en, es, fr, it, ja or zh, also as de_AT, de-AT or DE; the default, also for
+  unknown languages, is English. The parameters title and currency are those of report.xsl.
 
-  Most words come from the message catalogue. What it lacks is in report-words.xml.
+  Most texts are in the message catalogue. The others are in report-words.xml.
 -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
@@ -21,10 +21,10 @@
 
   <!-- ============ Language ============ -->
 
-  <!-- zh for zh-Hans: the words name their script for the page's sake, not for the reader's. -->
+  <!-- zh for zh-Hans: the script in the language tag is only for the page. -->
   <xsl:key name="words" match="words" use="substring-before(concat(@xml:lang, '-'), '-')"/>
 
-  <!-- A copy, as a key finds nothing from outside the document. -->
+  <!-- A copy, because key() searches only the document of the context node. -->
   <xsl:variable name="words-tree">
     <xsl:for-each select="document('report-words.xml')">
       <xsl:variable name="found" select="key('words', $asked-language)"/>
@@ -35,8 +35,8 @@
 
   <xsl:variable name="text-language" select="$words/@xml:lang"/>
 
-  <!-- The catalogue knows more spellings of a language (deu): it gets the one found, so that a page
-       never mixes two. -->
+  <!-- The message catalogue also accepts other spellings, such as deu. It gets the language of the
+       words, so that a page never has two languages. -->
   <xsl:variable name="language" select="substring-before(concat($text-language, '-'), '-')"/>
 
   <!-- ============ Texts ============ -->
@@ -80,16 +80,16 @@
 
   <!-- ============ Times ============ -->
 
-  <!-- The engine evaluates a global variable once, when it is first used, and a local one where it
-       stands, used or not. -->
-  <xsl:variable name="stopwatch" select="vexa:TimerCreate()"/>
+  <!-- The engine evaluates a global variable once, when it is first used, and a local variable where it
+       is declared, even if it is not used. -->
+  <xsl:variable name="timer" select="vexa:TimerCreate()"/>
 
-  <!-- The body takes nearly all of the time: half of it goes into the table of orders, the rest into
-       the figures, which are computed when the tiles first ask for them. -->
+  <!-- The body needs nearly all of the time: half of it for the table of orders, the rest for the
+       figures, which are computed when the tiles use them first. -->
   <xsl:template match="o:orderBook" mode="page-body">
-    <xsl:variable name="start" select="vexa:TimerStart($stopwatch)"/>
+    <xsl:variable name="start" select="vexa:TimerStart($timer)"/>
     <xsl:apply-imports/>
-    <xsl:variable name="lap" select="vexa:TimerStop($stopwatch)"/>
+    <xsl:variable name="seconds" select="vexa:TimerStop($timer)"/>
   </xsl:template>
 
   <xsl:template match="o:orderBook" mode="page-footer">
@@ -102,8 +102,8 @@
         <xsl:with-param name="pattern" select="$text-seconds"/>
         <xsl:with-param name="with">
           <xsl:call-template name="number">
-            <!-- Destroying gives the total of the laps. -->
-            <xsl:with-param name="value" select="number(vexa:TimerDestroy($stopwatch))"/>
+            <!-- TimerDestroy returns the total. -->
+            <xsl:with-param name="value" select="number(vexa:TimerDestroy($timer))"/>
             <xsl:with-param name="pattern" select="'0.000'"/>
           </xsl:call-template>
         </xsl:with-param>

@@ -1,12 +1,12 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-  Turns an order book into a page: key figures, turnover by month and category, the best customers
-  and every order. report-layout.xsl brings the frame of the page, its look, and the formatting of
-  numbers and dates.
+  Converts an order book to a page with key figures, turnover by month and category, the best
+  customers, and all orders. Frame, style, and the formatting of numbers and dates are in
+  report-layout.xsl.
 
-  Parameters: title, currency (an ISO 4217 code; only the label, nothing is converted), lang (rules
-  the formats of numbers and the names of categories; the fixed words stay English, other languages
-  come with report-localised.xsl).
+  Parameters: title; currency (an ISO 4217 code, only for display: amounts are not converted); lang
+  (the language of number formats and category names; the fixed texts are in English, other languages
+  are in report-localised.xsl).
 -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
@@ -18,7 +18,7 @@
 
   <xsl:import href="report-layout.xsl"/>
 
-  <!-- The system identifier is there for the DOCTYPE: without one, browsers fall into quirks mode. -->
+  <!-- The system identifier creates a DOCTYPE: without it, browsers use quirks mode. -->
   <xsl:output method="html" encoding="UTF-8" indent="yes" doctype-system="about:legacy-compat"/>
 
   <xsl:param name="title">
@@ -29,7 +29,7 @@
   <xsl:param name="currency" select="string(/o:orderBook/@currency)"/>
   <xsl:param name="lang" select="'en'"/>
 
-  <!-- ============ Texts: every fixed word that the page shows ============ -->
+  <!-- ============ Texts: all fixed texts of the page ============ -->
 
   <xsl:variable name="text-language" select="'en'"/>
 
@@ -64,7 +64,7 @@
   <xsl:variable name="text-footnote"
                 select="'Turnover leaves out cancelled orders. Outstanding is what open and shipped orders still have to bring in.'"/>
 
-  <!-- Patterns of dates; the template 'date' tells the fields. -->
+  <!-- Date patterns: see the template 'date'. -->
   <xsl:variable name="text-as-of" select="'As of {day} {month} {year}'"/>
   <xsl:variable name="text-of-year" select="'{0} {year}'"/>
   <xsl:variable name="text-month-of-year" select="'{month} {year}'"/>
@@ -93,7 +93,7 @@
   <xsl:key name="customer" match="o:customer" use="@id"/>
   <xsl:key name="orders-of-month" match="o:order" use="substring(@date, 1, 7)"/>
 
-  <!-- These find the computed figures, whose elements are in no namespace. -->
+  <!-- Keys of the computed figures, whose elements have no namespace. -->
   <xsl:key name="figures" match="figures" use="@order"/>
   <xsl:key name="figures-in-state" match="figures" use="@state"/>
   <xsl:key name="figures-of-month" match="figures[@state != 'cancelled']" use="@month"/>
@@ -119,7 +119,7 @@
   </xsl:variable>
   <xsl:variable name="states" select="xalan:nodeset($states-tree)/state"/>
 
-  <!-- Amounts are whole cents, so that sums stay exact. -->
+  <!-- Amounts are integers in cents, so that sums are exact. -->
   <xsl:variable name="figures-tree">
     <xsl:for-each select="/o:orderBook/o:orders/o:order">
       <xsl:variable name="lines">
@@ -397,7 +397,7 @@
           </tr>
         </thead>
         <tbody>
-          <!-- The first line of each category stands for its group. -->
+          <!-- The first line of each category represents the category. -->
           <xsl:for-each select="$figures/figures/line[generate-id()
                                 = generate-id(key('lines-of-category', @category)[1])]">
             <xsl:sort select="sum(key('lines-of-category', @category)/@cents)" data-type="number"
@@ -484,7 +484,7 @@
   <!-- ============ Customers ============ -->
 
   <xsl:template name="customer-table">
-    <!-- Sorted once, and kept, as the bars are relative to the best. -->
+    <!-- Sorted into a variable, because the bars are relative to the best customer. -->
     <xsl:variable name="ranking-tree">
       <xsl:for-each select="$figures/figures[generate-id()
                             = generate-id(key('figures-of-customer', @customer)[1])]">
@@ -727,7 +727,7 @@
 
   <!-- ============ Names ============ -->
 
-  <!-- Han characters look different in Japanese and in Chinese: each name carries its language. -->
+  <!-- Han characters differ between Japanese and Chinese fonts: each name has its language. -->
   <xsl:template name="name">
     <xsl:param name="class"/>
     <span lang="{ancestor-or-self::*[@xml:lang][1]/@xml:lang}">

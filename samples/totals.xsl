@@ -1,6 +1,6 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- The total of each order since a day, the largest first, as plain text. Reads an order book to
-     which line-amounts.xsl has added the amounts. -->
+<!-- Prints the total of each order since a date, the largest first, as plain text. The source is an
+     order book to which line-amounts.xsl has added the amounts. -->
 <xsl:stylesheet version="1.0"
                 xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
                 xmlns:o="http://vexa.example/orders">
