@@ -18,7 +18,7 @@ namespace {
 
 using Worker = I18NString (*)(const I18NString& id);
 
-/** Runs a function whose one argument is a timer's number. */
+/** Calls a function that has the number of a timer as its only argument. */
 XObjectPtr callWithTimerId(const FunctionCall& call, const char* arityMessage, int assertionLine,
                            Worker worker) {
     call.expectArguments(1, arityMessage);
@@ -26,7 +26,7 @@ XObjectPtr callWithTimerId(const FunctionCall& call, const char* arityMessage, i
     return call.result(worker(call.argument(0)));
 }
 
-/** The timer of that number; one that nobody has used yet is made, stopped and at zero. */
+/** Returns a timer; an unknown number creates a stopped timer at zero. */
 timeStopwatch& findTimer(const I18NString& id) {
     return gmapTimers[parseNumber(id)];
 }
@@ -50,7 +50,7 @@ I18NString formatSeconds(double seconds) {
 
 } // namespace
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): so is its interface
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed
 std::uint32_t MyConvertTimeString(I18NString stamp) {
     constexpr std::uint32_t MSEC_SEC = 1000;
     constexpr std::uint32_t MSEC_MIN = 60 * MSEC_SEC;
@@ -86,7 +86,7 @@ XObjectPtr FunctionTimerCreate::execute(xalanc::XPathExecutionContext& execution
 I18NString FunctionTimerCreate::TimerCreate() {
     ++gnIndexTimerID;
     I18NString id = formatNumber(gnIndexTimerID);
-    // A stylesheet may have used this number already, on its own account.
+    // A stylesheet may have used this number without TimerCreate.
     gmapTimers[gnIndexTimerID] = timeStopwatch();
     return id;
 }
@@ -102,9 +102,9 @@ XObjectPtr FunctionTimerStart::execute(xalanc::XPathExecutionContext& executionC
 
 I18NString FunctionTimerStart::TimerStart(const I18NString& id) {
     const std::uint32_t now = MyCurrentTime();
-    // A lap that was running is dropped: only a finished lap counts.
+    // Discards an interval that has not ended: only finished intervals count.
     findTimer(id).ulStart = now;
-    // Late in a month the count has its highest bit set, and stylesheets know it as negative.
+    // Negative late in a month, when the highest bit of the count is set: this is guaranteed.
     return formatNumber(static_cast<std::int32_t>(now));
 }
 
@@ -120,11 +120,11 @@ XObjectPtr FunctionTimerStop::execute(xalanc::XPathExecutionContext& executionCo
 I18NString FunctionTimerStop::TimerStop(const I18NString& id) {
     const std::uint32_t now = MyCurrentTime();
     timeStopwatch& timer = findTimer(id);
-    // A timer that does not run has a lap from the start of the count: a wrong call that shows.
-    const double lap = MyTimeElapsed(now, timer.ulStart);
+    // For a stopped timer, ulStart is 0: the interval begins at the start of the count.
+    const double interval = MyTimeElapsed(now, timer.ulStart);
     timer.ulStart = 0;
-    timer.dTotal += lap;
-    return formatSeconds(lap);
+    timer.dTotal += interval;
+    return formatSeconds(interval);
 }
 
 // ---- TimerTotal ----
@@ -162,7 +162,7 @@ XObjectPtr FunctionTimerDestroy::execute(xalanc::XPathExecutionContext& executio
                                          xalanc::XalanNode* context,
                                          const XObjectArgVectorType& args,
                                          const xalanc::Locator* /*locator*/) const {
-    // Stylesheets' error handling knows the message with this name, which no function ever had.
+    // The message names a function that does not exist: this text is guaranteed.
     return callWithTimerId(FunctionCall(executionContext, context, args),
                            "The TimerDestroyID() function takes 1 argument!", 445, TimerDestroy);
 }

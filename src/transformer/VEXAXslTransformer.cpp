@@ -29,7 +29,7 @@ namespace {
 class NamelessSource : public XSLTInputSource {
 public:
     xercesc::BinInputStream* makeStream() const override {
-        throw xercesc::SAXException(u"The name of the source file is empty.");
+        throw xercesc::SAXException(u"The source file name is empty.");
     }
 };
 

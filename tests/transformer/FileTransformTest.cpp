@@ -18,7 +18,7 @@ TEST_F(FileTransformTest, WritesTheResultToTheFile) {
 TEST_F(FileTransformTest, RejectsAnEmptySourceName) {
     const auto outcome = transformFile("", sheetWithRootTemplate("<b/>"));
     EXPECT_NE(outcome.result, 0);
-    EXPECT_EQ(outcome.error, "The name of the source file is empty.");
+    EXPECT_EQ(outcome.error, "The source file name is empty.");
     EXPECT_EQ(outcome.result, -2);
     EXPECT_EQ(m_folder.list(), "sheet.xsl");
 
@@ -42,7 +42,7 @@ TEST_F(FileTransformTest, RejectsAnEmptySourceNameWithAXercesDom) {
     const auto outcome = transformFile("", sheetWithRootTemplate("<b/>"));
     VEXAXslTransformer::m_bUseXercesDOM = false;
     EXPECT_EQ(outcome.result, -2);
-    EXPECT_EQ(outcome.error, "The name of the source file is empty.");
+    EXPECT_EQ(outcome.error, "The source file name is empty.");
 }
 
 TEST_F(FileTransformTest, ClearsAnEarlierErrorMessage) {
@@ -81,7 +81,7 @@ TEST_F(FileTransformTest, SetsAllParametersAgainInEachTransform) {
                             "match='/'><xsl:value-of select='$p'/></xsl:template>"));
     m_transformer.setStylesheetParam("p", "kept");
     for (int i = 0; i < 2; ++i) {
-        // What the engine has been told is gone; what the facade remembers counts.
+        // The engine has lost the parameters, but the transformer sets them again.
         Inspector::engine(m_transformer).clearStylesheetParams();
         EXPECT_EQ(transformFile(source(), sheet).output, "kept");
         Inspector::engine(m_transformer).clearStylesheetParams();
@@ -105,7 +105,7 @@ TEST_F(FileTransformTest, CallsNodesetInTheEnginesNamespace) {
     EXPECT_EQ(transformFile(source(), sheet).output, "<b>3</b>");
 }
 
-/** The engine offers nodeset to everyone; without that, the facade's own installation serves. */
+/** The engine installs nodeset globally. Without that, the installation by the library is used. */
 TEST_F(FileTransformTest, InstallsNodesetItself) {
     const xalanc::XalanDOMString ns("http://xml.apache.org/xalan"), name("nodeset");
     xalanc::XalanTransformer::uninstallExternalFunctionGlobal(ns, name);
@@ -135,13 +135,13 @@ TEST_F(FileTransformTest, AcceptsNamesWithSpacesAndOtherScripts) {
 TEST_F(FileTransformTest, ResolvesReferencesAgainstTheStylesheet) {
     std::filesystem::create_directory(m_folder.path("sheets"));
     m_folder.write("sheets/base.xsl", stylesheet("<xsl:template match='a'><c/></xsl:template>"));
-    m_folder.write("sheets/data.xml", "<d>far</d>");
+    m_folder.write("sheets/data.xml", "<d>data</d>");
     const std::string sheet = m_folder.write(
         "sheets/main.xsl",
         stylesheet("<xsl:import href='base.xsl'/><xsl:output omit-xml-declaration='yes'/>"
                    "<xsl:template match='/'><b><xsl:apply-templates/>"
                    "<xsl:value-of select='document(\"data.xml\")/d'/></b></xsl:template>"));
-    EXPECT_EQ(transformFile(source(), sheet).output, "<b><c/>far</b>");
+    EXPECT_EQ(transformFile(source(), sheet).output, "<b><c/>data</b>");
 }
 
 TEST_F(FileTransformTest, CompilesTheStylesheetAgainInEachTransform) {
@@ -178,7 +178,7 @@ TEST_F(FileTransformTest, PassesForeignExceptionsToTheCallerAndStaysUsable) {
 
 namespace {
 
-/** Tells whether the document is a Xerces DOM. */
+/** Returns the data structure of the document. */
 class TreeFunction : public BracketFunction {
 public:
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,

@@ -40,7 +40,7 @@ TEST_F(StreamTransformTest, WritesTheNulAfterAFailedTransform) {
 }
 
 TEST_F(StreamTransformTest, KeepsTheOutputWrittenBeforeAFailure) {
-    // More than the engine keeps back before it writes.
+    // More than the output buffer of the engine.
     const std::string part(100'000, 'x');
     const auto outcome =
         transformStream("<a/>", sheetWithRootTemplate("<b>" + part +
