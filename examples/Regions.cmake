@@ -1,10 +1,10 @@
-# The parts of example files that documents show. A part stands between two lines of its own, in the
-# file's kind of comment, "// [its name]" and "// [/its name]"; parts may overlap.
+# Regions: the parts of example files that the documentation shows. A region is between two comment
+# lines, "// [name]" and "// [/name]". Regions may overlap.
 
 set(REGION_MARK "(//|#|<!--) \\[/?[a-z][a-z0-9 ]*\\]( -->)?")
 
-# read_region(VARIABLE FILE NAME): the part of that name as it stands there, or the whole file where
-# the name is empty; without the marks of other parts.
+# read_region(VARIABLE FILE NAME): reads a region, or the whole file if NAME is empty, without the
+# marks of other regions.
 function(read_region variable file name)
   file(READ "${file}" text)
   if(NOT name STREQUAL "")
@@ -17,7 +17,7 @@ function(read_region variable file name)
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# unindent(VARIABLE TEXT): the text without the blanks that its first line begins with.
+# unindent(VARIABLE TEXT): removes the indentation of the first line from all lines.
 function(unindent variable text)
   if(text MATCHES "^ +")
     string(REPLACE "\n${CMAKE_MATCH_0}" "\n" text "\n${text}")
