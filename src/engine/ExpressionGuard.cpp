@@ -15,12 +15,12 @@
 
 namespace {
 
-/** Bytes of stack: the engine first parses an expression, then it evaluates it. */
+/** Bytes of stack that the engine needs to parse and then to evaluate an expression. */
 struct Stack {
     std::size_t parsing = 0;
     std::size_t evaluation = 0;
 
-    std::size_t most() const { return std::max(parsing, evaluation); }
+    std::size_t maximum() const { return std::max(parsing, evaluation); }
 };
 
 Stack operator+(Stack a, Stack b) {
@@ -31,18 +31,19 @@ Stack operator*(std::size_t times, Stack stack) {
     return {times * stack.parsing, times * stack.evaluation};
 }
 
-Stack deeper(Stack a, Stack b) {
+Stack maximum(Stack a, Stack b) {
     return {std::max(a.parsing, b.parsing), std::max(a.evaluation, b.evaluation)};
 }
 
-/** What rows consist of, from the operator that binds least to the one that binds most. */
+/** The operators of chains, from the lowest to the highest precedence. */
 enum Level { OR, AND, EQUALITY, RELATIONAL, ADDITIVE, MULTIPLICATIVE, MINUS_SIGN, UNION, STEP };
 constexpr std::size_t LEVELS = STEP + 1;
 
 /**
- * What each takes, as measured with Debian's libxalan-c 1.12 (a release build): the bytes that one
- * more of it takes of a stack that was painted before. A chain of operators is evaluated from its
- * innermost left operand, a chain of steps from its first; unions are evaluated in a loop.
+ * The bytes of stack for each further operator, bracket or call, measured with Debian's libxalan-c
+ * 1.12 (a release build) on a stack that was filled with a pattern before. A chain of operators is
+ * evaluated from its innermost left operand, a chain of steps from its first step; unions are
+ * evaluated in a loop.
  */
 #if SIZE_MAX > UINT32_MAX // amd64
 constexpr Stack OF_LEVEL[LEVELS] = {{32, 128}, {32, 128}, {48, 144}, {48, 144}, {48, 144},
@@ -58,25 +59,22 @@ constexpr Stack OF_CALL = {768, 600};
 constexpr Stack OF_PREDICATE = {944, 464};
 #endif
 
-/** Another build of the engine may take a little more than the one that was measured. */
+/** Other builds of the engine may need a little more stack than the measured one. */
 constexpr std::size_t withTolerance(std::size_t measured) {
     return measured + measured / 4;
 }
 
-/**
- * What the engine needs besides: some 13 KB were measured, most of it for an exception and its
- * message.
- */
+/** For everything else; about 13 KB were measured, most of it for an exception and its message. */
 constexpr std::size_t RESERVE = std::size_t{32} * 1024;
 
-/** Every thread that can run the engine at all has so much more. */
-constexpr std::size_t EVERY_THREAD_HAS = std::size_t{16} * 1024;
+/** Every thread that can run the engine has this much stack in addition. */
+constexpr std::size_t MIN_STACK = std::size_t{16} * 1024;
 
-/** Taken for a stack whose bounds are unknown, such as that of a coroutine. */
+/** Assumed for a stack with unknown bounds, such as that of a coroutine. */
 constexpr std::size_t UNKNOWN_STACK = std::size_t{512} * 1024;
 
-/** The bytes that the calling thread has left of its stack. */
-std::size_t stackLeft() {
+/** The remaining bytes of the calling thread's stack. */
+std::size_t remainingStack() {
     pthread_attr_t attributes;
     if (pthread_getattr_np(pthread_self(), &attributes) != 0) {
         return UNKNOWN_STACK;
@@ -85,51 +83,51 @@ std::size_t stackLeft() {
     std::size_t size = 0;
     pthread_attr_getstack(&attributes, &lowest, &size);
     pthread_attr_destroy(&attributes);
-    // No local variable: AddressSanitizer may keep those elsewhere.
+    // Not the address of a local variable: AddressSanitizer may store it on another stack.
     const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-    const std::size_t left = here - reinterpret_cast<std::uintptr_t>(lowest);
-    return left < size ? left : UNKNOWN_STACK;
+    const std::size_t remaining = here - reinterpret_cast<std::uintptr_t>(lowest);
+    return remaining < size ? remaining : UNKNOWN_STACK;
 }
 
 bool isOneOf(char16_t c, std::u16string_view characters) {
     return characters.find(c) != std::u16string_view::npos;
 }
 
-/** Reads an expression once, cut into tokens as the engine does, and adds up what it takes. */
+/** Reads the tokens of an expression as the engine does, and adds up the stack that it needs. */
 class StackCounter {
 public:
     explicit StackCounter(std::u16string_view expression) : m_rest(expression), m_brackets(1) {}
 
-    bool takesMoreThan(std::size_t limit) {
+    bool needsMoreThan(std::size_t limit) {
         while (!m_rest.empty()) {
             readToken();
-            if (m_takenByOpenBrackets > limit) {
-                return true; // without keeping track of any number of brackets
+            if (m_stackOfOpenBrackets > limit) {
+                return true; // bounds the number of open brackets that are stored
             }
         }
         while (m_brackets.size() > 1) {
             closeBracket();
         }
         finishArgument();
-        return withTolerance(bracket().arguments.most()) > limit;
+        return withTolerance(bracket().arguments.maximum()) > limit;
     }
 
 private:
-    struct Row {
-        /** How many of its operators there are so far. */
+    /** Operators of the same level and their operands. */
+    struct Chain {
         std::size_t operators = 0;
-        /** What its members so far take, at most. */
-        Stack members;
+        /** The maximum of all operands so far. */
+        Stack operands;
     };
 
     /** An open bracket, or the expression itself. */
     struct OpenBracket {
-        /** What the bracket itself takes. */
+        /** The stack for the bracket itself. */
         Stack own;
-        std::array<Row, LEVELS> rows;
-        /** What the present member of the innermost row takes. */
-        Stack member;
-        /** What its arguments so far take, at most. */
+        std::array<Chain, LEVELS> chains;
+        /** The current operand of the innermost chain. */
+        Stack operand;
+        /** The maximum of all arguments so far. */
         Stack arguments;
     };
 
@@ -144,7 +142,7 @@ private:
         } else if (isOneOf(c, u" \t\r\n")) {
             skip(1);
         } else if (isOneOf(c, u"-@()[]|/*+=,\\^!$<>")) {
-            readSign(c);
+            readSymbol(c);
             skip(1);
         } else {
             readWord();
@@ -162,7 +160,7 @@ private:
         return length;
     }
 
-    /** A name, a number or a part of a path; a name is an operator only behind an operand. */
+    /** A name, a number or a part of a path. A name is an operator only after an operand. */
     void readWord() {
         const auto word =
             m_rest.substr(0, xalanc::XalanXMLChar::isDigit(m_rest.front())
@@ -176,12 +174,12 @@ private:
         } else if (m_afterOperand && (word == u"div" || word == u"mod")) {
             countOperator(MULTIPLICATIVE);
         } else {
-            // Behind an axis or a prefix, "or" is the name of an element.
+            // After an axis or a prefix, "or" is an element name.
             m_afterOperand = word.back() != u':';
         }
     }
 
-    void readSign(char16_t c) {
+    void readSymbol(char16_t c) {
         switch (c) {
         case u'(':
             openBracket(m_afterOperand ? OF_CALL : OF_GROUP);
@@ -199,7 +197,7 @@ private:
             break;
         case u'|':
             countOperator(UNION);
-            bracket().rows[UNION].operators = 1; // of any number of them
+            bracket().chains[UNION].operators = 1; // a longer chain needs no more stack
             break;
         case u'/':
             countOperator(STEP);
@@ -209,9 +207,9 @@ private:
                 countBinaryOperator(c);
             } else if (c == u'-') {
                 countOperator(MINUS_SIGN);
-                bracket().rows[MINUS_SIGN].operators = 1; // two in a row are an error
+                bracket().chains[MINUS_SIGN].operators = 1; // "--" is a syntax error
             } else {
-                // A wildcard; else the end of "!=", "<=" or ">=", which is counted already.
+                // A wildcard, or the second character of "!=", "<=" or ">=", which is counted.
                 m_afterOperand = c == u'*';
             }
         }
@@ -227,73 +225,73 @@ private:
         } else if (c == u'*') {
             countOperator(MULTIPLICATIVE);
         }
-        m_afterOperand = false; // behind "@" and "$", too
+        m_afterOperand = false; // also after "@" and "$"
     }
 
     void countOperator(Level level) {
-        finishRows(level + 1);
-        Row& row = bracket().rows[level];
-        ++row.operators;
-        row.members = deeper(row.members, std::exchange(bracket().member, {}));
+        finishChains(level + 1);
+        Chain& chain = bracket().chains[level];
+        ++chain.operators;
+        chain.operands = maximum(chain.operands, std::exchange(bracket().operand, {}));
         m_afterOperand = false;
     }
 
     /**
-     * Rows of `outermost` and of what binds more end here: each becomes a member of the row around
-     * it. The deepest member may be on top of the whole row.
+     * Ends the chains of a level and of all higher levels. Each becomes an operand of the chain
+     * that contains it. The deepest operand may be on top of the complete chain.
      */
-    void finishRows(std::size_t outermost) {
-        for (std::size_t level = LEVELS; level-- > outermost;) {
-            const Row row = std::exchange(bracket().rows[level], {});
-            bracket().member =
-                deeper(bracket().member, row.members) + row.operators * OF_LEVEL[level];
+    void finishChains(std::size_t lowest) {
+        for (std::size_t level = LEVELS; level-- > lowest;) {
+            const Chain chain = std::exchange(bracket().chains[level], {});
+            bracket().operand =
+                maximum(bracket().operand, chain.operands) + chain.operators * OF_LEVEL[level];
         }
     }
 
     void finishArgument() {
-        finishRows(OR);
-        bracket().arguments = deeper(bracket().arguments, std::exchange(bracket().member, {}));
+        finishChains(OR);
+        bracket().arguments = maximum(bracket().arguments, std::exchange(bracket().operand, {}));
     }
 
     void openBracket(Stack own) {
         m_brackets.emplace_back().own = own;
-        m_takenByOpenBrackets += own.parsing;
+        m_stackOfOpenBrackets += own.parsing;
         m_afterOperand = false;
     }
 
     void closeBracket() {
         m_afterOperand = true;
         if (m_brackets.size() == 1) {
-            return; // none is open: an error that the engine reports
+            return; // unmatched: the engine reports the error
         }
         finishArgument();
         const OpenBracket closed = bracket();
         m_brackets.pop_back();
-        m_takenByOpenBrackets -= closed.own.parsing;
-        bracket().member = deeper(bracket().member, closed.arguments + closed.own);
+        m_stackOfOpenBrackets -= closed.own.parsing;
+        bracket().operand = maximum(bracket().operand, closed.arguments + closed.own);
     }
 
     void skip(std::size_t length) { m_rest.remove_prefix(length); }
 
     std::u16string_view m_rest;
     bool m_afterOperand = false;
-    /** The expression itself, and the brackets that are open in it. */
+    /** The expression itself and its open brackets. */
     std::vector<OpenBracket> m_brackets;
-    std::size_t m_takenByOpenBrackets = 0;
+    std::size_t m_stackOfOpenBrackets = 0;
 };
 
 } // namespace
 
 bool isTooDeepExpression(std::u16string_view expression) {
-    // The system is asked for the stack only where it matters: in the main thread that takes long.
-    if (!StackCounter(expression).takesMoreThan(EVERY_THREAD_HAS)) {
+    // remainingStack() is slow in the main thread: call it only for a deep expression.
+    if (!StackCounter(expression).needsMoreThan(MIN_STACK)) {
         return false;
     }
-    const std::size_t left = stackLeft();
-    return left < RESERVE || StackCounter(expression).takesMoreThan(left - RESERVE);
+    const std::size_t remaining = remainingStack();
+    return remaining < RESERVE || StackCounter(expression).needsMoreThan(remaining - RESERVE);
 }
 
-void refuseTooDeepExpression(std::u16string_view expression) {
+void rejectTooDeepExpression(std::u16string_view expression) {
     if (isTooDeepExpression(expression)) {
         throw xalanc::XalanXPathException(
             xalanc::XalanDOMString("The expression is nested too deeply."), engineMemory());

@@ -7,11 +7,10 @@
 #include <string_view>
 
 /**
- * Whether an XPath expression would overflow the stack that the calling thread has left. The engine
- * recurses for each open bracket, and for each further member of a row of operators, of "and", of
- * "or" or of steps.
+ * Whether an XPath expression would overflow the remaining stack of the calling thread. The engine
+ * recurses for each open bracket, and for each operator and each step in a chain.
  */
 bool isTooDeepExpression(std::u16string_view expression);
 
-/** @throws an XSLException if isTooDeepExpression() */
-void refuseTooDeepExpression(std::u16string_view expression);
+/** @throws xalanc::XSLException if isTooDeepExpression() */
+void rejectTooDeepExpression(std::u16string_view expression);

@@ -25,8 +25,8 @@ using xalanc::XSLTInputSource;
 namespace {
 
 /**
- * A run leaves the engine's prefix resolver with the formatter, which lives on in its holder when
- * the engine is gone. This takes it away again, whichever way the run ends.
+ * A transform sets the engine's prefix resolver in the formatter, which outlives the engine. The
+ * destructor resets it.
  */
 class PrefixResolverGuard {
 public:
@@ -43,7 +43,7 @@ private:
     xalanc::FormatterListener* m_pFormatter;
 };
 
-/** An execution context over the engine, with ICU's services. */
+/** An execution context with the services of ICU. */
 class ExecutionContext {
 public:
     explicit ExecutionContext(PrivateEngine& engine)
@@ -75,7 +75,7 @@ int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, D
 void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& stylesheet,
                                            Dom2Dom& out) {
     const SourceDocument document(in.GetDocument());
-    // Messages of the stylesheet go where the engine transformer of the other transforms puts them.
+    // Writes xsl:message texts to std::cerr, like the engine in file and stream transforms.
     xalanc::XalanTransformerProblemListener messages(engineMemory(), &std::cerr, nullptr);
     PrivateEngine engine([this](xalanc::XSLTProcessorEnvSupportDefault& environment) {
         installFunctions(m_mapFunctions,
@@ -96,11 +96,11 @@ void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& styles
     const XSLTInputSource stylesheetFile(toEngineString(stylesheet));
     XSLTInputSource stylesheetDocument(
         engine.parserLiaison.parseXMLStream(stylesheetFile, XalanDOMString()));
-    // Imports, includes and document() are resolved against the stylesheet's place.
+    // The base for imports, includes and document().
     stylesheetDocument.setSystemId(stylesheetFile.getSystemId());
 
     setStylesheetParams(m_mapParams, engine.processor);
-    // Without a target the engine would crash; with an empty one it reports that it has none.
+    // Without a target the engine would crash; for an empty target it reports an error.
     xalanc::XSLTResultTarget noTarget;
     engine.processor.process(source, stylesheetDocument,
                              out.m_pResultTarget ? *out.m_pResultTarget : noTarget, construction,

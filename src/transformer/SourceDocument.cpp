@@ -10,7 +10,7 @@
 
 namespace {
 
-/** The element that it claims to have is none of its children: no path leads to it. */
+/** Its document element is not one of its child nodes: no path leads to it. */
 class DocumentWithoutElement : public xalanc::XalanSourceTreeDocument {
 public:
     explicit DocumentWithoutElement(const xalanc::XalanDocument& original)

@@ -1,6 +1,6 @@
 /**
  * @file
- * The document that the engine reads.
+ * The source document of the engine.
  */
 #pragma once
 
@@ -9,22 +9,21 @@
 #include <xalanc/XalanDOM/XalanDocument.hpp>
 
 /**
- * A document in the form in which the engine can read it.
+ * A document that the engine can read without a crash.
  *
- * Where a document has no element (it is empty, or holds only comments and processing
- * instructions), the engine takes its nodes for parts of a result tree fragment. For "/" it goes up
- * from them to the fragment's root, finds none and crashes. It is given a copy of such a document,
- * which claims to have an element.
+ * If a document has no document element, the engine treats its nodes as parts of a result tree
+ * fragment. For "/" it looks for the root of the fragment, finds none and crashes. Therefore the
+ * engine gets a copy of such a document, whose getDocumentElement() does not return null.
  */
 class SourceDocument {
 public:
-    /** @param document null: there is none */
+    /** @param document null: there is no document */
     explicit SourceDocument(xalanc::XalanDocument* document);
 
     xalanc::XalanDocument* get() const { return m_pDocument; }
 
 private:
-    /** Null where the document itself can be read. */
+    /** Null if the engine can read the document itself. */
     std::unique_ptr<xalanc::XalanDocument> m_pCopy;
     xalanc::XalanDocument* m_pDocument;
 };

@@ -22,7 +22,7 @@ using xalanc::XalanDOMString;
 
 namespace {
 
-/** Only a string or a single node has a text. */
+/** Writes a string or a single node; nothing for any other result. */
 void print(const xalanc::XObject& result, std::ostream& out) {
     if (result.getType() == xalanc::XObject::eTypeNodeSet) {
         const xalanc::NodeRefListBase& nodes = result.nodeset();
@@ -30,27 +30,28 @@ void print(const xalanc::XObject& result, std::ostream& out) {
             writeXml(out, nodes.item(0), XmlDeclaration::LeftOut);
         }
     } else if (result.getType() == xalanc::XObject::eTypeString) {
-        // The engine's own output would break characters beyond the basic plane.
+        // OutputString of the engine splits surrogate pairs.
         int length = 0;
         const I18NString text = TqXsltFunction::XalanDOMStringToI18NString(result.str());
         const char* const narrow = text.c_str(nullptr, &length);
-        out.write(narrow, length); // whatever width the caller's stream is set to
+        out.write(narrow, length); // unlike operator<<, ignores the width of the stream
     }
 }
 
 void query(xalanc::XalanDocument* document, const I18NString& expression, std::ostream& out) {
     if (!document) {
-        throw xalanc::XalanXPathException(XalanDOMString("The holder has no document to query."),
+        throw xalanc::XalanXPathException(XalanDOMString("There is no document to query."),
                                           engineMemory());
     }
     const SourceDocument source(document);
-    // It evaluates nothing itself, but the evaluator reads the document through its supports.
+    // The evaluator needs only the DOM support of the engine. All objects are created: this is
+    // guaranteed.
     PrivateEngine engine;
     engine.domSupport.setParserLiaison(&engine.parserLiaison);
     xalanc::XPathEvaluator evaluator;
     const DocumentPrefixes prefixes(source.get());
     const XalanDOMString xpath = toEngineString(expression);
-    refuseTooDeepExpression({xpath.c_str(), xpath.length()});
+    rejectTooDeepExpression({xpath.c_str(), xpath.length()});
     const xalanc::XObjectPtr result =
         evaluator.evaluate(engine.domSupport, source.get(), xpath.c_str(), prefixes);
     print(*result, out);
@@ -58,11 +59,12 @@ void query(xalanc::XalanDocument* document, const I18NString& expression, std::o
 
 } // namespace
 
-int VEXAXslTransformer::doXPath(Dom2Dom& holder, const I18NString& expression, std::ostream& out) {
+int VEXAXslTransformer::doXPath(Dom2Dom& document, const I18NString& expression,
+                                std::ostream& out) {
     m_strLastError = I18NString();
-    if (holder.m_bInputInitialized && holder.m_nParseResult != 0) {
-        return holder.m_nParseResult;
+    if (document.m_bInputInitialized && document.m_nParseResult != 0) {
+        return document.m_nParseResult;
     }
     return runGuarded(XPATH_QUERY, m_strLastError,
-                      [&] { query(holder.GetDocument(), expression, out); });
+                      [&] { query(document.GetDocument(), expression, out); });
 }

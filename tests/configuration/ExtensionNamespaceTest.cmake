@@ -1,4 +1,4 @@
-# Configuring takes an absolute http URI whose path ends in /wol, and nothing else: -D CHECK=script
+# Valid and invalid extension namespaces: cmake -D CHECK=ExtensionNamespace.cmake -P ExtensionNamespaceTest.cmake
 cmake_minimum_required(VERSION 3.25)
 
 foreach(uri "http://vexa.example/xslt/wol" "http://a/wol" "http://host.example:8080/a/b-c/wol"
@@ -6,7 +6,7 @@ foreach(uri "http://vexa.example/xslt/wol" "http://a/wol" "http://host.example:8
   execute_process(COMMAND "${CMAKE_COMMAND}" -D "VEXA_XSL_EXTENSION_NAMESPACE=${uri}" -P "${CHECK}"
                   RESULT_VARIABLE result OUTPUT_QUIET ERROR_QUIET)
   if(NOT result EQUAL 0)
-    message(FATAL_ERROR "\"${uri}\" was refused")
+    message(FATAL_ERROR "\"${uri}\" was rejected")
   endif()
 endforeach()
 foreach(uri "" "wol" "/wol" "vexa.example/wol" "https://vexa.example/wol" "http://vexa.example/"
@@ -16,6 +16,6 @@ foreach(uri "" "wol" "/wol" "vexa.example/wol" "https://vexa.example/wol" "http:
   execute_process(COMMAND "${CMAKE_COMMAND}" -D "VEXA_XSL_EXTENSION_NAMESPACE=${uri}" -P "${CHECK}"
                   RESULT_VARIABLE result OUTPUT_QUIET ERROR_QUIET)
   if(result EQUAL 0)
-    message(FATAL_ERROR "\"${uri}\" was taken")
+    message(FATAL_ERROR "\"${uri}\" was accepted")
   endif()
 endforeach()

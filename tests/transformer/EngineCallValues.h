@@ -1,6 +1,6 @@
 /**
  * @file
- * What EngineCalls.cpp cannot find out itself, as it may not include the engine's headers.
+ * Helpers of EngineCalls.cpp, which cannot include the headers of the engine.
  */
 #pragma once
 
@@ -13,7 +13,7 @@ class XSLTInputSource;
 class XalanDocumentBuilder;
 } // namespace XALAN_CPP_NAMESPACE
 
-/** An engine string as UTF-8. */
+/** Converts an engine string to UTF-8. */
 std::string narrow(const xalanc::XalanDOMChar* text);
 
 const void* nodeOf(const xalanc::XSLTInputSource& source);

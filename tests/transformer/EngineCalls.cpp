@@ -1,10 +1,9 @@
 /**
  * @file
- * The engine's functions that are recorded.
+ * The recorded functions of the engine.
  *
- * The classes here have the names of the engine's classes, and nothing but functions: they give
- * these functions the names that the linker looks for. No header that defines one of them can be
- * included.
+ * The classes here have the names of engine classes, and only functions, so that the functions have
+ * the names that the linker looks for. Headers that define these classes cannot be included.
  */
 #include "EngineCalls.h"
 
@@ -30,7 +29,7 @@ struct Record {
 
 Record* g_record = nullptr;
 
-/** The engine calls itself through the same functions: those calls are not recorded. */
+/** The engine calls the same functions: those calls are not recorded. */
 bool isLibrary(void* caller) {
     Dl_info info{};
     return dladdr(caller, &info) != 0 && info.dli_fname &&
@@ -76,7 +75,7 @@ void nameNew(const void* object, const std::string& className) {
     g_record->names[object] = number == 1 ? className : className + ' ' + std::to_string(number);
 }
 
-/** A call from an address in the program, if it is one to record. */
+/** A call from an address in the program. Knows whether the call is recorded. */
 class Caller {
 public:
     explicit Caller(void* address) : m_isRecorded(g_record && isLibrary(address)) {}
@@ -94,13 +93,13 @@ public:
             g_record->calls.push_back(nameOf(object) + '.' + function + listOf(values...));
         }
     }
-    /** Names a result after the call that gave it. */
+    /** Names an object that a call has returned. */
     void receives(const void* object, const char* name) const {
         if (m_isRecorded) {
             g_record->names[object] = name;
         }
     }
-    /** Only what was constructed in a way that is recorded. */
+    /** Records the destruction of an object whose construction was recorded. */
     void destroys(const void* object) const {
         if (m_isRecorded && g_record->names.count(object) != 0) {
             g_record->calls.push_back('~' + nameOf(object));
@@ -112,7 +111,7 @@ private:
     const bool m_isRecorded;
 };
 
-/** The engine's own definition of the function that calls this. */
+/** The engine's definition of the calling function. */
 [[gnu::noinline]] void* engineFunction() {
     Dl_info self{};
     dladdr(__builtin_return_address(0), &self);

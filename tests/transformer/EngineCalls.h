@@ -1,11 +1,9 @@
 /**
  * @file
- * A record of the calls that the library makes into the engine, in their order and with their
- * arguments.
+ * Records the calls of engine functions by the library, in order and with their arguments.
  *
- * A program with EngineCalls.cpp in it defines some of the engine's functions itself. The dynamic
- * linker takes these definitions; each one records its call and then calls the engine's own
- * function.
+ * A program with EngineCalls.cpp defines some functions of the engine itself. The dynamic linker
+ * uses these definitions: each of them records the call, and then calls the function of the engine.
  */
 #pragma once
 
@@ -13,8 +11,8 @@
 #include <vector>
 
 /**
- * Records from its construction on. Objects are named by their class, and by a number from the
- * second one of that class on: "XPathFactoryDefault 2". "~" before a name is a destruction.
+ * Records calls during its lifetime. The name of an object is its class, with a number from the
+ * second object of the class on: "XPathFactoryDefault 2". "~" before a name is a destructor call.
  */
 class EngineCallRecord {
 public:
@@ -23,9 +21,9 @@ public:
     EngineCallRecord& operator=(const EngineCallRecord&) = delete;
     ~EngineCallRecord();
 
-    /** Gives a name to an object that the library did not construct while this record existed. */
+    /** Names an object that the library did not construct during the lifetime of this record. */
     void name(const void* object, const std::string& name);
 
-    /** The calls since the record began, or since they were last taken. */
+    /** Returns the calls since the construction or the last take(). */
     std::vector<std::string> take();
 };

@@ -1,7 +1,7 @@
 /**
  * @file
- * What the library builds of the engine for an operation in memory: which objects, in which order,
- * with which arguments, and in which order it destroys them.
+ * The engine objects that the library creates for an in-memory operation: their order, their
+ * arguments, and the order of their destruction.
  */
 #include "EngineCalls.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-/** One call in a line, so that a failed comparison shows the lines that differ. */
+/** One line for each call, so that a failed comparison shows the lines that differ. */
 std::string lines(const Calls& calls) {
     std::string text;
     for (const std::string& call : calls) {
@@ -27,7 +27,7 @@ std::string lines(const Calls& calls) {
     return text;
 }
 
-/** The objects that the in-memory transform and the query build alike, up to the engine. */
+/** Common to the in-memory transform and the query, up to the engine. */
 const Calls SUPPORTS = {
     "XalanSourceTreeDOMSupport()",
     "XalanSourceTreeParserLiaison(XalanSourceTreeDOMSupport)",
@@ -67,7 +67,7 @@ const Calls END_OF_CONTEXTS = {
     "~XSLTInputSource",
 };
 
-/** A node is written as XML by these, without indentation and in the default encoding. */
+/** Writes a node as XML, without indentation and in the default encoding. */
 const Calls WRITER = {
     "XalanStdOutputStream(stream)",
     "XalanOutputStreamPrintWriter(XalanStdOutputStream, false)",
@@ -242,14 +242,14 @@ TEST_F(EngineOrderTest, Serialization) {
 TEST_F(EngineOrderTest, Input) {
     std::istringstream source("<a/>");
     m_record.name(&source, "source");
-    Dom2DomPtr holder = m_transformer.createDom2Dom();
-    ASSERT_TRUE(holder->InitializeInputSource(source, "a.xml"));
+    Dom2DomPtr document = m_transformer.createDom2Dom();
+    ASSERT_TRUE(document->InitializeInputSource(source, "a.xml"));
     EXPECT_EQ(calls(), lines({
                            "XSLTInputSource(source)",
                            "XSLTInputSource.setSystemId(\"a.xml\")",
                            "XalanTransformer.parseSource(false)",
                            "~XSLTInputSource",
                        }));
-    holder.reset();
+    document.reset();
     EXPECT_EQ(calls(), "XalanTransformer.destroyParsedSource(parsed source)\n");
 }

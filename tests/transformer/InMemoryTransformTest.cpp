@@ -72,7 +72,7 @@ TEST_P(InMemoryTransformTest, PassesParameters) {
 }
 
 TEST_P(InMemoryTransformTest, PassesParametersInTheOrderOfTheirNames) {
-    // The engine complains of the first one that it is given.
+    // The engine reports the first parameter that it gets.
     m_transformer.setStylesheetParam("1z", "set first");
     m_transformer.setStylesheetParam("1a", "set second");
     const Dom2DomPtr in = parsed("<a/>"), out = output();
@@ -102,13 +102,13 @@ TEST_P(InMemoryTransformTest, CallsFunctionsAndNodeset) {
     EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='string-length(vexa:GetDateTime())'/>"
                                      "</b>")),
               "<b>12</b>");
-    // What is registered between two calls takes effect at the next.
+    // An installation between two calls takes effect in the second one.
     m_transformer.installExternalFunction("B", ConstantFunction("replaced"));
     EXPECT_EQ(transformed(*in, sheet("<b><xsl:value-of select='vexa:B(a)'/></b>")),
               "<b>replaced</b>");
 }
 
-/** The engine offers nodeset to everyone; without that, the facade's own installation serves. */
+/** The engine installs nodeset globally. Without that, the installation by the library is used. */
 TEST_P(InMemoryTransformTest, InstallsNodesetItself) {
     xalanc::XalanTransformer::uninstallExternalFunctionGlobal(
         xalanc::XalanDOMString("http://xml.apache.org/xalan"), xalanc::XalanDOMString("nodeset"));
@@ -122,7 +122,7 @@ TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheet) {
     std::filesystem::create_directory(m_folder.path("sheets"));
     m_folder.write("sheets/base.xsl", stylesheet("<xsl:template match='a'><c/></xsl:template>"));
     m_folder.write("sheets/more.xsl", stylesheet("<xsl:template name='more'><m/></xsl:template>"));
-    m_folder.write("sheets/data.xml", "<d>far</d>");
+    m_folder.write("sheets/data.xml", "<d>data</d>");
     const std::string file = m_folder.write(
         "sheets/main.xsl",
         stylesheet(
@@ -131,7 +131,7 @@ TEST_P(InMemoryTransformTest, ResolvesReferencesAgainstTheStylesheet) {
             "match='/'><b><xsl:apply-templates/>"
             "<xsl:call-template name='more'/><xsl:value-of select='document(\"data.xml\")/d'/>"
             "<xsl:value-of select='count(document(\"\")/*)'/></b></xsl:template>"));
-    EXPECT_EQ(transformed(*parsed("<a/>"), file), "<b><c/><m/>far1</b>");
+    EXPECT_EQ(transformed(*parsed("<a/>"), file), "<b><c/><m/>data1</b>");
 }
 
 TEST_P(InMemoryTransformTest, SupportsIdsKeysAndStrippedSpace) {
@@ -158,9 +158,9 @@ TEST_P(InMemoryTransformTest, WritesMessagesToStandardErrorLikeTheOtherTransform
     std::ostringstream output;
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), output), 0);
-    const std::string transformStream = ::testing::internal::GetCapturedStderr();
+    const std::string streamed = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(inMemory.rfind("XSLT message: a message", 0), 0U) << inMemory;
-    EXPECT_EQ(transformStream.rfind("XSLT message: a message", 0), 0U) << transformStream;
+    EXPECT_EQ(streamed.rfind("XSLT message: a message", 0), 0U) << streamed;
 }
 
 TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersLikeTheOtherTransforms) {
@@ -180,11 +180,11 @@ TEST_P(InMemoryTransformTest, SortsAndFormatsNumbersLikeTheOtherTransforms) {
 TEST_P(InMemoryTransformTest, ReturnsTheResultOfAFailedParse) {
     const Dom2DomPtr in = m_transformer.createDom2Dom();
     in->InitializeInputSource("<a>");
-    const std::string reason = m_transformer.getLastError();
+    const std::string message = m_transformer.getLastError();
     Inspector::ownError(m_transformer) = "left by an earlier operation";
     const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, m_folder.path("none.xsl"), *out), -2);
-    EXPECT_EQ(m_transformer.getLastError(), reason);
+    EXPECT_EQ(m_transformer.getLastError(), message);
     EXPECT_TRUE(Inspector::ownError(m_transformer).empty());
 }
 
@@ -201,7 +201,7 @@ TEST_P(InMemoryTransformTest, ReportsAStylesheetThatIsMissingOrMalformed) {
               std::string::npos)
         << m_transformer.getLastError();
 
-    // Nothing was delivered: the holder still takes a result.
+    // Nothing was written: the document can still receive a result.
     EXPECT_EQ(transform(*in, sheet("<b/>"), *out), 0);
     EXPECT_EQ(serialized(*out), asSerialized("<b/>"));
 }
@@ -214,27 +214,27 @@ TEST_P(InMemoryTransformTest, ADirectoryIsRejectedAsStylesheet) {
 }
 
 TEST_P(InMemoryTransformTest, ReportsErrorsOfTheStylesheet) {
-    struct Fault {
+    struct Error {
         const char* content;
         int result;
         const char* part;
     };
-    for (const Fault& fault : {
-             Fault{"<xsl:foo/>", -1, "Type is: XSLTProcessorException\n"},
-             Fault{"<xsl:value-of select='a['/>", -1, "XSLTProcessorException"},
-             Fault{"<xsl:value-of select='count(1,2)'/>", -1, "Exception"},
-             Fault{"<xsl:value-of select='vexa:none()'/>", -1, "Type is: XalanXPathException\n"},
-             Fault{"<xsl:value-of select='vexa:TimerStart()'/>", -1,
+    for (const Error& error : {
+             Error{"<xsl:foo/>", -1, "Type is: XSLTProcessorException\n"},
+             Error{"<xsl:value-of select='a['/>", -1, "XSLTProcessorException"},
+             Error{"<xsl:value-of select='count(1,2)'/>", -1, "Exception"},
+             Error{"<xsl:value-of select='vexa:none()'/>", -1, "Type is: XalanXPathException\n"},
+             Error{"<xsl:value-of select='vexa:TimerStart()'/>", -1,
                    "tqfunc:TimerStart() function takes 1 argument!"},
-             Fault{"<xsl:message terminate='yes'>enough</xsl:message>", -1,
+             Error{"<xsl:message terminate='yes'>enough</xsl:message>", -1,
                    "Type is: ElemMessageTerminateExpression\nMessage is: enough ("},
-             Fault{"<xsl:call-template name='none'/>", -1, "XSLException"},
-             Fault{"only text", -4, "XalanDOMException[3] occured.\n"},
+             Error{"<xsl:call-template name='none'/>", -1, "XSLException"},
+             Error{"only text", -4, "XalanDOMException[3] occured.\n"},
          }) {
         const Dom2DomPtr in = parsed("<a/>");
         const Dom2DomPtr out = output();
-        EXPECT_EQ(transform(*in, sheet(fault.content), *out), fault.result) << fault.content;
-        EXPECT_NE(std::string(m_transformer.getLastError()).find(fault.part), std::string::npos)
+        EXPECT_EQ(transform(*in, sheet(error.content), *out), error.result) << error.content;
+        EXPECT_NE(std::string(m_transformer.getLastError()).find(error.part), std::string::npos)
             << m_transformer.getLastError();
         EXPECT_EQ(transformed(*in, sheet("<b/>")), "<b/>");
     }
@@ -263,7 +263,7 @@ TEST_P(InMemoryTransformTest, ASecondResultWithoutElementsAndTextIsAdded) {
     EXPECT_EQ(queried(*out, "string(count(/node()))"), "3");
     EXPECT_EQ(queried(*out, "/first/following::comment()"), "<!--c-->");
 
-    // What comes before the element that fails has been added by then.
+    // Nodes before the element that fails are added.
     EXPECT_EQ(transform(*in, sheet("<xsl:comment>d</xsl:comment><second/>"), *out), -4);
     EXPECT_EQ(transform(*in, sheet("<xsl:comment>e</xsl:comment>text"), *out), -4);
     EXPECT_EQ(queried(*out, "string(count(/node()))"), "5");
@@ -279,13 +279,13 @@ TEST_P(InMemoryTransformTest, ADocumentCanBeSourceAndOutputOfATransform) {
         "adding.xsl", stylesheet("<xsl:template match='comment()'><xsl:comment>"
                                  "<xsl:value-of select='count(//node())'/></xsl:comment>"
                                  "</xsl:template>"));
-    for (const char* count : {"1", "2", "4"}) { // one more for each comment that was there
+    for (const char* count : {"1", "2", "4"}) { // each transform doubles the comments
         EXPECT_EQ(transform(*out, adding, *out), 0);
         EXPECT_EQ(queried(*out, "string(comment()[last()])"), count);
     }
     EXPECT_EQ(transform(*out, sheet("<b><xsl:value-of select='count(//node())'/></b>"), *out), 0);
     EXPECT_EQ(serialized(*out), asSerialized("<b>8</b>"));
-    EXPECT_EQ(transform(*out, adding, *out), -4); // the text of the element
+    EXPECT_EQ(transform(*out, adding, *out), -4); // the result has the text of the element
     EXPECT_EQ(serialized(*out), asSerialized("<b>8</b>"));
 }
 
@@ -302,38 +302,39 @@ TEST_P(InMemoryTransformTest, AMissingStylesheetIsReportedFirst) {
 
 TEST_P(InMemoryTransformTest, TransformsADocumentOfCommentsAndProcessingInstructions) {
     const Dom2DomPtr in = parsed("<a/>");
-    const Dom2DomPtr bare = output();
+    const Dom2DomPtr withoutElement = output();
     EXPECT_EQ(transform(*in,
                         sheet("<xsl:comment>c</xsl:comment>"
                               "<xsl:processing-instruction name='p'>d</xsl:processing-instruction>"
                               "<xsl:comment>e</xsl:comment>"),
-                        *bare),
+                        *withoutElement),
               0);
-    const auto made = [&](const std::string& templates) {
-        return transformed(*bare,
+    const auto result = [&](const std::string& templates) {
+        return transformed(*withoutElement,
                            m_folder.write("s.xsl", stylesheet("<xsl:output method='text'/>"
                                                               "<xsl:key name='k' match='comment()' "
                                                               "use='.'/>" +
                                                               templates)));
     };
     const auto value = [&](const std::string& expression) {
-        return made("<xsl:template match='/'><xsl:value-of select=\"" + expression +
-                    "\"/></xsl:template>");
+        return result("<xsl:template match='/'><xsl:value-of select=\"" + expression +
+                      "\"/></xsl:template>");
     };
-    EXPECT_EQ(made("<xsl:template match='comment()'>[<xsl:value-of select='.'/>]</xsl:template>"),
+    EXPECT_EQ(result("<xsl:template match='comment()'>[<xsl:value-of select='.'/>]</xsl:template>"),
               "[c][e]");
-    EXPECT_EQ(made("<xsl:template match='/comment()'>1</xsl:template>"
-                   "<xsl:template match='//processing-instruction()'>2</xsl:template>"),
+    EXPECT_EQ(result("<xsl:template match='/comment()'>1</xsl:template>"
+                     "<xsl:template match='//processing-instruction()'>2</xsl:template>"),
               "121");
     EXPECT_EQ(
-        made("<xsl:template match=\"id('x') | key('k', 'c')/comment()\">never</xsl:template>"), "");
-    EXPECT_EQ(made("<xsl:template match='/'><xsl:for-each select='//comment()'>"
-                   "<xsl:sort select='.' order='descending'/><xsl:value-of select='.'/>"
-                   "<xsl:number level='any' count='comment()'/></xsl:for-each></xsl:template>"),
+        result("<xsl:template match=\"id('x') | key('k', 'c')/comment()\">never</xsl:template>"),
+        "");
+    EXPECT_EQ(result("<xsl:template match='/'><xsl:for-each select='//comment()'>"
+                     "<xsl:sort select='.' order='descending'/><xsl:value-of select='.'/>"
+                     "<xsl:number level='any' count='comment()'/></xsl:for-each></xsl:template>"),
               "e2c1");
-    EXPECT_EQ(made("<xsl:variable name='t'><i/><i/></xsl:variable><xsl:template match='/'>"
-                   "<xsl:value-of select='count(xalan:nodeset($t)//i | //node())'/>"
-                   "</xsl:template>"),
+    EXPECT_EQ(result("<xsl:variable name='t'><i/><i/></xsl:variable><xsl:template match='/'>"
+                     "<xsl:value-of select='count(xalan:nodeset($t)//i | //node())'/>"
+                     "</xsl:template>"),
               "5");
     EXPECT_EQ(value("count(/)"), "1");
     EXPECT_EQ(value("count(/*) + count(//*)"), "0");
@@ -348,7 +349,7 @@ TEST_P(InMemoryTransformTest, TransformsADocumentOfCommentsAndProcessingInstruct
     EXPECT_EQ(value("lang('en')"), "false");
 
     const Dom2DomPtr copy = output();
-    EXPECT_EQ(transform(*bare, sheet("<xsl:copy-of select='/'/>"), *copy), 0);
+    EXPECT_EQ(transform(*withoutElement, sheet("<xsl:copy-of select='/'/>"), *copy), 0);
     EXPECT_EQ(queried(*copy, "/"), "<!--c--><?p d?><!--e-->");
     EXPECT_EQ(transformed(*output(), sheet("<b><xsl:value-of select='count(//node())'/></b>")),
               "<b>0</b>");
@@ -391,7 +392,7 @@ TEST_P(InMemoryTransformTest, SortsAndFormatsForALanguageLikeTheOtherTransforms)
         EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), streamed), 0);
         EXPECT_EQ(transformed(*parsed(text), file) + '\0', streamed.str()) << content;
     }
-    // Swedish has its letters with marks behind z, and the decimal format its own minus.
+    // In Swedish, letters with diacritics are after z. The decimal format has its own minus sign.
     EXPECT_EQ(transformed(*parsed(text), sheet("<b><xsl:for-each select='a/i'><xsl:sort lang='sv'/>"
                                                "<xsl:value-of select='.'/></xsl:for-each></b>")),
               "<b>oOz\xC3\xA4\xC3\xB6</b>");
@@ -404,7 +405,7 @@ TEST_P(InMemoryTransformTest, AnOutputSurvivesATransformThatFailedMidway) {
         sheet("<b><c><xsl:message terminate='yes'>enough</xsl:message></c></b>");
     const Dom2DomPtr out = output();
     EXPECT_EQ(transform(*in, failing, *out), -1);
-    // What was begun stays in the holder, so that it takes no second result.
+    // The document has the element that was begun, and so cannot receive a second result.
     EXPECT_EQ(transform(*in, failing, *out), -4);
     EXPECT_EQ(transform(*in, failing, *out), -4);
     std::string ignored;
@@ -434,9 +435,9 @@ TEST_P(InMemoryTransformTest, ReportsAStreamThatCannotBeWritten) {
 
 TEST_P(InMemoryTransformTest, NoStateOfADocumentCausesACrash) {
     std::ostringstream stream;
-    const auto holders = [&] {
+    const auto documents = [&] {
         std::vector<Dom2DomPtr> all;
-        all.push_back(m_transformer.createDom2Dom()); // never initialised
+        all.push_back(m_transformer.createDom2Dom()); // not initialized
         all.push_back(parsed("<a>x</a>"));
         all.push_back(m_transformer.createDom2Dom());
         all.back()->InitializeInputSource("<a>"); // failed
@@ -450,18 +451,18 @@ TEST_P(InMemoryTransformTest, NoStateOfADocumentCausesACrash) {
     const std::string usesSlash = sheet("<c><xsl:value-of select='count(//*)'/></c>");
     for (std::size_t i = 0; i < 6; ++i) {
         for (std::size_t k = 0; k < 6; ++k) {
-            const auto ins = holders();
-            const auto outs = holders();
+            const auto ins = documents();
+            const auto outs = documents();
             const int result = transform(*ins[i], usesSlash, *outs[k]);
             const bool goodInput = i == 1 || i == 3 || i == 4;
             const bool goodOutput = k == 3 || k == 5;
             EXPECT_EQ(result == 0, goodInput && goodOutput) << i << " into " << k;
-            // The reason of a failed parse is the engine's, and goes with the engine's next parse.
-            const bool told = i != 2 && result != 0;
-            EXPECT_EQ(told, *m_transformer.getLastError() != '\0') << i << " into " << k;
+            // The engine replaces the message of a failed parse in its next parse.
+            const bool hasMessage = i != 2 && result != 0;
+            EXPECT_EQ(hasMessage, *m_transformer.getLastError() != '\0') << i << " into " << k;
         }
-        // The same holder as input and output: only an empty document can be both.
-        const auto both = holders();
+        // The same document as input and output: only an empty document can be both.
+        const auto both = documents();
         EXPECT_EQ(transform(*both[i], usesSlash, *both[i]) == 0, i == 3) << i;
     }
     EXPECT_EQ(transformed(*parsed("<a/>"), sheet("<b/>")), "<b/>");
