@@ -56,7 +56,10 @@ Work chainWork(const std::string& name, Runner run, const Chain& chain) {
             Work::KEEPS_SOURCES / chain.steps};
 }
 
+} // namespace
+
 Works makeWorks(const std::string& folder) {
+    static const Library library; // until the program ends
     Works works;
     for (const int steps : {1, 2, 4, 8}) {
         const Chain chain{readFile(folder + "/rows-medium.xml"), folder + "/identity.xsl", steps};
@@ -64,11 +67,4 @@ Works makeWorks(const std::string& folder) {
         works.push_back(chainWork("text", runThroughText, chain));
     }
     return works;
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    const Library library;
-    return runWorks(argc, argv, makeWorks);
 }

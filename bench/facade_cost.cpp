@@ -273,7 +273,10 @@ void addKept(Works& works, const std::string& folder) {
     add(works, "bare at-once elements", bareAtOnce, files, 1);
 }
 
+} // namespace
+
 Works makeWorks(const std::string& folder) {
+    static const Library library; // until the program ends
     Works works;
     for (const Size& size : SIZES) {
         const Files files = filesOf(folder, size.name);
@@ -286,11 +289,4 @@ Works makeWorks(const std::string& folder) {
     }
     addKept(works, folder);
     return works;
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    const Library library;
-    return runWorks(argc, argv, makeWorks);
 }

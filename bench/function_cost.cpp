@@ -200,17 +200,13 @@ void addReplays(Works& works, const std::string& folder) {
     add("bare-installing", bareInstallingEachTime, none);
 }
 
+} // namespace
+
 Works makeWorks(const std::string& folder) {
+    static const Library library; // until the program ends
     Works works;
     addCalls(works, folder);
     addConversions(works);
     addReplays(works, folder);
     return works;
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    const Library library;
-    return runWorks(argc, argv, makeWorks);
 }

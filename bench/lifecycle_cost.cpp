@@ -32,15 +32,11 @@ Work::Call createAndDestroy() {
     };
 }
 
+} // namespace
+
 Works makeWorks(const std::string&) {
     return {{"start-and-stop", initializeAndTerminate},
             {"further-start-and-stop", initializeAndTerminateAgain},
             {"facade", createAndDestroy<VEXAXslTransformer>},
             {"bare", createAndDestroy<xalanc::XalanTransformer>}};
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    return runWorks(argc, argv, makeWorks);
 }

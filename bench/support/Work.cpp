@@ -109,7 +109,8 @@ void time(benchmark::State& state, const Work& work) {
 
 } // namespace
 
-int runWorks(int argc, char** argv, const std::function<Works(const std::string&)>& makeWorks) {
+/** Of every benchmark program. */
+int main(int argc, char** argv) {
     if (argc < 2 || argv[1][0] == '-') {
         std::fprintf(stderr, "usage: %s FOLDER [--count [PART OF A NAME] | --benchmark_...]\n",
                      argv[0]);

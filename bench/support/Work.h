@@ -34,8 +34,8 @@ struct Work {
 
 using Works = std::vector<Work>;
 
-/** The main function of every benchmark program. @param makeWorks gets the folder */
-int runWorks(int argc, char** argv, const std::function<Works(const std::string&)>& makeWorks);
+/** What a benchmark program measures: each program defines it. @param folder has the documents */
+Works makeWorks(const std::string& folder);
 
 /** Exits with a message if an operation has failed. */
 void require(bool isRight, const std::string& what);
