@@ -7,7 +7,6 @@
 
 #include <cstdio>
 
-using xalanc::XalanDOMString;
 using xalanc::XObjectPtr;
 
 std::map<int, timeStopwatch> gmapTimers;
