@@ -34,7 +34,12 @@ protected:
 
 } // namespace
 
-void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration) {
+void traverseWithEngine(const xalanc::XalanNode& node, xalanc::FormatterListener& formatter) {
+    xalanc::FormatterTreeWalker(formatter).traverseSubtree(&node);
+}
+
+void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration,
+              Traversal traverse) {
     xalanc::XalanStdOutputStream outputStream(os);
     xalanc::XalanOutputStreamPrintWriter printWriter(outputStream, false);
     const XalanDOMString none;
@@ -50,13 +55,12 @@ void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration de
                             none,  // standalone
                             NodeFormatter::OUTPUT_METHOD_XML,
                             true); // data buffering
-    xalanc::FormatterTreeWalker walker(formatter);
     if (declaration == XmlDeclaration::LeftOut) {
         formatter.setShouldWriteXMLHeader(false);
     }
     formatter.startDocument();
     if (node) {
-        walker.traverseSubtree(node);
+        traverse(*node, formatter);
     }
     formatter.endDocument();
 }

@@ -1,0 +1,99 @@
+/**
+ * @file
+ * What an operation may do, and whom it asks and tells.
+ */
+#pragma once
+
+#include <vexa/xslt/Error.h>
+#include <vexa/xslt/Export.h>
+#include <vexa/xslt/Input.h>
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vexa {
+
+/** What documents and stylesheets may reach by themselves. What is refused is an Error: Denied. */
+struct Access {
+    /** Whether other schemes than "file" are opened. */
+    bool network = false;
+    /** Whether DTDs and entities outside of the document are read. */
+    bool externalEntities = false;
+    /** Not set: every file. Set: only what is below one of these folders, links resolved. */
+    std::optional<std::vector<std::filesystem::path>> folders;
+};
+
+/**
+ * Bounds of one operation; 0 means none. Reaching one is an Error: Limit.
+ *
+ * Reserved: this version does not enforce them yet.
+ */
+struct Limits {
+    /** Most bytes held at one time, the result included, the source not. */
+    std::size_t memory = 0;
+    /** Bytes of result; of transforms only. */
+    std::size_t output = 0;
+    /** By the clock. */
+    std::chrono::milliseconds time{0};
+    /** Of templates that call one another, and of elements while parsing. */
+    std::size_t depth = 0;
+};
+
+/**
+ * Tells an operation whether it shall stop. A default token never does. Any thread may use it.
+ *
+ * Reserved: this version does not ask it yet.
+ */
+class VEXA_XSLT_EXPORT CancelToken {
+public:
+    CancelToken() noexcept;
+    bool cancelled() const noexcept;
+
+private:
+    friend class CancelSource;
+    struct State;
+    std::shared_ptr<const State> m_state;
+};
+
+/** Cancels the operations that have a token of it. Any thread may use it. */
+class VEXA_XSLT_EXPORT CancelSource {
+public:
+    CancelSource();
+    void cancel() noexcept;
+    CancelToken token() const;
+
+private:
+    std::shared_ptr<CancelToken::State> m_state;
+};
+
+/**
+ * Is asked for what a document or a stylesheet refers to, before the access policy.
+ *
+ * @param uri  what is asked for, resolved against its base; as it stands where that is not possible
+ * @param base the URI of the document or module that refers to it; empty if it has none
+ * @return a source of the host's own, or nothing: then the URI is opened under the access policy.
+ *         An Input::uri is opened under the policy too
+ */
+using Resolver =
+    std::function<std::optional<Input>(const std::string& uri, const std::string& base)>;
+
+/** Is given each message, warning and error of an operation, in order, on the thread that runs it.
+ */
+using MessageHandler = std::function<void(const Diagnostic&)>;
+
+/** The settings of one operation, or of all operations of one Transformation. */
+struct Options {
+    Access access;
+    Limits limits;
+    CancelToken cancel;
+    Resolver resolver;
+    MessageHandler onMessage;
+};
+
+} // namespace vexa

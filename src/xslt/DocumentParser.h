@@ -1,0 +1,26 @@
+/**
+ * @file
+ * Documents from sources.
+ */
+#pragma once
+
+#include "xslt/DocumentData.h"
+#include "xslt/Sources.h"
+
+#include <memory>
+
+#include <xalanc/XalanSourceTree/XalanSourceTreeParserLiaison.hpp>
+
+/** Parses one document after the other; the parser inside is made once. */
+class DocumentParser {
+public:
+    using DocumentPtr = vexa::DocumentAccess::Ptr;
+
+    DocumentPtr parse(const vexa::Input& input, Operation& operation, Sources& sources);
+    /** @param uri of the document, the base of what it refers to */
+    DocumentPtr parse(const xercesc::InputSource& source, const std::string& uri,
+                      Operation& operation, Sources& sources);
+
+private:
+    std::unique_ptr<xalanc::XalanSourceTreeParserLiaison> m_parser;
+};

@@ -1,0 +1,86 @@
+#include "xslt/Environment.h"
+
+#include "xslt/Text.h"
+#include "xslt/Uri.h"
+
+#include "engine/EngineMemory.h"
+
+#include <vexa/xslt/Error.h>
+
+void Environment::begin(Operation& operation, Sources& sources) {
+    m_operation = &operation;
+    m_sources = &sources;
+}
+
+void Environment::finish() {
+    m_documents.clear();
+    m_uris.clear();
+    m_kept.clear();
+    m_operation = nullptr;
+    m_sources = nullptr;
+}
+
+void Environment::add(const DocumentPtr& document) {
+    m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+    if (!document->uri().empty()) {
+        m_documents.emplace(document->uri(), document);
+    }
+    keep(document);
+}
+
+xalanc::XalanDocument* Environment::parseXML(xercesc::MemoryManager& /*memory*/,
+                                             const xalanc::XalanDOMString& url,
+                                             const xalanc::XalanDOMString& base,
+                                             xalanc::ErrorHandler* /*errors*/) {
+    const std::string uri = resolveUri(toUtf8(url), toUtf8(base));
+    const auto known = m_documents.find(uri);
+    if (known != m_documents.end()) {
+        return known->second->tree();
+    }
+    const DocumentPtr document =
+        m_operation->keepingException([&] { return parse(uri, toUtf8(base)); });
+    if (!document) {
+        return nullptr;
+    }
+    m_documents.emplace(uri, document);
+    m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+    return document->tree();
+}
+
+/** @return null where the language lets the transform go on: with a warning */
+Environment::DocumentPtr Environment::parse(const std::string& uri, const std::string& base) {
+    try {
+        const Sources::Opened opened = m_sources->open(uri, base, Reference::Document);
+        return m_parser.parse(*opened.source, opened.uri, *m_operation, *m_sources);
+    } catch (const vexa::Error& error) {
+        switch (error.kind()) {
+        case vexa::ErrorKind::Denied:
+            m_operation->fail(vexa::ErrorKind::Denied, error.text(), m_instruction());
+        case vexa::ErrorKind::Input:
+            m_operation->report(vexa::Severity::Warning, uri + ": " + error.text(),
+                                m_instruction());
+            return nullptr;
+        case vexa::ErrorKind::Parse:
+            m_operation->report(vexa::Severity::Warning, error.text(), error.where());
+            return nullptr;
+        default:
+            throw;
+        }
+    }
+}
+
+xalanc::XalanDocument* Environment::getSourceDocument(const xalanc::XalanDOMString& uri) const {
+    const auto known = m_documents.find(toUtf8(uri));
+    return known == m_documents.end() ? nullptr : known->second->tree();
+}
+
+void Environment::setSourceDocument(const xalanc::XalanDOMString& /*uri*/,
+                                    xalanc::XalanDocument* /*document*/) {
+    // All documents of a run come from parseXML, which keeps them.
+}
+
+const xalanc::XalanDOMString&
+Environment::findURIFromDoc(const xalanc::XalanDocument* document) const {
+    const auto known = m_uris.find(document);
+    return known == m_uris.end() ? m_noUri : known->second;
+}

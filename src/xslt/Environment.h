@@ -1,0 +1,78 @@
+/**
+ * @file
+ * The documents that one run reads.
+ */
+#pragma once
+
+#include "xslt/DocumentData.h"
+#include "xslt/DocumentParser.h"
+#include "xslt/Sources.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <xalanc/XSLT/XSLTProcessorEnvSupportDefault.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+
+/** Trees that know their unparsed entities themselves, whoever parsed them. */
+class TreeSupport : public xalanc::XalanSourceTreeDOMSupport {
+public:
+    const xalanc::XalanDOMString&
+    getUnparsedEntityURI(const xalanc::XalanDOMString& name,
+                         const xalanc::XalanDocument& document) const override {
+        return static_cast<const xalanc::XalanSourceTreeDocument&>(document).getUnparsedEntityURI(
+            name);
+    }
+};
+
+/**
+ * Reads what document() asks for, through the sources of the operation, and keeps it for the rest
+ * of the run.
+ */
+class Environment : public xalanc::XSLTProcessorEnvSupportDefault {
+public:
+    using DocumentPtr = vexa::DocumentAccess::Ptr;
+
+    Environment(xercesc::MemoryManager& memory, DocumentParser& parser)
+        : XSLTProcessorEnvSupportDefault(memory, nullptr), m_parser(parser) {}
+
+    /** Asks for the place of the instruction that wants a document; an expression has none. */
+    void setInstruction(std::function<vexa::Location()> instruction) {
+        m_instruction = std::move(instruction);
+    }
+
+    /** Begins a run. All must live until finish(). */
+    void begin(Operation& operation, Sources& sources);
+    void finish();
+
+    Operation& operation() const { return *m_operation; }
+
+    /** A document that the run knows: document() finds it by its URI. */
+    void add(const DocumentPtr& document);
+    /** Keeps a document alive until the run ends. */
+    void keep(const DocumentPtr& document) { m_kept.push_back(document); }
+
+    xalanc::XalanDocument* parseXML(xercesc::MemoryManager& memory,
+                                    const xalanc::XalanDOMString& url,
+                                    const xalanc::XalanDOMString& base,
+                                    xalanc::ErrorHandler* errors) override;
+    xalanc::XalanDocument* getSourceDocument(const xalanc::XalanDOMString& uri) const override;
+    void setSourceDocument(const xalanc::XalanDOMString& uri,
+                           xalanc::XalanDocument* document) override;
+    const xalanc::XalanDOMString&
+    findURIFromDoc(const xalanc::XalanDocument* document) const override;
+
+private:
+    DocumentPtr parse(const std::string& uri, const std::string& base);
+
+    DocumentParser& m_parser;
+    std::function<vexa::Location()> m_instruction = [] { return vexa::Location(); };
+    Operation* m_operation = nullptr;
+    Sources* m_sources = nullptr;
+    std::map<std::string, DocumentPtr> m_documents;
+    std::vector<DocumentPtr> m_kept;
+    std::map<const xalanc::XalanDocument*, xalanc::XalanDOMString> m_uris;
+    xalanc::XalanDOMString m_noUri;
+};

@@ -1,0 +1,175 @@
+#include "xslt/Machine.h"
+
+#include "xslt/CallData.h"
+#include "xslt/OperationProblems.h"
+#include "xslt/Text.h"
+
+#include "functions/BuiltInFunctions.h"
+
+#include <vexa/VEXAConfig.h>
+#include <vexa/xslt/Error.h>
+
+#include <xalanc/Include/XalanMemoryManagement.hpp>
+#include <xalanc/XPath/Function.hpp>
+#include <xalanc/XPath/XalanQNameByValue.hpp>
+#include <xalanc/XSLT/ElemTemplateElement.hpp>
+#include <xalanc/XSLT/TopLevelArg.hpp>
+#include <xalanc/XSLT/XSLTInputSource.hpp>
+#include <xalanc/XalanExtensions/FunctionNodeSet.hpp>
+
+using vexa::ErrorKind;
+using xalanc::XalanDOMString;
+using xalanc::XObjectPtr;
+
+/** Executes the stylesheet, with the parameters of the host. */
+class Machine::Context : public xalanc::StylesheetExecutionContextDefault {
+public:
+    Context(Machine& machine, const RunSettings& settings)
+        : StylesheetExecutionContextDefault(machine.m_memory, machine.m_processor,
+                                            machine.m_environment, machine.m_trees,
+                                            machine.m_objects),
+          m_machine(machine), m_settings(settings), m_parameters(machine.m_memory) {
+        installCollationCompareFunctor(&machine.m_collation);
+        installFormatNumberFunctor(&machine.m_numberFormat);
+    }
+
+    void reset() override {
+        // The base class resets the factory that made the values of the parameters.
+        m_parameters.clear();
+        StylesheetExecutionContextDefault::reset();
+        m_madeUpPrefixes = 0;
+    }
+
+    void pushTopLevelVariables(const ParamVectorType& /*parameters*/) override {
+        // The engine keeps pointers to them for the whole run.
+        m_parameters.reserve(m_settings.parameters.size());
+        for (const auto& [name, value] : m_settings.parameters) {
+            const xalanc::XalanQNameByValue qname(toEngineText(name.first, getMemoryManager()),
+                                                  toEngineText(name.second, getMemoryManager()),
+                                                  getMemoryManager());
+            m_parameters.push_back(xalanc::TopLevelArg(getMemoryManager(), qname,
+                                                       m_machine.m_values.toEngine(value, *this)));
+        }
+        StylesheetExecutionContextDefault::pushTopLevelVariables(m_parameters);
+    }
+
+    /** The engine goes on counting in the next run. */
+    void getUniqueNamespaceValue(XalanDOMString& prefix) const override {
+        prefix = toEngineText("ns" + std::to_string(m_madeUpPrefixes++), m_machine.m_memory);
+    }
+
+    const XObjectPtr getVariable(const xalanc::XalanQName& name,
+                                 const xalanc::Locator* locator) override {
+        // The engine goes on with a warning.
+        m_machine.m_problems->setMuted(true);
+        const XObjectPtr value = StylesheetExecutionContextDefault::getVariable(name, locator);
+        m_machine.m_problems->setMuted(false);
+        if (value->getType() == xalanc::XObject::eTypeUnknown) {
+            m_machine.m_environment.operation().fail(
+                ErrorKind::Transform,
+                "the variable '" + toUtf8(name.getLocalPart()) + "' is not declared",
+                locator ? toLocation(locator) : instruction());
+        }
+        return value;
+    }
+
+    /** Where the instruction stands whose expression is evaluated. */
+    vexa::Location instruction() const {
+        const auto* const element =
+            dynamic_cast<const xalanc::ElemTemplateElement*>(getPrefixResolver());
+        return toLocation(element ? element->getLocator() : nullptr);
+    }
+
+private:
+    Machine& m_machine;
+    const RunSettings& m_settings;
+    ParamVectorType m_parameters;
+    mutable unsigned m_madeUpPrefixes = 0;
+};
+
+/** Calls a function of the host. The engine keeps a copy of it. */
+class Machine::HostFunction : public xalanc::Function {
+public:
+    HostFunction(Machine& machine, const vexa::Function& function)
+        : m_machine(machine), m_function(function) {}
+
+    using Function::execute;
+    XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
+                       const XObjectArgVectorType& arguments,
+                       const xalanc::Locator* /*locator*/) const override {
+        vexa::CallData data;
+        data.arguments.reserve(arguments.size());
+        for (const XObjectPtr& argument : arguments) {
+            data.arguments.push_back(m_machine.m_values.toHost(*argument, context));
+        }
+        data.context = [&] { return node ? m_machine.m_values.toHost(*node) : vexa::Node(); };
+        return m_machine.m_environment.operation().keepingException([&] {
+            return m_machine.m_values.toEngine(m_function(vexa::CallAccess::make(data)), context);
+        });
+    }
+
+    Function* clone(xercesc::MemoryManager& memory) const override {
+        return xalanc::XalanCopyConstruct(memory, *this);
+    }
+
+protected:
+    const XalanDOMString& getError(XalanDOMString& text) const override {
+        text.clear();
+        return text;
+    }
+
+private:
+    Machine& m_machine;
+    const vexa::Function& m_function;
+};
+
+Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettings& settings,
+                 DocumentParser& parser)
+    : m_stylesheet(stylesheet), m_liaison(m_trees, m_memory), m_environment(m_memory, parser),
+      m_values(m_environment), m_objects(m_memory), m_xpaths(m_memory),
+      m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
+    m_environment.setProcessor(&m_processor);
+    m_environment.setInstruction([this] { return m_context->instruction(); });
+    m_context = std::make_unique<Context>(*this, settings);
+    installFunctions(settings);
+}
+
+Machine::~Machine() = default;
+
+void Machine::installFunctions(const RunSettings& settings) {
+    const XalanDOMString extensionNamespace(u"" VEXA_XSL_EXTENSION_NAMESPACE, m_memory);
+    m_environment.installExternalFunctionLocal(xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL(),
+                                               XalanDOMString(u"nodeset", m_memory),
+                                               xalanc::FunctionNodeSet(true));
+    installBuiltInFunctions([&](const I18NString& name, const TqXsltFunction& function) {
+        m_environment.installExternalFunctionLocal(
+            extensionNamespace,
+            XalanDOMString(static_cast<const char16_t*>(name.getExternalBuffer()), m_memory),
+            function);
+    });
+    for (const auto& [name, function] : settings.functions) {
+        m_environment.installExternalFunctionLocal(toEngineText(name.first, m_memory),
+                                                   toEngineText(name.second, m_memory),
+                                                   HostFunction(*this, function));
+    }
+}
+
+void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTarget& target,
+                  Operation& operation, Sources& sources) {
+    OperationProblems problems(operation, [this](const xercesc::Locator* locator) {
+        return m_stylesheet.endsTransform(locator);
+    });
+    m_problems = &problems;
+    m_processor.setProblemListener(&problems);
+    m_environment.begin(operation, sources);
+    m_environment.add(source);
+    m_processor.setStylesheetRoot(&m_stylesheet.root());
+    xalanc::XSLTInputSource input;
+    input.setNode(source->tree());
+    m_processor.process(input, target, *m_context);
+    m_context->reset(); // and the processor and the factories with it
+    m_values.reset();
+    m_environment.finish();
+    m_processor.setProblemListener(nullptr);
+    m_problems = nullptr;
+}

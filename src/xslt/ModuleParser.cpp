@@ -1,0 +1,108 @@
+#include "xslt/ModuleParser.h"
+
+#include "xslt/ParserCallbacks.h"
+
+#include <xercesc/framework/XMLDocumentHandler.hpp>
+#include <xercesc/parsers/SAXParser.hpp>
+
+namespace {
+
+/**
+ * Stands between the parser and the handler. The parser reports each event to the handler first,
+ * and then here as to an advanced handler: so the place where the last event ended is the place
+ * where the next one begins.
+ */
+class BeginningLocator : public xercesc::DocumentHandler,
+                         public xercesc::XMLDocumentHandler,
+                         public xercesc::Locator {
+public:
+    explicit BeginningLocator(xercesc::DocumentHandler& handler) : m_handler(handler) {}
+
+    // Locator
+    const XMLCh* getPublicId() const override { return m_parser->getPublicId(); }
+    const XMLCh* getSystemId() const override { return m_parser->getSystemId(); }
+    XMLFileLoc getLineNumber() const override { return m_line; }
+    XMLFileLoc getColumnNumber() const override { return m_column; }
+
+    // DocumentHandler
+    void setDocumentLocator(const xercesc::Locator* const parser) override {
+        m_parser = parser;
+        m_handler.setDocumentLocator(this);
+    }
+    void startDocument() override { m_handler.startDocument(); }
+    void endDocument() override { m_handler.endDocument(); }
+    void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
+        m_handler.startElement(name, attributes);
+    }
+    void endElement(const XMLCh* const name) override { m_handler.endElement(name); }
+    void characters(const XMLCh* const text, const XMLSize_t length) override {
+        m_handler.characters(text, length);
+    }
+    void ignorableWhitespace(const XMLCh* const text, const XMLSize_t length) override {
+        m_handler.ignorableWhitespace(text, length);
+    }
+    void processingInstruction(const XMLCh* const target, const XMLCh* const data) override {
+        m_handler.processingInstruction(target, data);
+    }
+    void resetDocument() override { m_handler.resetDocument(); }
+
+    // XMLDocumentHandler
+    void docCharacters(const XMLCh* const /*text*/, const XMLSize_t /*length*/,
+                       const bool /*cdata*/) override {
+        remember();
+    }
+    void docComment(const XMLCh* const /*text*/) override { remember(); }
+    void docPI(const XMLCh* const /*target*/, const XMLCh* const /*data*/) override { remember(); }
+    void endElement(const xercesc::XMLElementDecl& /*declaration*/, const unsigned int /*uri*/,
+                    const bool /*isRoot*/, const XMLCh* const /*prefix*/) override {
+        remember();
+    }
+    void endEntityReference(const xercesc::XMLEntityDecl& /*declaration*/) override { remember(); }
+    void ignorableWhitespace(const XMLCh* const /*text*/, const XMLSize_t /*length*/,
+                             const bool /*cdata*/) override {
+        remember();
+    }
+    void startElement(const xercesc::XMLElementDecl& /*declaration*/, const unsigned int /*uri*/,
+                      const XMLCh* const /*prefix*/,
+                      const xercesc::RefVectorOf<xercesc::XMLAttr>& /*attributes*/,
+                      const XMLSize_t /*count*/, const bool /*isEmpty*/,
+                      const bool /*isRoot*/) override {
+        remember();
+    }
+    void startEntityReference(const xercesc::XMLEntityDecl& /*declaration*/) override {
+        remember();
+    }
+    void XMLDecl(const XMLCh* const /*version*/, const XMLCh* const /*encoding*/,
+                 const XMLCh* const /*standalone*/, const XMLCh* const /*actual*/) override {
+        remember();
+    }
+
+private:
+    void remember() {
+        m_line = m_parser->getLineNumber();
+        m_column = m_parser->getColumnNumber();
+    }
+
+    xercesc::DocumentHandler& m_handler;
+    const xercesc::Locator* m_parser = nullptr;
+    XMLFileLoc m_line = 1;
+    XMLFileLoc m_column = 1;
+};
+
+} // namespace
+
+void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& handler,
+                 Operation& operation, Sources& sources) {
+    ParserErrors errors(operation);
+    ExternalEntities entities(sources);
+    BeginningLocator locator(handler);
+    // The settings that the engine's own parser has for stylesheets.
+    xercesc::SAXParser parser;
+    parser.setDoNamespaces(true);
+    parser.setValidationScheme(xercesc::SAXParser::Val_Never);
+    parser.setDocumentHandler(&locator);
+    parser.installAdvDocHandler(&locator);
+    parser.setErrorHandler(&errors);
+    parser.setXMLEntityResolver(&entities);
+    parser.parse(source);
+}

@@ -1,0 +1,17 @@
+/**
+ * @file
+ * Stylesheet modules from sources.
+ */
+#pragma once
+
+#include "xslt/Sources.h"
+
+#include <xercesc/sax/DocumentHandler.hpp>
+#include <xercesc/sax/InputSource.hpp>
+
+/**
+ * Parses a stylesheet or module into a handler. The locator that the handler is given stands where
+ * the element, text or instruction begins; the parser's own stands behind it.
+ */
+void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& handler,
+                 Operation& operation, Sources& sources);

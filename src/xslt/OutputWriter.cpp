@@ -1,0 +1,194 @@
+#include "xslt/OutputWriter.h"
+
+#include "xslt/Uri.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+using vexa::ErrorKind;
+using vexa::Output;
+using vexa::OutputAccess;
+using vexa::OutputData;
+
+namespace vexa {
+
+Output::Output(std::shared_ptr<const Data> data) noexcept : m_data(std::move(data)) {}
+
+Output Output::file(const std::filesystem::path& path) {
+    return Output(std::make_shared<const Data>(Data{Data::Kind::File, path}));
+}
+
+Output Output::stream(std::ostream& stream) {
+    return Output(std::make_shared<const Data>(Data{Data::Kind::Stream, {}, &stream}));
+}
+
+Output Output::text(std::string& text) {
+    return Output(std::make_shared<const Data>(Data{Data::Kind::Text, {}, nullptr, &text}));
+}
+
+} // namespace vexa
+
+namespace {
+
+constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
+
+/** A name next to a file that nobody else uses. */
+std::filesystem::path temporaryName(const std::filesystem::path& path) {
+    static std::atomic<unsigned> count{0};
+    const auto name = "." + path.filename().native() + "." + std::to_string(::getpid()) + "-" +
+                      std::to_string(count++);
+    return path.parent_path() / name;
+}
+
+} // namespace
+
+/** A file that appears, or replaces another, when it is whole. */
+class OutputWriter::File {
+public:
+    File(const std::filesystem::path& path, const Operation& operation)
+        : m_path(path), m_operation(operation) {
+        struct stat status {};
+        const bool exists = ::stat(path.c_str(), &status) == 0;
+        if (exists && !S_ISREG(status.st_mode)) {
+            m_file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        } else {
+            openTemporary(exists ? &status.st_mode : nullptr);
+        }
+        if (m_file < 0) {
+            fail("cannot open");
+        }
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (m_file >= 0) {
+            ::close(m_file);
+        }
+        if (!m_temporary.empty()) {
+            ::unlink(m_temporary.c_str());
+        }
+    }
+
+    void write(const char* bytes, std::size_t size) {
+        while (size > 0) {
+            const ssize_t written = ::write(m_file, bytes, size);
+            if (written < 0 && errno != EINTR) {
+                fail("cannot write");
+            }
+            if (written > 0) {
+                bytes += written;
+                size -= static_cast<std::size_t>(written);
+            }
+        }
+    }
+
+    void commit() {
+        if (::close(std::exchange(m_file, -1)) != 0) {
+            fail("cannot write");
+        }
+        if (!m_temporary.empty()) {
+            if (::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
+                fail("cannot replace");
+            }
+            m_temporary.clear();
+        }
+    }
+
+private:
+    void openTemporary(const mode_t* mode) {
+        // A symbolic link stays; what it names is replaced.
+        struct stat link {};
+        if (::lstat(m_path.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+            std::error_code error;
+            const auto target = std::filesystem::weakly_canonical(m_path, error);
+            if (!error) {
+                m_path = target;
+            }
+        }
+        do {
+            m_temporary = temporaryName(m_path);
+            m_file = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        } while (m_file < 0 && errno == EEXIST);
+        if (m_file < 0) {
+            m_temporary.clear();
+        } else if (mode) {
+            ::fchmod(m_file, *mode & 07777);
+        }
+    }
+
+    [[noreturn]] void fail(const char* what) const {
+        m_operation.fail(ErrorKind::Output, std::string(what) + ": " + std::strerror(errno),
+                         {fileUri(m_path), 0, 0});
+    }
+
+    std::filesystem::path m_path;
+    const Operation& m_operation;
+    std::filesystem::path m_temporary;
+    int m_file = -1;
+};
+
+OutputWriter::OutputWriter(const Output& output, const Operation& operation)
+    : m_operation(operation), m_output(output) {
+    const OutputData& data = OutputAccess::data(m_output);
+    if (data.kind == OutputData::Kind::File) {
+        m_file = std::make_unique<File>(data.path, operation);
+    }
+    // What write() throws is to pass, and not to become a state of the stream.
+    m_stream.exceptions(std::ios_base::badbit);
+}
+
+OutputWriter::~OutputWriter() = default;
+
+void OutputWriter::write(const char* bytes, std::size_t size) {
+    const OutputData& data = OutputAccess::data(m_output);
+    if (data.kind == OutputData::Kind::Stream) {
+        data.stream->write(bytes, static_cast<std::streamsize>(size));
+        if (!*data.stream) {
+            m_operation.fail(ErrorKind::Output, "the stream does not take the result");
+        }
+        return;
+    }
+    m_text.append(bytes, size);
+    if (m_file && m_text.size() >= BUFFER_SIZE) {
+        m_file->write(m_text.data(), m_text.size());
+        m_text.clear();
+    }
+}
+
+void OutputWriter::commit() {
+    const OutputData& data = OutputAccess::data(m_output);
+    switch (data.kind) {
+    case OutputData::Kind::File:
+        m_file->write(m_text.data(), m_text.size());
+        m_file->commit();
+        break;
+    case OutputData::Kind::Stream:
+        data.stream->flush();
+        if (!*data.stream) {
+            m_operation.fail(ErrorKind::Output, "the stream does not take the result");
+        }
+        break;
+    case OutputData::Kind::Text:
+        *data.text = std::move(m_text);
+        break;
+    }
+}
+
+std::streamsize OutputWriter::Buffer::xsputn(const char* bytes, std::streamsize size) {
+    m_writer.write(bytes, static_cast<std::size_t>(size));
+    return size;
+}
+
+OutputWriter::Buffer::int_type OutputWriter::Buffer::overflow(int_type character) {
+    if (!traits_type::eq_int_type(character, traits_type::eof())) {
+        const char byte = traits_type::to_char_type(character);
+        m_writer.write(&byte, 1);
+    }
+    return traits_type::not_eof(character);
+}

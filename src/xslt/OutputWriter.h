@@ -1,0 +1,74 @@
+/**
+ * @file
+ * Where the bytes of a result go.
+ */
+#pragma once
+
+#include "xslt/Operation.h"
+
+#include <vexa/xslt/Output.h>
+
+#include <memory>
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+namespace vexa {
+
+struct Output::Data {
+    enum class Kind { File, Stream, Text };
+
+    Kind kind;
+    std::filesystem::path path;
+    std::ostream* stream = nullptr;
+    std::string* text = nullptr;
+};
+
+class OutputAccess {
+public:
+    using Data = Output::Data;
+
+    static const Output::Data& data(const Output& output) { return *output.m_data; }
+};
+
+using OutputData = OutputAccess::Data;
+
+} // namespace vexa
+
+/** Takes the bytes of one result. What is not committed leaves files and strings as they were. */
+class OutputWriter {
+public:
+    /** @throws vexa::Error: Output where a file cannot be written */
+    OutputWriter(const vexa::Output& output, const Operation& operation);
+    OutputWriter(const OutputWriter&) = delete;
+    OutputWriter& operator=(const OutputWriter&) = delete;
+    ~OutputWriter();
+
+    /** Takes bytes. @throws vexa::Error: Output */
+    void write(const char* bytes, std::size_t size);
+    /** The same as a stream, which lets the error pass. */
+    std::ostream& stream() { return m_stream; }
+    /** Puts the result in its place. @throws vexa::Error: Output */
+    void commit();
+
+private:
+    class File;
+    class Buffer : public std::streambuf {
+    public:
+        explicit Buffer(OutputWriter& writer) : m_writer(writer) {}
+
+    protected:
+        std::streamsize xsputn(const char* bytes, std::streamsize size) override;
+        int_type overflow(int_type character) override;
+
+    private:
+        OutputWriter& m_writer;
+    };
+
+    const Operation& m_operation;
+    const vexa::Output m_output;
+    std::unique_ptr<File> m_file;
+    std::string m_text;
+    Buffer m_buffer{*this};
+    std::ostream m_stream{&m_buffer};
+};

@@ -1,0 +1,37 @@
+#include "xslt/ParserCallbacks.h"
+
+#include "xslt/Text.h"
+#include "xslt/Uri.h"
+
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
+
+namespace {
+
+vexa::Location toLocation(const xercesc::SAXParseException& exception) {
+    return {toUtf8(exception.getSystemId()), static_cast<std::size_t>(exception.getLineNumber()),
+            static_cast<std::size_t>(exception.getColumnNumber())};
+}
+
+} // namespace
+
+void ParserErrors::warning(const xercesc::SAXParseException& exception) {
+    m_operation.report(vexa::Severity::Warning, cleanText(toUtf8(exception.getMessage())),
+                       toLocation(exception));
+}
+
+void ParserErrors::error(const xercesc::SAXParseException& exception) {
+    m_operation.report(vexa::Severity::Error, cleanText(toUtf8(exception.getMessage())),
+                       toLocation(exception));
+}
+
+void ParserErrors::fatalError(const xercesc::SAXParseException& exception) {
+    m_operation.fail(vexa::ErrorKind::Parse, cleanText(toUtf8(exception.getMessage())),
+                     toLocation(exception));
+}
+
+xercesc::InputSource* ExternalEntities::resolveEntity(xercesc::XMLResourceIdentifier* identifier) {
+    const std::string base = toUtf8(identifier->getBaseURI());
+    const std::string uri = resolveUri(toUtf8(identifier->getSystemId()), base);
+    return m_sources.open(uri, base, Reference::ExternalEntity).source.release();
+}

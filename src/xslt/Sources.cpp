@@ -1,0 +1,199 @@
+#include "xslt/Sources.h"
+
+#include "xslt/InputAccess.h"
+#include "xslt/Text.h"
+#include "xslt/Uri.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <istream>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/BinMemInputStream.hpp>
+
+using vexa::ErrorKind;
+using vexa::Input;
+using vexa::InputAccess;
+using vexa::InputData;
+
+namespace {
+
+/** The stream that a source was opened with. */
+class OpenSource : public xercesc::InputSource {
+public:
+    OpenSource(const std::string& uri, std::unique_ptr<xercesc::BinInputStream> stream)
+        : InputSource(toUtf16(uri).c_str()), m_stream(std::move(stream)) {}
+
+    xercesc::BinInputStream* makeStream() const override { return m_stream.release(); }
+
+private:
+    mutable std::unique_ptr<xercesc::BinInputStream> m_stream;
+};
+
+class FileStream : public xercesc::BinInputStream {
+public:
+    FileStream(int file, std::string uri, const Operation& operation)
+        : m_file(file), m_uri(std::move(uri)), m_operation(operation) {}
+    FileStream(const FileStream&) = delete;
+    FileStream& operator=(const FileStream&) = delete;
+    ~FileStream() override { ::close(m_file); }
+
+    XMLFilePos curPos() const override { return m_position; }
+    const XMLCh* getContentType() const override { return nullptr; }
+    XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+        ssize_t count = 0;
+        do {
+            count = ::read(m_file, target, size);
+        } while (count < 0 && errno == EINTR);
+        if (count < 0) {
+            m_operation.fail(ErrorKind::Input, std::string("cannot read: ") + std::strerror(errno),
+                             {m_uri, 0, 0});
+        }
+        m_position += static_cast<XMLFilePos>(count);
+        return static_cast<XMLSize_t>(count);
+    }
+
+private:
+    int m_file;
+    std::string m_uri;
+    const Operation& m_operation;
+    XMLFilePos m_position = 0;
+};
+
+/** A text, and the input that keeps it. */
+class TextStream : public xercesc::BinMemInputStream {
+public:
+    TextStream(Input input, std::string_view text)
+        : BinMemInputStream(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
+                            BufOpt_Reference),
+          m_input(std::move(input)) {}
+
+private:
+    Input m_input;
+};
+
+class HostStream : public xercesc::BinInputStream {
+public:
+    HostStream(std::istream& stream, std::string uri, const Operation& operation)
+        : m_stream(stream), m_uri(std::move(uri)), m_operation(operation) {}
+
+    XMLFilePos curPos() const override { return m_position; }
+    const XMLCh* getContentType() const override { return nullptr; }
+    XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+        m_stream.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(size));
+        if (m_stream.bad()) {
+            m_operation.fail(ErrorKind::Input, "the stream cannot be read", {m_uri, 0, 0});
+        }
+        const auto count = static_cast<XMLSize_t>(m_stream.gcount());
+        m_position += count;
+        return count;
+    }
+
+private:
+    std::istream& m_stream;
+    std::string m_uri;
+    const Operation& m_operation;
+    XMLFilePos m_position = 0;
+};
+
+Sources::Opened openFile(const std::filesystem::path& path, const std::string& uri,
+                         const Operation& operation) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        operation.fail(ErrorKind::Input, std::string("cannot open: ") + std::strerror(errno),
+                       {uri, 0, 0});
+    }
+    auto stream = std::make_unique<FileStream>(file, uri, operation);
+    return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
+}
+
+/** What the parser can fetch. */
+bool isNetworkUri(std::string_view uri) {
+    constexpr std::string_view SCHEMES[] = {"http:", "https:", "ftp:", "file:"}; // of another host
+    return std::any_of(std::begin(SCHEMES), std::end(SCHEMES), [uri](std::string_view scheme) {
+        return uri.substr(0, scheme.size()) == scheme;
+    });
+}
+
+/** Compared after links are resolved, of the parts that exist. */
+bool isBelowOneOf(const std::filesystem::path& path,
+                  const std::vector<std::filesystem::path>& folders) {
+    std::error_code error;
+    const auto realPath = std::filesystem::weakly_canonical(path, error);
+    return !error && std::any_of(folders.begin(), folders.end(), [&](const auto& folder) {
+        std::error_code folderError;
+        const auto realFolder = std::filesystem::canonical(folder, folderError);
+        const auto [end, ignored] =
+            std::mismatch(realFolder.begin(), realFolder.end(), realPath.begin(), realPath.end());
+        return !folderError && end == realFolder.end();
+    });
+}
+
+} // namespace
+
+Sources::Opened Sources::open(const Input& input) {
+    const InputData& data = InputAccess::data(input);
+    return data.kind == InputData::Kind::Uri
+               ? open(resolveUri(data.uri, {}), {}, Reference::Document)
+               : openOwn(input, data.uri);
+}
+
+Sources::Opened Sources::open(const std::string& uri, const std::string& base,
+                              Reference reference) {
+    const auto& options = m_operation.options();
+    if (reference == Reference::ExternalEntity && !options.access.externalEntities) {
+        m_operation.fail(ErrorKind::Denied, "external entity access denied: " + uri, {base, 0, 0});
+    }
+    const auto answer = options.resolver ? options.resolver(uri, base) : std::nullopt;
+    if (!answer) {
+        return openUnderPolicy(uri);
+    }
+    const InputData& data = InputAccess::data(*answer);
+    if (data.kind == InputData::Kind::Uri) {
+        return openUnderPolicy(resolveUri(data.uri, base));
+    }
+    return openOwn(*answer, data.uri.empty() ? uri : data.uri);
+}
+
+/** What the host has given itself is not under the policy. */
+Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
+    InputData& data = InputAccess::data(input);
+    if (data.kind == InputData::Kind::File) {
+        return openFile(data.path, uri, m_operation);
+    }
+    if (data.kind == InputData::Kind::Text) {
+        // The text stays where it is: with the input, which lives as long as the operation.
+        auto stream = std::make_unique<TextStream>(input, data.text);
+        return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
+    }
+    if (data.isStreamUsed.exchange(true)) {
+        m_operation.fail(ErrorKind::Usage, "the input stream has been read already", {uri, 0, 0});
+    }
+    auto stream = std::make_unique<HostStream>(*data.stream, uri, m_operation);
+    return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
+}
+
+Sources::Opened Sources::openUnderPolicy(const std::string& uri) {
+    const auto& access = m_operation.options().access;
+    const auto path = pathOfFileUri(uri);
+    if (!path) {
+        if (!isNetworkUri(uri)) {
+            m_operation.fail(ErrorKind::Input, "cannot open: unknown kind of URI", {uri, 0, 0});
+        }
+        if (!access.network) {
+            m_operation.fail(ErrorKind::Denied, "network access denied: " + uri, {uri, 0, 0});
+        }
+        return {std::make_unique<xercesc::URLInputSource>(xercesc::XMLURL(toUtf16(uri).c_str())),
+                uri};
+    }
+    if (access.folders && !isBelowOneOf(*path, *access.folders)) {
+        m_operation.fail(ErrorKind::Denied, "file access denied: " + uri, {uri, 0, 0});
+    }
+    return openFile(*path, uri, m_operation);
+}

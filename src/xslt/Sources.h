@@ -1,0 +1,44 @@
+/**
+ * @file
+ * Inputs as the parser reads them.
+ */
+#pragma once
+
+#include "xslt/Operation.h"
+
+#include <vexa/xslt/Input.h>
+
+#include <memory>
+#include <string>
+
+#include <xercesc/sax/InputSource.hpp>
+
+/** What a URI is wanted for: the access policy has rules for each. */
+enum class Reference { Document, Module, ExternalEntity };
+
+/** Opens inputs for one operation: asks its resolver, and holds to its access policy. */
+class Sources {
+public:
+    explicit Sources(Operation& operation) : m_operation(operation) {}
+
+    /** What the parser reads, with its real URI: the base of what it refers to. */
+    struct Opened {
+        std::unique_ptr<xercesc::InputSource> source;
+        std::string uri;
+    };
+
+    /** What the parser reads for an input. @throws vexa::Error: Input, Denied, Usage */
+    Opened open(const vexa::Input& input);
+
+    /**
+     * What the parser reads for a reference, which is absolute by now.
+     * @throws vexa::Error: Input, Denied, Usage; what the resolver throws
+     */
+    Opened open(const std::string& uri, const std::string& base, Reference reference);
+
+private:
+    Opened openOwn(const vexa::Input& input, const std::string& uri);
+    Opened openUnderPolicy(const std::string& uri);
+
+    Operation& m_operation;
+};

@@ -1,0 +1,201 @@
+#include "xslt/DocumentParser.h"
+#include "xslt/ModuleParser.h"
+#include "xslt/OperationProblems.h"
+#include "xslt/StylesheetData.h"
+#include "xslt/Text.h"
+#include "xslt/Uri.h"
+
+#include "engine/EngineMemory.h"
+#include "engine/ExpressionGuard.h"
+
+#include <vexa/xslt/Error.h>
+
+#include <utility>
+
+#include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XSLT/ElemTemplateElement.hpp>
+#include <xalanc/XSLT/ProblemListener.hpp>
+#include <xalanc/XSLT/StylesheetHandler.hpp>
+#include <xalanc/XSLT/XSLTEngineImpl.hpp>
+#include <xalanc/XSLT/XSLTProcessorEnvSupportDefault.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
+#include <xalanc/XalanSourceTree/XalanSourceTreeParserLiaison.hpp>
+
+using xalanc::XalanDOMString;
+
+namespace {
+
+/** The engine as far as compiling needs it. */
+struct Compiler {
+    explicit Compiler(xercesc::MemoryManager& memory)
+        : liaison(domSupport, memory), environment(memory, nullptr), objects(memory),
+          xpaths(memory), processor(memory, liaison, environment, domSupport, objects, xpaths) {
+        environment.setProcessor(&processor);
+    }
+
+    xalanc::XalanSourceTreeDOMSupport domSupport;
+    xalanc::XalanSourceTreeParserLiaison liaison;
+    xalanc::XSLTProcessorEnvSupportDefault environment;
+    xalanc::XObjectFactoryDefault objects;
+    xalanc::XPathFactoryDefault xpaths;
+    xalanc::XSLTEngineImpl processor;
+};
+
+bool hasValue(const xalanc::AttributeListType& attributes, const char16_t* name,
+              std::u16string_view value) {
+    const XMLCh* const found = attributes.getValue(name);
+    return found && value == found;
+}
+
+} // namespace
+
+namespace vexa {
+
+/** Compiles, and reads the modules through the sources of the operation. */
+class Stylesheet::Data::Construction : public xalanc::StylesheetConstructionContextDefault {
+public:
+    Construction(Data& data, Compiler& compiler, Operation& operation, Sources& sources)
+        : StylesheetConstructionContextDefault(data.m_memory, compiler.processor, data.m_xpaths),
+          m_data(data), m_operation(&operation), m_sources(&sources) {}
+
+    const xalanc::StylesheetRoot& compile(const Input& input) {
+        const Sources::Opened opened = m_sources->open(input);
+        m_data.m_modules.push_back(opened.uri);
+        xalanc::StylesheetRoot* const root = create(toEngineText(opened.uri, engineMemory()));
+        xalanc::StylesheetHandler handler(*root, *this);
+        parseModule(*opened.source, handler, *m_operation, *m_sources);
+        root->postConstruction(*this);
+        return *root;
+    }
+
+    using StylesheetConstructionContextDefault::getURLStringFromString;
+    XalanDOMString& getURLStringFromString(const XalanDOMString& url, const XalanDOMString& base,
+                                           XalanDOMString& result) override {
+        const std::string asked = toUtf8(base);
+        const auto real = m_realUris.find(asked);
+        result =
+            toEngineText(resolveUri(toUtf8(url), real == m_realUris.end() ? asked : real->second),
+                         getMemoryManager());
+        return result;
+    }
+
+    xalanc::XalanDocument* parseXML(const XalanDOMString& url, xercesc::DocumentHandler* handler,
+                                    xalanc::XalanDocument* /*document*/,
+                                    xalanc::ErrorHandler* /*errors*/) override {
+        const std::string uri = toUtf8(url);
+        const Sources::Opened opened = openModule(uri, toLocation(getLocatorFromStack()));
+        m_realUris.emplace(uri, opened.uri);
+        m_data.m_modules.push_back(opened.uri);
+        parseModule(*opened.source, *handler, *m_operation, *m_sources);
+        return nullptr;
+    }
+
+    using StylesheetConstructionContextDefault::createXPath;
+    xalanc::XPath* createXPath(const xercesc::Locator* locator, const XalanDOMString& text,
+                               const xalanc::PrefixResolver& resolver, bool allowVariables,
+                               bool allowKey) override {
+        refuseTooDeepExpression({text.c_str(), text.length()});
+        return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
+                                                                 allowVariables, allowKey);
+    }
+
+    using StylesheetConstructionContextDefault::createElement;
+    xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
+                                               const xalanc::AttributeListType& attributes,
+                                               const xercesc::Locator* locator) override {
+        xalanc::ElemTemplateElement* const element =
+            StylesheetConstructionContextDefault::createElement(token, stylesheet, attributes,
+                                                                locator);
+        if (token == ELEMNAME_MESSAGE && hasValue(attributes, u"terminate", u"yes")) {
+            m_data.m_endingMessages.insert(element->getLocator());
+        }
+        return element;
+    }
+
+private:
+    /** What cannot be read is the fault of the module that wants it. */
+    Sources::Opened openModule(const std::string& uri, const Location& reference) {
+        try {
+            return m_sources->open(uri, reference.uri, Reference::Module);
+        } catch (const Error& error) {
+            if (error.kind() == ErrorKind::Input) {
+                m_operation->fail(ErrorKind::Input, uri + ": " + error.text(), reference);
+            }
+            if (error.kind() == ErrorKind::Denied) {
+                m_operation->fail(ErrorKind::Denied, error.text(), reference);
+            }
+            throw;
+        }
+    }
+
+    Data& m_data;
+    Operation* m_operation;
+    Sources* m_sources;
+    /** Of modules that the resolver answered from another place: what was asked to what is. */
+    std::map<std::string, std::string> m_realUris;
+};
+
+Stylesheet::Data::Data() : m_xpaths(m_memory) {}
+
+void Stylesheet::Data::compile(const Input& input, Operation& operation) {
+    Sources sources(operation);
+    Compiler compiler(m_memory);
+    OperationProblems problems(operation);
+    compiler.processor.setProblemListener(&problems);
+    m_construction = std::make_unique<Construction>(*this, compiler, operation, sources);
+    m_root = &m_construction->compile(input);
+    m_memory.seal();
+}
+
+Stylesheet::Data::~Data() = default;
+
+const Stylesheet::Data& StylesheetAccess::data(const Stylesheet& stylesheet) {
+    if (!stylesheet.m_data) {
+        throw Error(ErrorKind::Usage, "the stylesheet is empty");
+    }
+    return *stylesheet.m_data;
+}
+
+Stylesheet::Stylesheet() noexcept = default;
+
+Stylesheet::Stylesheet(std::shared_ptr<const Data> data) noexcept : m_data(std::move(data)) {}
+
+Stylesheet Stylesheet::compile(const Input& input, const Options& options) {
+    Operation operation(options);
+    const auto data = std::make_shared<Data>();
+    operation.run(ErrorKind::Compile, [&] { data->compile(input, operation); });
+    return Stylesheet(data);
+}
+
+const std::string& Stylesheet::uri() const {
+    return StylesheetAccess::data(*this).uri();
+}
+
+std::vector<std::string> Stylesheet::modules() const {
+    return StylesheetAccess::data(*this).modules();
+}
+
+std::string Stylesheet::method() const {
+    switch (StylesheetAccess::data(*this).root().getOutputMethod()) {
+    case xalanc::FormatterListener::OUTPUT_METHOD_XML:
+        return "xml";
+    case xalanc::FormatterListener::OUTPUT_METHOD_HTML:
+        return "html";
+    case xalanc::FormatterListener::OUTPUT_METHOD_TEXT:
+        return "text";
+    default:
+        return "";
+    }
+}
+
+std::string Stylesheet::encoding() const {
+    XalanDOMString encoding;
+    return toUtf8(StylesheetAccess::data(*this).root().getOutputEncoding(encoding));
+}
+
+std::string Stylesheet::mediaType() const {
+    XalanDOMString mediaType;
+    return toUtf8(StylesheetAccess::data(*this).root().getOutputMediaType(mediaType));
+}
+
+} // namespace vexa

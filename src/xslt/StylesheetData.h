@@ -1,0 +1,64 @@
+/**
+ * @file
+ * The inside of a Stylesheet.
+ */
+#pragma once
+
+#include "xslt/EngineUse.h"
+#include "xslt/MemoryPool.h"
+#include "xslt/Sources.h"
+
+#include <vexa/xslt/Stylesheet.h>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <xalanc/XPath/XPathFactoryDefault.hpp>
+#include <xalanc/XSLT/StylesheetConstructionContextDefault.hpp>
+#include <xalanc/XSLT/StylesheetRoot.hpp>
+
+namespace vexa {
+
+/** A compiled stylesheet with all of its memory. */
+class Stylesheet::Data {
+public:
+    Data();
+    Data(const Data&) = delete;
+    Data& operator=(const Data&) = delete;
+    ~Data();
+
+    void compile(const Input& input, Operation& operation);
+
+    const std::string& uri() const { return m_modules.front(); }
+    const std::vector<std::string>& modules() const { return m_modules; }
+    const xalanc::StylesheetRoot& root() const { return *m_root; }
+    /** Whether the instruction with this locator is an xsl:message that ends the transform. */
+    bool endsTransform(const xercesc::Locator* locator) const {
+        return m_endingMessages.count(locator) > 0;
+    }
+
+private:
+    class Construction;
+
+    EngineUse m_engines = useEngines();
+    std::vector<std::string> m_modules;
+    std::set<const xercesc::Locator*> m_endingMessages;
+    MemoryPool m_memory;
+    xalanc::XPathFactoryDefault m_xpaths;
+    /** Owns the compiled stylesheet. */
+    std::unique_ptr<Construction> m_construction;
+    const xalanc::StylesheetRoot* m_root = nullptr;
+};
+
+class StylesheetAccess {
+public:
+    using Data = Stylesheet::Data;
+
+    /** @throws Error: Usage for an empty stylesheet */
+    static const Data& data(const Stylesheet& stylesheet);
+};
+
+} // namespace vexa

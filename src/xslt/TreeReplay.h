@@ -1,0 +1,14 @@
+/**
+ * @file
+ * Trees as output events.
+ */
+#pragma once
+
+#include <xalanc/PlatformSupport/FormatterListener.hpp>
+#include <xalanc/XalanDOM/XalanNode.hpp>
+
+/**
+ * Reports a node and its subtree to a formatter, attributes in their order. The formatter can ask
+ * for the namespaces of the element where it is.
+ */
+void replayTree(const xalanc::XalanNode& node, xalanc::FormatterListener& formatter);
