@@ -32,8 +32,9 @@ function(vexa_own_code target)
   target_compile_definitions(${target} PRIVATE NDEBUG)
 endfunction()
 
-# vexa_shared_library(TARGET ALIAS OUTPUT_NAME): the common shape of our shared libraries.
-function(vexa_shared_library target alias)
+# vexa_shared_library(TARGET ALIAS PACKAGE): what our shared libraries have in common. PACKAGE names the CMake
+# package that exports the library, and the installation components: PACKAGE_libraries, PACKAGE_development.
+function(vexa_shared_library target alias package)
   vexa_own_code(${target})
   add_library(${alias} ALIAS ${target})
   target_include_directories(
@@ -53,7 +54,7 @@ function(vexa_shared_library target alias)
   if(VEXA_INSTALL)
     install(
       TARGETS ${target}
-      EXPORT VEXA_XSLTransformerTargets
-      LIBRARY COMPONENT libraries NAMELINK_COMPONENT development)
+      EXPORT ${package}Targets
+      LIBRARY COMPONENT ${package}_libraries NAMELINK_COMPONENT ${package}_development)
   endif()
 endfunction()

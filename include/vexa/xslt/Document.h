@@ -35,7 +35,7 @@ public:
 
 private:
     friend class NodeAccess;
-    explicit Node(std::shared_ptr<const void> node) noexcept;
+    VEXA_XSLT_LOCAL explicit Node(std::shared_ptr<const void> node) noexcept;
     std::shared_ptr<const void> m_node;
 };
 
@@ -61,8 +61,8 @@ public:
 
 private:
     friend class DocumentAccess;
-    class Data;
-    explicit Document(std::shared_ptr<const Data> data) noexcept;
+    class VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit Document(std::shared_ptr<const Data> data) noexcept;
     std::shared_ptr<const Data> m_data;
 };
 

@@ -72,7 +72,7 @@ public:
     const std::vector<Diagnostic>& diagnostics() const noexcept;
 
 private:
-    struct Data;
+    struct VEXA_XSLT_LOCAL Data;
     std::shared_ptr<const Data> m_data;
 };
 

@@ -5,3 +5,6 @@
 #pragma once
 
 #define VEXA_XSLT_EXPORT __attribute__((visibility("default")))
+
+/** Keeps a private part of an exported class inside the library. */
+#define VEXA_XSLT_LOCAL __attribute__((visibility("hidden")))

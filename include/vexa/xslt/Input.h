@@ -41,8 +41,8 @@ public:
 
 private:
     friend class InputAccess;
-    struct Data;
-    explicit Input(std::shared_ptr<Data> data) noexcept;
+    struct VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit Input(std::shared_ptr<Data> data) noexcept;
     std::shared_ptr<Data> m_data;
 };
 

@@ -57,7 +57,7 @@ public:
 
 private:
     friend class CancelSource;
-    struct State;
+    struct VEXA_XSLT_LOCAL State;
     std::shared_ptr<const State> m_state;
 };
 

@@ -29,8 +29,8 @@ public:
 
 private:
     friend class OutputAccess;
-    struct Data;
-    explicit Output(std::shared_ptr<const Data> data) noexcept;
+    struct VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit Output(std::shared_ptr<const Data> data) noexcept;
     std::shared_ptr<const Data> m_data;
 };
 

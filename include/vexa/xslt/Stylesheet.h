@@ -42,8 +42,8 @@ public:
 
 private:
     friend class StylesheetAccess;
-    class Data;
-    explicit Stylesheet(std::shared_ptr<const Data> data) noexcept;
+    class VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit Stylesheet(std::shared_ptr<const Data> data) noexcept;
     std::shared_ptr<const Data> m_data;
 };
 

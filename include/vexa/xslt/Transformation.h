@@ -35,8 +35,8 @@ public:
 
 private:
     friend class CallAccess;
-    struct Data;
-    explicit Call(const Data& data) noexcept;
+    struct VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit Call(const Data& data) noexcept;
     const Data& m_data;
 };
 
@@ -89,8 +89,8 @@ public:
     Document toDocument(const Input& source);
 
 private:
-    class Data;
-    Data& data();
+    class VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL Data& data();
     std::unique_ptr<Data> m_data;
 };
 

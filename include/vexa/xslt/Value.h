@@ -43,7 +43,7 @@ public:
 private:
     struct Tag {};
     Value(Tag tag, double number);
-    struct Data;
+    struct VEXA_XSLT_LOCAL Data;
     std::shared_ptr<const Data> m_data;
 };
 

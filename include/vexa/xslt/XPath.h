@@ -44,8 +44,8 @@ public:
     Value evaluate(const Node& node, const Options& options, const Variables& variables) const;
 
 private:
-    class Data;
-    explicit XPath(std::shared_ptr<const Data> data) noexcept;
+    class VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL explicit XPath(std::shared_ptr<const Data> data) noexcept;
     std::shared_ptr<const Data> m_data;
 };
 
