@@ -45,6 +45,14 @@ def write_rows(file, size):
     file.write_text("".join(parts) + TAIL)
 
 
+def write_ten_rows(file):
+    """Writes ten short rows."""
+    numbers = Numbers()
+    rows = [f'<row id="{number}" kind="{KINDS[number % len(KINDS)]}"><name>{WORDS[numbers.below(len(WORDS))]}</name>'
+            f"<amount>{numbers.below(100000)}.{numbers.below(100):02}</amount></row>\n" for number in range(10)]
+    file.write_text(HEAD + "".join(rows) + TAIL)
+
+
 def write_report(folder):
     """Writes the sample report with the node-set function that all three programs have."""
     for file in (PROJECT / "samples").iterdir():
@@ -107,6 +115,7 @@ def write_documents(folder):
     (folder / "rows-tiny.xml").write_text(
         '<rows><row id="1" kind="glass"><name>lens</name><amount>12.50</amount></row></rows>')
     (folder / "rows-calls.xml").write_text("<rows>" + "<row/>" * 1000 + "</rows>")
+    write_ten_rows(folder / "rows-ten.xml")
     write_rows(folder / "rows-medium.xml", 20_000)
     (folder / "rows-elements.xml").write_text("<rows>" + "<row><name>1</name></row>" * 40_000 + "</rows>")
     write_rows(folder / "rows-strings.xml", 500_000)

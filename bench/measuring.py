@@ -17,11 +17,11 @@ DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbo
 # counted in its own process: the counts depend on the state of the heap.
 COUNTED = [("facade_cost", f"{who} {kind} large") for who in ("facade", "bare") for kind in ("files", "streams", "memory", "query", "serialise")] + [
     ("facade_cost", "medium"), ("facade_cost", "tiny"), ("chain_cost", ""), ("function_cost", ""),
-    ("lifecycle_cost", "")]
+    ("lifecycle_cost", ""), ("xslt_cost", "")]
 
 # Seconds for each work, and the number of repetitions: the shortest time is taken.
 TIMED = {"facade_cost": (0.05, 4), "chain_cost": (0.1, 4), "function_cost": (0.03, 3),
-         "lifecycle_cost": (0.05, 3), "thread_scaling": (0.5, 3)}
+         "lifecycle_cost": (0.05, 3), "thread_scaling": (0.5, 3), "xslt_cost": (0.2, 3)}
 
 # Source, stylesheet, number of repetitions, title in the table. All but the largest source are counted, too.
 PROCESSES = [("empty.xml", "empty.xsl", 40, "an empty document"),

@@ -78,6 +78,32 @@ def facade_section(counts, times):
 CALLS = 1000  # rows of the document in which a stylesheet calls
 
 
+# The most that the second interface may cost, relative to the engine and to libxslt.
+XSLT_TASKS = {"files tiny": ("one row, 83 bytes", 0.75, 1.15), "files ten": ("ten rows with a sort, a key and a number format", 0.9, 0.95),
+              "files medium": ("the same, 20 kB", 0.95, None), "compile": ("compiling that stylesheet", 1.0, None)}
+LEAST_SCALING = 1.9
+MOST_KEPT = 1.0
+
+
+def xslt_sections(counts, times):
+    cost = Section("The second interface: instructions of one call, from file to file with a compiled stylesheet", "",
+                   "engine", "libxslt", "library", "of engine", "of libxslt", "engine, µs", "libxslt, µs", "library, µs")
+    for task, (title, of_engine, of_libxslt) in XSLT_TASKS.items():
+        engine, libxslt, library = (counts[f"{who} {task}"]["instructions"] for who in ("bare", "libxslt", "vexa"))
+        target = f"≤ {of_engine:g} of engine" + (f", ≤ {of_libxslt:g} of libxslt" if of_libxslt else "")
+        met = library <= of_engine * engine and (not of_libxslt or library <= of_libxslt * libxslt)
+        cost.add(title, *(number(value) for value in (engine, libxslt, library)), number(library / engine, 2),
+                 number(library / libxslt, 2), *(number(times[f"{who} {task}"]["us"], 1) for who in ("bare", "libxslt", "vexa")),
+                 target=target, met=met)
+    other = Section("The second interface: threads that share a stylesheet and a document, and memory", "", "", "")
+    ratio = times["vexa two threads"]["rate"] / times["vexa one thread"]["rate"]
+    other.add("transforms of two threads, relative to one", number(ratio, 2), target=f"≥ {LEAST_SCALING:g}",
+              met=ratio >= LEAST_SCALING)
+    kept = times["vexa files ten"]["kept"]
+    other.add("bytes that one run keeps", number(kept, 2), target=f"≤ {MOST_KEPT:g}", met=kept <= MOST_KEPT)
+    return [cost, other]
+
+
 def functions_section(counts, times):
     section = Section("One call of each built-in function, compared with a function that returns a fixed text", "",
                       "fixed text, instr.", "library, instr.", "fixed text, alloc.", "library, alloc.", "added",
@@ -227,7 +253,8 @@ def hostile_section(hostile):
 
 def make_sections(figures):
     counts, times = figures["counts"], figures["times"]
-    return [facade_section(counts["facade_cost"], times["facade_cost"]),
+    return [*xslt_sections(counts["xslt_cost"], times["xslt_cost"]),
+            facade_section(counts["facade_cost"], times["facade_cost"]),
             functions_section(counts["function_cost"], times["function_cost"]),
             conversions_section(counts["function_cost"]), replay_section(counts["function_cost"]),
             chain_section(counts["chain_cost"], times["chain_cost"]),

@@ -94,7 +94,7 @@ public:
     xalanc::XPath* createXPath(const xercesc::Locator* locator, const XalanDOMString& text,
                                const xalanc::PrefixResolver& resolver, bool allowVariables,
                                bool allowKey) override {
-        refuseTooDeepExpression({text.c_str(), text.length()});
+        rejectTooDeepExpression({text.c_str(), text.length()});
         return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
                                                                  allowVariables, allowKey);
     }

@@ -138,7 +138,7 @@ public:
                            "the function '" + std::string(function) + "' is not known here");
         }
         const XalanDOMString text = toEngineText(expression, m_memory);
-        refuseTooDeepExpression({text.c_str(), text.length()});
+        rejectTooDeepExpression({text.c_str(), text.length()});
         xalanc::XPathProcessorImpl processor(m_memory);
         xalanc::XPathConstructionContextDefault context(m_memory);
         processor.initXPath(*m_expression, context, text, m_prefixes);
