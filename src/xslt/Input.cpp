@@ -1,17 +1,29 @@
 #include "xslt/InputAccess.h"
 #include "xslt/Uri.h"
 
+#include <vexa/xslt/Error.h>
+
+#include <system_error>
 #include <utility>
 
 namespace vexa {
+
+Input::Data& InputAccess::data(const Input& input) {
+    if (!input.m_data) {
+        throw Error(ErrorKind::Usage, "the input is empty");
+    }
+    return *input.m_data;
+}
 
 Input::Input(std::shared_ptr<Data> data) noexcept : m_data(std::move(data)) {}
 
 Input Input::file(const std::filesystem::path& path) {
     auto data = std::make_shared<Data>();
     data->kind = Data::Kind::File;
-    data->uri = fileUri(path);
-    data->path = path;
+    // Without a working directory the path stays empty, and is refused when it is opened.
+    std::error_code ignored;
+    data->path = std::filesystem::absolute(path, ignored);
+    data->uri = fileUri(data->path);
     return Input(std::move(data));
 }
 

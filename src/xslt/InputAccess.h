@@ -16,6 +16,7 @@ struct Input::Data {
     Kind kind;
     /** Of a file: the "file" URI. */
     std::string uri;
+    /** Absolute. */
     std::filesystem::path path;
     /** What `text` views, unless it is the host's. */
     std::string ownText;
@@ -28,7 +29,8 @@ class InputAccess {
 public:
     using Data = Input::Data;
 
-    static Input::Data& data(const Input& input) { return *input.m_data; }
+    /** @throws Error: Usage for an input that was moved from */
+    static Input::Data& data(const Input& input);
 };
 
 using InputData = InputAccess::Data;

@@ -17,7 +17,9 @@ bool CancelToken::cancelled() const noexcept {
 CancelSource::CancelSource() : m_state(std::make_shared<CancelToken::State>()) {}
 
 void CancelSource::cancel() noexcept {
-    m_state->isCancelled.store(true, std::memory_order_relaxed);
+    if (m_state) { // not moved from
+        m_state->isCancelled.store(true, std::memory_order_relaxed);
+    }
 }
 
 CancelToken CancelSource::token() const {

@@ -13,9 +13,9 @@
 #include <system_error>
 #include <unistd.h>
 
-#include <xercesc/framework/URLInputSource.hpp>
 #include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/BinMemInputStream.hpp>
+#include <xercesc/util/XMLURL.hpp>
 
 using vexa::ErrorKind;
 using vexa::Input;
@@ -86,7 +86,14 @@ public:
     XMLFilePos curPos() const override { return m_position; }
     const XMLCh* getContentType() const override { return nullptr; }
     XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
-        m_stream.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(size));
+        try {
+            m_stream.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(size));
+        } catch (const std::ios_base::failure&) {
+            // A stream may be told to throw at its end too.
+            if (m_stream.bad()) {
+                throw;
+            }
+        }
         if (m_stream.bad()) {
             m_operation.fail(ErrorKind::Input, "the stream cannot be read", {m_uri, 0, 0});
         }
@@ -104,7 +111,10 @@ private:
 
 Sources::Opened openFile(const std::filesystem::path& path, const std::string& uri,
                          const Operation& operation) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // The system would take a path up to its NUL, which is not what the access policy has allowed.
+    const bool hasNul = path.native().find('\0') != std::string::npos;
+    errno = EINVAL;
+    const int file = hasNul ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
         operation.fail(ErrorKind::Input, std::string("cannot open: ") + std::strerror(errno),
                        {uri, 0, 0});
@@ -115,10 +125,19 @@ Sources::Opened openFile(const std::filesystem::path& path, const std::string& u
 
 /** What the parser can fetch. */
 bool isNetworkUri(std::string_view uri) {
-    constexpr std::string_view SCHEMES[] = {"http:", "https:", "ftp:", "file:"}; // of another host
-    return std::any_of(std::begin(SCHEMES), std::end(SCHEMES), [uri](std::string_view scheme) {
-        return uri.substr(0, scheme.size()) == scheme;
-    });
+    const std::string scheme = uriScheme(uri);
+    return scheme == "http" || scheme == "https" || scheme == "ftp" ||
+           scheme == "file"; // of another host
+}
+
+Sources::Opened openNetwork(const std::string& uri, const Operation& operation) {
+    try {
+        std::unique_ptr<xercesc::BinInputStream> stream(
+            xercesc::XMLURL(toUtf16(uri).c_str()).makeNewStream());
+        return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
+    } catch (const xercesc::XMLException& exception) {
+        operation.fail(ErrorKind::Input, cleanText(toUtf8(exception.getMessage())), {uri, 0, 0});
+    }
 }
 
 /** Compared after links are resolved, of the parts that exist. */
@@ -175,6 +194,9 @@ Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
     if (data.isStreamUsed.exchange(true)) {
         m_operation.fail(ErrorKind::Usage, "the input stream has been read already", {uri, 0, 0});
     }
+    if (data.stream->fail()) {
+        m_operation.fail(ErrorKind::Input, "the stream cannot be read", {uri, 0, 0});
+    }
     auto stream = std::make_unique<HostStream>(*data.stream, uri, m_operation);
     return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
 }
@@ -189,8 +211,7 @@ Sources::Opened Sources::openUnderPolicy(const std::string& uri) {
         if (!access.network) {
             m_operation.fail(ErrorKind::Denied, "network access denied: " + uri, {uri, 0, 0});
         }
-        return {std::make_unique<xercesc::URLInputSource>(xercesc::XMLURL(toUtf16(uri).c_str())),
-                uri};
+        return openNetwork(uri, m_operation);
     }
     if (access.folders && !isBelowOneOf(*path, *access.folders)) {
         m_operation.fail(ErrorKind::Denied, "file access denied: " + uri, {uri, 0, 0});

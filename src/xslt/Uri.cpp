@@ -129,9 +129,11 @@ std::string workingDirectoryUri() {
 } // namespace
 
 std::string fileUri(const std::filesystem::path& path) {
+    if (path.empty()) {
+        return {};
+    }
     std::string uri = "file://";
-    const std::filesystem::path absolute = std::filesystem::absolute(path);
-    for (const char c : absolute.native()) {
+    for (const char c : path.native()) {
         const auto byte = static_cast<unsigned char>(c);
         if (isPathCharacter(byte)) {
             uri += c;
@@ -146,24 +148,30 @@ std::string fileUri(const std::filesystem::path& path) {
 
 std::optional<std::filesystem::path> pathOfFileUri(std::string_view uri) {
     const Parts parts = split(uri);
-    const bool isLocal = parts.scheme == "file" && (!parts.authority || parts.authority == "" ||
-                                                    parts.authority == "localhost");
+    const bool isLocal = uriScheme(uri) == "file" && (!parts.authority || parts.authority == "" ||
+                                                      parts.authority == "localhost");
     if (!isLocal) {
         return std::nullopt;
     }
     return std::filesystem::path(percentDecoded(parts.path));
 }
 
-bool isAbsoluteUri(std::string_view uri) {
-    return schemeLength(uri) > 0;
+std::string uriScheme(std::string_view uri) {
+    std::string scheme(uri.substr(0, schemeLength(uri)));
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return scheme;
 }
 
 std::string resolveUri(std::string_view reference, std::string_view base) {
     const Parts parts = split(reference);
     if (parts.scheme) {
-        return std::string(reference);
+        // Dots mean nothing where there is no hierarchy ("urn:").
+        const bool isHierarchical = parts.authority || parts.path.substr(0, 1) == "/";
+        return isHierarchical ? join(parts, withoutDotSegments(parts.path))
+                              : std::string(reference);
     }
-    if (!isAbsoluteUri(base)) {
+    if (schemeLength(base) == 0) {
         const std::string directory = workingDirectoryUri();
         return resolveUri(reference, base.empty() ? directory : resolveUri(base, directory));
     }

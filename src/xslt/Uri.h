@@ -9,14 +9,14 @@
 #include <string>
 #include <string_view>
 
-/** The absolute "file" URI of a path, percent-encoded. */
+/** The "file" URI of an absolute path, percent-encoded; empty for an empty path. */
 std::string fileUri(const std::filesystem::path& path);
 
 /** The path of a "file" URI of this machine; nothing for other URIs. */
 std::optional<std::filesystem::path> pathOfFileUri(std::string_view uri);
 
-/** Whether a URI begins with a scheme. */
-bool isAbsoluteUri(std::string_view uri);
+/** The scheme of a URI in lower case; empty for a relative reference. */
+std::string uriScheme(std::string_view uri);
 
 /**
  * A reference resolved against a base; against the working directory where the base is no absolute
