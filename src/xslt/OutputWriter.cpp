@@ -2,6 +2,8 @@
 
 #include "xslt/Uri.h"
 
+#include <vexa/xslt/Error.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -18,10 +20,20 @@ using vexa::OutputData;
 
 namespace vexa {
 
+const Output::Data& OutputAccess::data(const Output& output) {
+    if (!output.m_data) {
+        throw Error(ErrorKind::Usage, "the output is empty");
+    }
+    return *output.m_data;
+}
+
 Output::Output(std::shared_ptr<const Data> data) noexcept : m_data(std::move(data)) {}
 
 Output Output::file(const std::filesystem::path& path) {
-    return Output(std::make_shared<const Data>(Data{Data::Kind::File, path}));
+    // Without a working directory the path stays empty, and is refused when it is opened.
+    std::error_code ignored;
+    return Output(std::make_shared<const Data>(
+        Data{Data::Kind::File, std::filesystem::absolute(path, ignored)}));
 }
 
 Output Output::stream(std::ostream& stream) {
@@ -54,11 +66,16 @@ public:
     File(const std::filesystem::path& path, const Operation& operation)
         : m_path(path), m_operation(operation) {
         struct stat status {};
-        const bool exists = ::stat(path.c_str(), &status) == 0;
-        if (exists && !S_ISREG(status.st_mode)) {
-            m_file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        if (m_path.native().find('\0') != std::string::npos) {
+            errno = EINVAL;
+        } else if (::stat(m_path.c_str(), &status) != 0) {
+            if (errno == ENOENT && m_path.has_filename()) {
+                openTemporary(nullptr);
+            }
+        } else if (S_ISREG(status.st_mode)) {
+            openTemporary(&status.st_mode);
         } else {
-            openTemporary(exists ? &status.st_mode : nullptr);
+            m_file = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
         }
         if (m_file < 0) {
             fail("cannot open");
@@ -102,14 +119,14 @@ public:
 
 private:
     void openTemporary(const mode_t* mode) {
-        // A symbolic link stays; what it names is replaced.
-        struct stat link {};
-        if (::lstat(m_path.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
-            std::error_code error;
-            const auto target = std::filesystem::weakly_canonical(m_path, error);
-            if (!error) {
-                m_path = target;
+        // A symbolic link stays; what it names is replaced, or appears.
+        std::error_code noLink;
+        for (;;) {
+            const auto target = std::filesystem::read_symlink(m_path, noLink);
+            if (noLink) {
+                break;
             }
+            m_path = m_path.parent_path() / target;
         }
         do {
             m_temporary = temporaryName(m_path);

@@ -19,6 +19,7 @@ struct Output::Data {
     enum class Kind { File, Stream, Text };
 
     Kind kind;
+    /** Absolute. */
     std::filesystem::path path;
     std::ostream* stream = nullptr;
     std::string* text = nullptr;
@@ -28,7 +29,8 @@ class OutputAccess {
 public:
     using Data = Output::Data;
 
-    static const Output::Data& data(const Output& output) { return *output.m_data; }
+    /** @throws Error: Usage for an output that was moved from */
+    static const Output::Data& data(const Output& output);
 };
 
 using OutputData = OutputAccess::Data;
