@@ -32,31 +32,38 @@ Value::Value(Tag /*tag*/, double number) : m_data(std::make_shared<const Data>(D
 Value::Value(std::vector<Node> nodes)
     : m_data(std::make_shared<const Data>(Data{inDocumentOrder(std::move(nodes))})) {}
 
-Value::Type Value::type() const noexcept {
-    return static_cast<Type>(m_data->value.index());
+const Value::Data& Value::data() const {
+    if (!m_data) {
+        throw Error(ErrorKind::Usage, "the value is empty");
+    }
+    return *m_data;
+}
+
+Value::Type Value::type() const {
+    return static_cast<Type>(data().value.index());
 }
 
 std::string Value::string() const {
     switch (type()) {
     case Type::String:
-        return std::get<std::string>(m_data->value);
+        return std::get<std::string>(data().value);
     case Type::Number:
-        return numberText(std::get<double>(m_data->value));
+        return numberText(std::get<double>(data().value));
     case Type::Boolean:
-        return std::get<bool>(m_data->value) ? "true" : "false";
+        return std::get<bool>(data().value) ? "true" : "false";
     case Type::NodeSet:
         break;
     }
-    const auto& nodes = std::get<std::vector<Node>>(m_data->value);
+    const auto& nodes = std::get<std::vector<Node>>(data().value);
     return nodes.empty() ? std::string() : nodes.front().string();
 }
 
 double Value::number() const {
     switch (type()) {
     case Type::Number:
-        return std::get<double>(m_data->value);
+        return std::get<double>(data().value);
     case Type::Boolean:
-        return std::get<bool>(m_data->value) ? 1 : 0;
+        return std::get<bool>(data().value) ? 1 : 0;
     default:
         return textNumber(string());
     }
@@ -65,21 +72,21 @@ double Value::number() const {
 bool Value::boolean() const {
     switch (type()) {
     case Type::String:
-        return !std::get<std::string>(m_data->value).empty();
+        return !std::get<std::string>(data().value).empty();
     case Type::Number: {
-        const double number = std::get<double>(m_data->value);
+        const double number = std::get<double>(data().value);
         return number != 0 && !std::isnan(number);
     }
     case Type::Boolean:
-        return std::get<bool>(m_data->value);
+        return std::get<bool>(data().value);
     case Type::NodeSet:
         break;
     }
-    return !std::get<std::vector<Node>>(m_data->value).empty();
+    return !std::get<std::vector<Node>>(data().value).empty();
 }
 
 const std::vector<Node>& Value::nodes() const& {
-    if (const auto* const nodes = std::get_if<std::vector<Node>>(&m_data->value)) {
+    if (const auto* const nodes = std::get_if<std::vector<Node>>(&data().value)) {
         return *nodes;
     }
     throw Error(ErrorKind::Usage, "the value is no node-set");

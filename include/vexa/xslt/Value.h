@@ -32,7 +32,7 @@ public:
     Value(Number number) // NOLINT(google-explicit-constructor)
         : Value(Tag(), static_cast<double>(number)) {}
 
-    Type type() const noexcept;
+    Type type() const;
     std::string string() const;
     double number() const;
     bool boolean() const;
@@ -44,6 +44,7 @@ private:
     struct Tag {};
     Value(Tag tag, double number);
     struct VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL const Data& data() const;
     std::shared_ptr<const Data> m_data;
 };
 
