@@ -13,8 +13,9 @@ using xalanc::DOMServices;
 using xalanc::XalanNode;
 
 bool isNamespaceNode(const XalanNode& node) {
+    // Results have these without a namespace of their own.
     return node.getNodeType() == XalanNode::ATTRIBUTE_NODE &&
-           node.getNamespaceURI() == DOMServices::s_XMLNamespacePrefixURI;
+           DOMServices::isNamespaceDeclaration(static_cast<const xalanc::XalanAttr&>(node));
 }
 
 std::string nodeName(const XalanNode& node) {

@@ -7,20 +7,12 @@
 #include <new>
 #include <utility>
 
+#include <xalanc/DOMSupport/DOMServices.hpp>
+#include <xalanc/PlatformSupport/AttributeListImpl.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDocumentFragment.hpp>
 
+using xalanc::DOMServices;
 using xalanc::XalanNode;
-
-namespace {
-
-/** Without the root itself, which the formatter has already. */
-void replayContent(const XalanNode& root, xalanc::FormatterListener& formatter) {
-    for (const XalanNode* child = root.getFirstChild(); child; child = child->getNextSibling()) {
-        replayTree(*child, formatter);
-    }
-}
-
-} // namespace
 
 ResultBuilder::ResultBuilder(std::string uri)
     : FormatterListener(OUTPUT_METHOD_DOM),
@@ -52,7 +44,7 @@ void ResultBuilder::continueBelowFragment() {
     m_document->setRoot(fragment);
     m_formatter.emplace(m_document->tree(), fragment, engineMemory());
     m_formatter->startDocument();
-    replayContent(*begun->tree(), *m_formatter);
+    replayTree(*begun->tree(), *this);
 }
 
 void ResultBuilder::setDocumentLocator(const xercesc::Locator* /*locator*/) {}
@@ -62,14 +54,34 @@ void ResultBuilder::startDocument() {
 }
 
 void ResultBuilder::endDocument() {
+    if (!m_hasElement) {
+        continueBelowFragment();
+    }
     formatter().endDocument();
 }
 
 void ResultBuilder::startElement(const XMLCh* name, xalanc::AttributeListType& attributes) {
-    if (m_depth++ == 0 && std::exchange(m_hasElement, true)) {
+    if (m_depth == 0) {
+        startTopElement(name, attributes);
+    } else {
+        formatter().startElement(name, attributes);
+    }
+    ++m_depth;
+}
+
+void ResultBuilder::startTopElement(const XMLCh* name,
+                                    const xalanc::AttributeListType& attributes) {
+    if (std::exchange(m_hasElement, true)) {
         continueBelowFragment();
     }
-    formatter().startElement(name, attributes);
+    // The parser adds this declaration, for the namespace axis.
+    const XMLCh* const xmlPrefix = DOMServices::s_XMLNamespacePrefix.c_str();
+    xalanc::AttributeListImpl all(engineMemory());
+    all.addAttribute(xmlPrefix, u"CDATA", DOMServices::s_XMLNamespaceURI.c_str());
+    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+        all.addAttribute(attributes.getName(i), attributes.getType(i), attributes.getValue(i));
+    }
+    formatter().startElement(name, all);
 }
 
 void ResultBuilder::endElement(const XMLCh* name) {
@@ -116,7 +128,7 @@ void ResultBuilder::resetDocument() {}
 vexa::DocumentAccess::Ptr copyTree(const XalanNode& root, const std::string& uri) {
     ResultBuilder builder(uri);
     builder.startDocument();
-    replayContent(root, builder);
+    replayTree(root, builder);
     builder.endDocument();
     return builder.finish();
 }

@@ -14,8 +14,8 @@
 #include <xalanc/PlatformSupport/FormatterListener.hpp>
 
 /**
- * Builds a document from output events. A result that has text or several elements next to its root
- * is no document for the engine: it is built below a fragment instead.
+ * Builds a document from output events. A result that has text or several elements below its root,
+ * or no element, is no document for the engine: it is built below a fragment instead.
  */
 class ResultBuilder : public xalanc::FormatterListener {
 public:
@@ -40,7 +40,8 @@ public:
 
 private:
     DocumentFormatter& formatter();
-    /** Before what a document cannot have next to its document element. */
+    void startTopElement(const XMLCh* name, const xalanc::AttributeListType& attributes);
+    /** Before what a document cannot have. */
     void continueBelowFragment();
 
     std::shared_ptr<vexa::DocumentData> m_document;

@@ -17,12 +17,13 @@ namespace {
 class Walker : public xalanc::FormatterTreeWalker, public xalanc::PrefixResolver {
 public:
     explicit Walker(xalanc::FormatterListener& formatter)
-        : FormatterTreeWalker(formatter), m_formatter(formatter), m_attributes(engineMemory()) {
+        : FormatterTreeWalker(formatter), m_formatter(formatter),
+          m_previousResolver(formatter.getPrefixResolver()), m_attributes(engineMemory()) {
         m_formatter.setPrefixResolver(this);
     }
     Walker(const Walker&) = delete;
     Walker& operator=(const Walker&) = delete;
-    ~Walker() override { m_formatter.setPrefixResolver(nullptr); }
+    ~Walker() override { m_formatter.setPrefixResolver(m_previousResolver); }
 
     const XalanDOMString* getNamespaceForPrefix(const XalanDOMString& prefix) const override {
         return m_element ? xalanc::DOMServices::getNamespaceForPrefix(prefix, *m_element) : nullptr;
@@ -31,6 +32,9 @@ public:
 
 protected:
     bool startNode(const XalanNode* node) override {
+        if (isRoot(*node)) {
+            return false;
+        }
         if (node->getNodeType() != XalanNode::ELEMENT_NODE) {
             return FormatterTreeWalker::startNode(node);
         }
@@ -39,15 +43,26 @@ protected:
         const xalanc::XalanNamedNodeMap& attributes = *node->getAttributes();
         for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
             const XalanNode& attribute = *attributes.item(i);
-            m_attributes.addAttribute(attribute.getNodeName().c_str(), u"CDATA",
-                                      attribute.getNodeValue().c_str());
+            if (attribute.getNodeName() != xalanc::DOMServices::s_XMLNamespacePrefix) {
+                m_attributes.addAttribute(attribute.getNodeName().c_str(), u"CDATA",
+                                          attribute.getNodeValue().c_str());
+            }
         }
         m_formatter.startElement(node->getNodeName().c_str(), m_attributes);
         return false;
     }
+    bool endNode(const XalanNode* node) override {
+        return !isRoot(*node) && FormatterTreeWalker::endNode(node);
+    }
 
 private:
+    static bool isRoot(const XalanNode& node) {
+        const auto type = node.getNodeType();
+        return type == XalanNode::DOCUMENT_NODE || type == XalanNode::DOCUMENT_FRAGMENT_NODE;
+    }
+
     xalanc::FormatterListener& m_formatter;
+    const xalanc::PrefixResolver* m_previousResolver;
     xalanc::AttributeListImpl m_attributes;
     const xalanc::XalanElement* m_element = nullptr;
     XalanDOMString m_noUri;
