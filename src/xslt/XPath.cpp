@@ -7,6 +7,7 @@
 #include "xslt/Text.h"
 #include "xslt/ValueExchange.h"
 
+#include "engine/EngineMemory.h"
 #include "engine/ExpressionGuard.h"
 
 #include <vexa/xslt/Error.h>
@@ -15,10 +16,11 @@
 
 #include <xalanc/DOMSupport/DOMServices.hpp>
 #include <xalanc/PlatformSupport/PrefixResolver.hpp>
-#include <xalanc/XPath/NodeRefList.hpp>
+#include <xalanc/XPath/NodeRefListBase.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XPath/XPath.hpp>
 #include <xalanc/XPath/XPathConstructionContextDefault.hpp>
+#include <xalanc/XPath/XPathEnvSupportDefault.hpp>
 #include <xalanc/XPath/XPathExecutionContextDefault.hpp>
 #include <xalanc/XPath/XPathFactoryDefault.hpp>
 #include <xalanc/XPath/XPathProcessorImpl.hpp>
@@ -96,10 +98,11 @@ bool isNameCharacter(char c) {
 }
 
 /**
- * The first of the functions of stylesheets that an expression calls; empty for none. The engine
- * knows them in every expression.
+ * Calls `visit` with the name of each function that an expression calls, and of each node test that
+ * looks like a call.
  */
-std::string_view calledStylesheetFunction(std::string_view expression) {
+template <typename Visitor>
+void visitCalls(std::string_view expression, Visitor visit) {
     while (!expression.empty()) {
         const char c = expression.front();
         std::size_t length = 1;
@@ -109,17 +112,53 @@ std::string_view calledStylesheetFunction(std::string_view expression) {
             while (length < expression.size() && isNameCharacter(expression[length])) {
                 ++length;
             }
-            const auto name = expression.substr(0, length);
             const auto next = expression.find_first_not_of(" \t\r\n", length);
-            const bool isCall = next != std::string_view::npos && expression[next] == '(';
-            if (isCall && (name == "key" || name == "current")) {
-                return name;
+            if (next != std::string_view::npos && expression[next] == '(') {
+                visit(expression.substr(0, length));
             }
         }
         expression.remove_prefix(length);
     }
-    return {};
 }
+
+/** Ends the operation at an error. The engine's own context prints it. */
+class ConstructionContext : public xalanc::XPathConstructionContextDefault {
+public:
+    ConstructionContext(xercesc::MemoryManager& memory, Operation& operation)
+        : XPathConstructionContextDefault(memory), m_operation(operation) {}
+
+    void problem(eSource source, eClassification classification, const XalanDOMString& text,
+                 const xalanc::Locator* locator, const xalanc::XalanNode* node) override {
+        if (classification == eError) {
+            m_operation.fail(vexa::ErrorKind::Compile, cleanText(toUtf8(text)));
+        }
+        OperationProblems(m_operation).problem(source, classification, text, locator, node);
+    }
+    void problem(eSource source, eClassification classification, const XalanDOMString& text,
+                 const xalanc::XalanNode* node) override {
+        problem(source, classification, text, nullptr, node);
+    }
+
+private:
+    Operation& m_operation;
+};
+
+/** The context of an expression is one node. */
+class OneNode : public xalanc::NodeRefListBase {
+public:
+    explicit OneNode(xalanc::XalanNode& node) : m_node(node) {}
+
+    xalanc::XalanNode* item(size_type index) const override {
+        return index == 0 ? &m_node : nullptr;
+    }
+    size_type getLength() const override { return 1; }
+    size_type indexOf(const xalanc::XalanNode* node) const override {
+        return node == &m_node ? 0 : npos;
+    }
+
+private:
+    xalanc::XalanNode& m_node;
+};
 
 } // namespace
 
@@ -131,16 +170,18 @@ public:
     explicit Data(const Namespaces& namespaces)
         : m_prefixes(namespaces, m_memory), m_factory(m_memory), m_expression(m_factory.create()) {}
 
-    void compile(const std::string& expression, const Operation& operation) {
-        const auto function = calledStylesheetFunction(expression);
-        if (!function.empty()) {
-            operation.fail(ErrorKind::Compile,
-                           "the function '" + std::string(function) + "' is not known here");
-        }
+    void compile(const std::string& expression, Operation& operation) {
+        refuseNul(expression);
+        visitCalls(expression, [&](std::string_view name) {
+            if (!isKnownFunction(name)) {
+                operation.fail(ErrorKind::Compile,
+                               "the function '" + std::string(name) + "' is not known here");
+            }
+        });
         const XalanDOMString text = toEngineText(expression, m_memory);
         rejectTooDeepExpression({text.c_str(), text.length()});
         xalanc::XPathProcessorImpl processor(m_memory);
-        xalanc::XPathConstructionContextDefault context(m_memory);
+        ConstructionContext context(m_memory, operation);
         processor.initXPath(*m_expression, context, text, m_prefixes);
         m_memory.seal();
     }
@@ -158,14 +199,35 @@ public:
             ValueExchange values(environment);
             xalanc::XObjectFactoryDefault objects(memory);
             EvaluationContext context(environment, trees, objects, values, variables);
-            const xalanc::NodeRefList none(memory);
+            xalanc::XalanNode* const contextNode = NodeAccess::node(node);
+            const OneNode contextList(*contextNode);
             const xalanc::XObjectPtr result =
-                m_expression->execute(NodeAccess::node(node), m_prefixes, none, context);
+                m_expression->execute(contextNode, m_prefixes, contextList, context);
             return values.toHost(*result, context);
         });
     }
 
 private:
+    /**
+     * The engine knows the functions of stylesheets in every expression, and looks for those with a
+     * prefix only when it evaluates.
+     */
+    bool isKnownFunction(std::string_view name) const {
+        const auto colon = name.rfind(':');
+        if (colon == std::string_view::npos) {
+            return name != "key" && name != "current";
+        }
+        if (colon > 0 && name[colon - 1] == ':') {
+            return true; // a node test after its axis
+        }
+        auto& memory = engineMemory();
+        const XalanDOMString* const uri =
+            m_prefixes.getNamespaceForPrefix(toEngineText(name.substr(0, colon), memory));
+        // The engine's message on a prefix says more.
+        return !uri || xalanc::XPathEnvSupportDefault(memory).functionAvailable(
+                           *uri, toEngineText(name.substr(colon + 1), memory));
+    }
+
     EngineUse m_engines = useEngines();
     MemoryPool m_memory;
     HostPrefixes m_prefixes;
