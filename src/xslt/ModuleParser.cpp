@@ -1,8 +1,9 @@
 #include "xslt/ModuleParser.h"
 
-#include "xslt/ParserCallbacks.h"
+#include <utility>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
+#include <xercesc/framework/XMLPScanToken.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
 
 namespace {
@@ -77,12 +78,13 @@ public:
         remember();
     }
 
-private:
+    /** The next event begins here. */
     void remember() {
         m_line = m_parser->getLineNumber();
         m_column = m_parser->getColumnNumber();
     }
 
+private:
     xercesc::DocumentHandler& m_handler;
     const xercesc::Locator* m_parser = nullptr;
     XMLFileLoc m_line = 1;
@@ -92,9 +94,9 @@ private:
 } // namespace
 
 void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& handler,
-                 Operation& operation, Sources& sources) {
+                 Operation& operation, Sources& sources, ExternalEntities::Listener onEntity) {
     ParserErrors errors(operation);
-    ExternalEntities entities(sources);
+    ExternalEntities entities(sources, std::move(onEntity));
     BeginningLocator locator(handler);
     // The settings that the engine's own parser has for stylesheets.
     xercesc::SAXParser parser;
@@ -104,5 +106,10 @@ void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& h
     parser.installAdvDocHandler(&locator);
     parser.setErrorHandler(&errors);
     parser.setXMLEntityResolver(&entities);
-    parser.parse(source);
+    // White space before the first element is no event: the parser stops in front of the element.
+    xercesc::XMLPScanToken token;
+    parser.parseFirst(source, token);
+    locator.remember();
+    while (parser.parseNext(token)) {
+    }
 }

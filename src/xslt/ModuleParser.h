@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include "xslt/ParserCallbacks.h"
 #include "xslt/Sources.h"
 
 #include <xercesc/sax/DocumentHandler.hpp>
@@ -11,7 +12,9 @@
 
 /**
  * Parses a stylesheet or module into a handler. The locator that the handler is given stands where
- * the element, text or instruction begins; the parser's own stands behind it.
+ * the element, text or instruction begins; the parser's own stands after it.
+ *
+ * @param onEntity is given the URI of each external entity that is read
  */
 void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& handler,
-                 Operation& operation, Sources& sources);
+                 Operation& operation, Sources& sources, ExternalEntities::Listener onEntity);

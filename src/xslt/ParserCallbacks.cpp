@@ -33,5 +33,9 @@ void ParserErrors::fatalError(const xercesc::SAXParseException& exception) {
 xercesc::InputSource* ExternalEntities::resolveEntity(xercesc::XMLResourceIdentifier* identifier) {
     const std::string base = toUtf8(identifier->getBaseURI());
     const std::string uri = resolveUri(toUtf8(identifier->getSystemId()), base);
-    return m_sources.open(uri, base, Reference::ExternalEntity).source.release();
+    Sources::Opened opened = m_sources.open(uri, base, Reference::ExternalEntity);
+    if (m_onRead) {
+        m_onRead(opened.uri);
+    }
+    return opened.source.release();
 }

@@ -6,6 +6,10 @@
 
 #include "xslt/Sources.h"
 
+#include <functional>
+#include <string>
+#include <utility>
+
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 
@@ -26,10 +30,15 @@ private:
 /** Opens the external entities of a document through the sources of the operation. */
 class ExternalEntities : public xercesc::XMLEntityResolver {
 public:
-    explicit ExternalEntities(Sources& sources) : m_sources(sources) {}
+    /** Is given the URI of each entity that is read. */
+    using Listener = std::function<void(const std::string& uri)>;
+
+    explicit ExternalEntities(Sources& sources, Listener onRead = nullptr)
+        : m_sources(sources), m_onRead(std::move(onRead)) {}
 
     xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
 
 private:
     Sources& m_sources;
+    Listener m_onRead;
 };

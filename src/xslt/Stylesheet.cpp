@@ -10,6 +10,7 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <algorithm>
 #include <utility>
 
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
@@ -60,10 +61,10 @@ public:
 
     const xalanc::StylesheetRoot& compile(const Input& input) {
         const Sources::Opened opened = m_sources->open(input);
-        m_data.m_modules.push_back(opened.uri);
+        addModule(opened.uri);
         xalanc::StylesheetRoot* const root = create(toEngineText(opened.uri, engineMemory()));
         xalanc::StylesheetHandler handler(*root, *this);
-        parseModule(*opened.source, handler, *m_operation, *m_sources);
+        parse(opened, handler);
         root->postConstruction(*this);
         return *root;
     }
@@ -85,8 +86,8 @@ public:
         const std::string uri = toUtf8(url);
         const Sources::Opened opened = openModule(uri, toLocation(getLocatorFromStack()));
         m_realUris.emplace(uri, opened.uri);
-        m_data.m_modules.push_back(opened.uri);
-        parseModule(*opened.source, *handler, *m_operation, *m_sources);
+        addModule(opened.uri);
+        parse(opened, *handler);
         return nullptr;
     }
 
@@ -113,6 +114,18 @@ public:
     }
 
 private:
+    void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler) {
+        parseModule(*opened.source, handler, *m_operation, *m_sources,
+                    [this](const std::string& uri) { addModule(uri); });
+    }
+
+    void addModule(const std::string& uri) {
+        auto& modules = m_data.m_modules;
+        if (std::find(modules.begin(), modules.end(), uri) == modules.end()) {
+            modules.push_back(uri);
+        }
+    }
+
     /** What cannot be read is the fault of the module that wants it. */
     Sources::Opened openModule(const std::string& uri, const Location& reference) {
         try {

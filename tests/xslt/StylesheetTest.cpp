@@ -1,0 +1,253 @@
+#include "XsltTest.h"
+
+using vexa::ErrorKind;
+using vexa::Input;
+using vexa::Options;
+using vexa::Stylesheet;
+using vexa::Transformation;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+vexa::Error compileErrorOf(const std::string& content) {
+    return failureOf([&] { compiled(content); });
+}
+
+/** Answers with stylesheets that include others by their names: "a" -> "b c". */
+Options withModules(const std::map<std::string, std::string>& modules) {
+    Options options;
+    options.resolver = [=](const std::string& uri, const std::string&) -> std::optional<Input> {
+        const auto module = modules.find(uri);
+        if (module == modules.end()) {
+            return std::nullopt;
+        }
+        return Input::text(stylesheet(module->second));
+    };
+    return options;
+}
+
+Stylesheet compiledMain(const std::map<std::string, std::string>& modules) {
+    return Stylesheet::compile(Input::uri("mem:/main"), withModules(modules));
+}
+
+} // namespace
+
+TEST(StylesheetTest, WhatIsNotWellFormedIsAParseError) {
+    for (const char* text : {"", "x", "<a", "<xsl:stylesheet version='1.0'/>"}) {
+        const auto error = failureOf([&] { Stylesheet::compile(Input::text(text, "urn:s")); });
+        EXPECT_EQ(error.kind(), ErrorKind::Parse) << text;
+        EXPECT_EQ(error.where().uri, "urn:s");
+    }
+}
+
+TEST(StylesheetTest, WhatIsWrongIsACompileError) {
+    for (const char* content : {
+             "<xsl:nonsense/>",
+             "<xsl:template/>",
+             "<xsl:template match='a['/>",
+             "<xsl:template match='/'><xsl:value-of/></xsl:template>",
+             "<xsl:template match='/'><xsl:value-of select='1 +'/></xsl:template>",
+             "<xsl:template match='/'><xsl:value-of select='unknown()'/></xsl:template>",
+             "<xsl:template match='/'><xsl:value-of select='count()'/></xsl:template>",
+             "<xsl:template match='/'><xsl:value-of select='none:f()'/></xsl:template>",
+             "<xsl:template match='/'><xsl:value-of select='none:a'/></xsl:template>",
+             "<xsl:template match='/'><xsl:if/></xsl:template>",
+             "<xsl:template match='/'><xsl:call-template name='none'/></xsl:template>",
+             "<xsl:template name='t'/><xsl:template name='t'/>",
+             "<xsl:variable name='v'/><xsl:variable name='v'/>",
+             "<xsl:import/>",
+             "<xsl:template match='/'/><xsl:import href='mem:/x'/>",
+         }) {
+        try {
+            compiled(content);
+            ADD_FAILURE() << content;
+        } catch (const vexa::Error& error) {
+            EXPECT_EQ(error.kind(), ErrorKind::Compile) << content << ": " << error.what();
+        }
+    }
+}
+
+TEST(StylesheetTest, ALiteralResultElementIsAStylesheet) {
+    const auto sheet = Stylesheet::compile(
+        Input::text("<b xsl:version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
+                    "<xsl:value-of select='a'/></b>"));
+    EXPECT_EQ(sheet.method(), "");
+    EXPECT_EQ(Transformation(sheet).toDocument(Input::text("<a>x</a>")).xml(), "<b>x</b>");
+}
+
+TEST(StylesheetTest, AnUnknownFunctionOrPrefixIsNamed) {
+    const auto inRootTemplate = [](const std::string& expression) {
+        return compileErrorOf("<xsl:template match='/'><xsl:value-of select='" + expression +
+                              "'/></xsl:template>")
+            .text();
+    };
+    EXPECT_NE(inRootTemplate("nofunction(1)").find("nofunction"), std::string::npos);
+    EXPECT_NE(inRootTemplate("noprefix:a").find("noprefix"), std::string::npos);
+    EXPECT_NE(inRootTemplate("noprefix:f()").find("noprefix"), std::string::npos);
+}
+
+/** A host may offer it later, to a Transformation. */
+TEST(StylesheetTest, AnUnknownExtensionFunctionIsATransformErrorThatNamesIt) {
+    const std::string content = "<xsl:value-of select='f:none()' xmlns:f='urn:f'/>";
+    expectFailure([&] { transformed(content); }, ErrorKind::Transform, "none");
+    EXPECT_EQ(transformed("<xsl:if test='false()'>" + content + "</xsl:if>"), "");
+    EXPECT_EQ(transformed("<xsl:value-of select='function-available(\"f:none\")' "
+                          "xmlns:f='urn:f'/>"),
+              "false");
+}
+
+TEST(StylesheetTest, AMissingModuleIsAnInputErrorThatNamesItAndItsReference) {
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.write("main.xsl", stylesheet("\n<!-- c -->\n  <xsl:include href='none.xsl'/>"));
+    const auto error = failureOf([&] { Stylesheet::compile(Input::file(path)); });
+    EXPECT_EQ(error.kind(), ErrorKind::Input);
+    EXPECT_EQ(error.text(),
+              "file://" + folder.path("none.xsl") + ": cannot open: No such file or directory");
+    EXPECT_EQ(asText(error.where()), "file://" + path + ":3:3");
+}
+
+TEST(StylesheetTest, AMissingModuleOfAModuleNamesTheModuleThatWantsIt) {
+    const auto error = failureOf([] {
+        compiledMain({{"mem:/main", "<xsl:import href='lib/a'/>"},
+                      {"mem:/lib/a", "\n<xsl:include href='b'/>"}});
+    });
+    EXPECT_EQ(error.kind(), ErrorKind::Input);
+    EXPECT_NE(error.text().find("mem:/lib/b"), std::string::npos) << error.what();
+    EXPECT_EQ(asText(error.where()), "mem:/lib/a:2:1");
+}
+
+TEST(StylesheetTest, AnErrorInAModuleIsThere) {
+    const auto parse = failureOf([] {
+        Options options;
+        options.resolver = [](const std::string&, const std::string&) {
+            return Input::text("<a>\n</b>");
+        };
+        Stylesheet::compile(Input::text(stylesheet("<xsl:include href='mem:/m'/>")), options);
+    });
+    EXPECT_EQ(parse.kind(), ErrorKind::Parse);
+    EXPECT_EQ(parse.where().uri, "mem:/m");
+    EXPECT_EQ(parse.where().line, 2U);
+
+    const auto compile = failureOf([] {
+        compiledMain({{"mem:/main", "<xsl:include href='m'/>"},
+                      {"mem:/m", "\n\n <xsl:template match='['/>"}});
+    });
+    EXPECT_EQ(compile.kind(), ErrorKind::Compile);
+    EXPECT_EQ(asText(compile.where()), "mem:/m:3:2");
+}
+
+TEST(StylesheetTest, AModuleThatIncludesOrImportsItselfIsACompileError) {
+    for (const char* element : {"include", "import"}) {
+        const std::string reference = std::string("<xsl:") + element + " href='";
+        EXPECT_EQ(failureOf([&] {
+                      compiledMain({{"mem:/main", reference + "main'/>"}});
+                  }).kind(),
+                  ErrorKind::Compile);
+        const auto error = failureOf([&] {
+            compiledMain(
+                {{"mem:/main", reference + "a'/>"}, {"mem:/a", reference + "x/../main'/>"}});
+        });
+        EXPECT_EQ(error.kind(), ErrorKind::Compile) << error.what();
+    }
+}
+
+TEST(StylesheetTest, TheUriIsThatOfItsInput) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a b.xsl", copyingStylesheet());
+    EXPECT_EQ(Stylesheet::compile(Input::file(path)).uri(), "file://" + folder.path("a%20b.xsl"));
+    for (const char* uri : {"", "urn:x", "no uri at all"}) {
+        EXPECT_EQ(Stylesheet::compile(Input::text(copyingStylesheet(), uri)).uri(), uri);
+    }
+}
+
+TEST(StylesheetTest, ModulesAreAllThatWasReadItselfFirstEachOnce) {
+    const auto sheet = compiledMain({{"mem:/main", "<xsl:import href='a'/><xsl:include href='b'/>"},
+                                     {"mem:/a", "<xsl:import href='c'/>"},
+                                     {"mem:/b", "<xsl:import href='c'/>"},
+                                     {"mem:/c", ""}});
+    EXPECT_EQ(sheet.modules(), (Names{"mem:/main", "mem:/a", "mem:/c", "mem:/b"}));
+    EXPECT_EQ(Stylesheet::compile(Input::text(copyingStylesheet(), "urn:x")).modules(),
+              Names{"urn:x"});
+}
+
+/** For caches: a change of any of them changes the stylesheet. */
+TEST(StylesheetTest, ModulesNameExternalEntitiesToo) {
+    const TemporaryFolder folder;
+    folder.write("part.ent", "<xsl:template match='/' "
+                             "xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>x</xsl:template>");
+    folder.write("main.dtd", "<!ENTITY part SYSTEM 'part.ent'>");
+    const std::string path =
+        folder.write("main.xsl", "<!DOCTYPE xsl:stylesheet SYSTEM 'main.dtd'>" +
+                                     stylesheet("<xsl:output method='text'/>&part;"));
+    Options options;
+    options.access.externalEntities = true;
+    const auto sheet = Stylesheet::compile(Input::file(path), options);
+    EXPECT_EQ(Transformation(sheet).toString(Input::text("<a/>")), "x");
+    EXPECT_EQ(sheet.modules(), (Names{"file://" + path, "file://" + folder.path("main.dtd"),
+                                      "file://" + folder.path("part.ent")}));
+}
+
+/** What a run reads is no part of the stylesheet. */
+TEST(StylesheetTest, ModulesDoNotNameDocuments) {
+    const auto sheet = compiledRootTemplate("<xsl:copy-of select=\"document('')\"/>");
+    EXPECT_EQ(sheet.modules().size(), 1U);
+}
+
+TEST(StylesheetTest, OutputSettingsAreThoseOfTheStylesheet) {
+    const auto of = [](const std::string& content) {
+        const auto sheet = compiled(content);
+        return sheet.method() + "," + sheet.encoding() + "," + sheet.mediaType();
+    };
+    EXPECT_EQ(of(""), ",,");
+    EXPECT_EQ(of("<xsl:output/>"), ",,");
+    EXPECT_EQ(of("<xsl:output method='xml'/>"), "xml,,");
+    EXPECT_EQ(of("<xsl:output method='html' encoding='ISO-8859-1'/>"), "html,ISO-8859-1,");
+    EXPECT_EQ(of("<xsl:output method='text' media-type='text/csv'/>"), "text,,text/csv");
+    EXPECT_EQ(of("<xsl:output encoding='UTF-16'/><xsl:output media-type='a/b'/>"), ",UTF-16,a/b");
+    const auto imported = compiledMain({{"mem:/main", "<xsl:import href='a'/>"
+                                                      "<xsl:output encoding='UTF-16'/>"},
+                                        {"mem:/a", "<xsl:output method='text'/>"}});
+    EXPECT_EQ(imported.method(), "text");
+    EXPECT_EQ(imported.encoding(), "UTF-16");
+}
+
+TEST(StylesheetTest, CopiesAreTheSameStylesheet) {
+    Stylesheet copy;
+    {
+        const Stylesheet sheet = compiledRootTemplate("<b/>");
+        copy = sheet;
+    }
+    EXPECT_EQ(Transformation(copy).toString(Input::text("<a/>")), "<b/>");
+}
+
+TEST(StylesheetTest, WarningsOfTheCompilerGoToTheHandler) {
+    std::vector<vexa::Diagnostic> messages;
+    Options options;
+    options.onMessage = [&](const vexa::Diagnostic& message) { messages.push_back(message); };
+    // Not an error in a stylesheet of a later version.
+    Stylesheet::compile(Input::text("<xsl:stylesheet version='2.0' "
+                                    "xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>\n"
+                                    "<xsl:template match='/'/></xsl:stylesheet>",
+                                    "urn:s"),
+                        options);
+    for (const auto& message : messages) {
+        EXPECT_EQ(message.severity, vexa::Severity::Warning) << message.text;
+        EXPECT_EQ(message.where.uri, "urn:s");
+    }
+}
+
+TEST(StylesheetTest, AStylesheetThatIsEmptyOrWasMovedFromAnswersWithUsage) {
+    Stylesheet full = compiledRootTemplate("<b/>");
+    const Stylesheet other = std::move(full);
+    EXPECT_EQ(other.method(), "xml");
+    for (const Stylesheet& sheet : {Stylesheet(), full}) { // NOLINT(bugprone-use-after-move)
+        expectFailure([&] { static_cast<void>(sheet.uri()); }, ErrorKind::Usage, "empty");
+        expectFailure([&] { sheet.modules(); }, ErrorKind::Usage, "empty");
+        expectFailure([&] { sheet.method(); }, ErrorKind::Usage, "empty");
+        expectFailure([&] { sheet.encoding(); }, ErrorKind::Usage, "empty");
+        expectFailure([&] { sheet.mediaType(); }, ErrorKind::Usage, "empty");
+        expectFailure([&] { Transformation run(sheet); }, ErrorKind::Usage, "empty");
+    }
+}
