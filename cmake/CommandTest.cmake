@@ -8,12 +8,13 @@
 #   CONTAINS file     each line of the file is found in the output, after those before it
 #                     (without any of these three there is no output)
 #   WRITES file       the output is this file; nothing is written to standard output
+#   APPENDS file      the content of this file, which the command writes, follows the output
 #   WRITES_NOT file   this file is not written
 #   INPUT file        the standard input
 #
 # The arguments of the command have no semicolons.
 function(vexa_command_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "STATUS;ERRORS;EQUALS;MATCHES;CONTAINS;WRITES;WRITES_NOT;INPUT"
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "STATUS;ERRORS;EQUALS;MATCHES;CONTAINS;WRITES;APPENDS;WRITES_NOT;INPUT"
                         "COMMAND")
   if(NOT arg_COMMAND OR arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "${name}: no command, or unknown options: ${arg_UNPARSED_ARGUMENTS}")
@@ -22,7 +23,7 @@ function(vexa_command_test name)
     set(arg_STATUS 0)
   endif()
   set(settings "")
-  foreach(option IN ITEMS STATUS ERRORS WRITES WRITES_NOT INPUT)
+  foreach(option IN ITEMS STATUS ERRORS WRITES APPENDS WRITES_NOT INPUT)
     if(DEFINED arg_${option})
       list(APPEND settings -D "${option}=${arg_${option}}")
     endif()

@@ -5,6 +5,7 @@ include("${CMAKE_CURRENT_LIST_DIR}/../../examples/Regions.cmake")
 
 file(READ "${README}" readme)
 read_region(shown "${EXAMPLE}" "${REGION}")
+unindent(shown "${shown}")
 if(NOT LANGUAGE)
   set(LANGUAGE cpp)
 endif()
