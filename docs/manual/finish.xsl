@@ -20,6 +20,14 @@
     </nav>
   </xsl:template>
 
+  <!-- A chapter of a part has a heading of the second level; its sections are one level below. -->
+  <xsl:template match="div[@class = 'section']/div[@class = 'titlepage']//h2">
+    <h3>
+      <xsl:copy-of select="@*"/>
+      <xsl:apply-templates/>
+    </h3>
+  </xsl:template>
+
   <!-- The engine writes a charset of its own. -->
   <xsl:template match="meta[@http-equiv = 'Content-Type']"/>
 

@@ -65,7 +65,7 @@ void print(const vexa::Error& error, const std::string& text) {
     }
     std::cout << error.what() << '\n'
               << sourceLine(error.where(), text) << '\n'
-              << advice(error.kind()) << '\n';
+              << advice(error.kind()) << "\n\n";
     // [/print]
 }
 

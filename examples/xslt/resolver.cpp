@@ -51,13 +51,11 @@ void run() {
     vexa::Transformation transformation(page, options);
     const auto source = vexa::Input::text("<orders><order customer='c1'/></orders>");
     std::cout << transformation.toString(source) << '\n';
-    // [/options]
-    // [modules]
+
     for (const std::string& module : page.modules()) {
         std::cout << "read: " << module << '\n';
     }
-    // [/modules]
-    // [refused]
+
     for (const char* uri :
          {"mem:/sheets/none.xsl", "file:///etc/passwd", "http://vexa.example/a"}) {
         try {
@@ -67,7 +65,7 @@ void run() {
             std::cout << (isDenied ? "denied: " : "failed: ") << error.text() << '\n';
         }
     }
-    // [/refused]
+    // [/options]
 }
 
 } // namespace

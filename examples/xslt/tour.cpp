@@ -15,6 +15,7 @@ void tour(char** files) {
     const auto rates = vexa::Document::parse(vexa::Input::file(files[3]));
 
     vexa::Transformation run(report);          // used by one thread at a time
+    // [parameters]
     run.parameter("title", "May's \"orders\"") // any text
         .parameter("most", 2)                  // a number stays a number
         .parameter("rates", rates)             // a document
@@ -24,6 +25,7 @@ void tour(char** files) {
         .onMessage([](const vexa::Diagnostic& message) {
             std::cout << "message: " << message.text << '\n';
         });
+    // [/parameters]
 
     const std::string page = run.toString(orders);      // into a string
     run.to(orders, vexa::Output::file(files[4]));       // into a file, atomically
