@@ -1,6 +1,6 @@
 /**
  * @file
- * The second interface: compile once, run from any thread.
+ * The interface of libVEXA_XSLT: compile once, run from any thread.
  *
  *     const auto report = vexa::Stylesheet::compile(vexa::Input::file("report.xsl"));
  *     vexa::Transformation run(report);
@@ -20,3 +20,6 @@
 #include <vexa/xslt/Transformation.h>
 #include <vexa/xslt/Value.h>
 #include <vexa/xslt/XPath.h>
+
+/** All names of this interface. */
+namespace vexa {}

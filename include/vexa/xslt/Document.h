@@ -17,12 +17,26 @@ namespace vexa {
 /** A node of a document, which it keeps alive. A default-made node answers with Error: Usage. */
 class VEXA_XSLT_EXPORT Node {
 public:
-    enum class Type { Root, Element, Attribute, Text, Comment, ProcessingInstruction, Namespace };
+    /** The seven types of nodes of XPath 1.0. */
+    enum class Type {
+        Root,                  ///< above the document element
+        Element,               ///< an element
+        Attribute,             ///< an attribute
+        Text,                  ///< a text, also of a CDATA section
+        Comment,               ///< a comment
+        ProcessingInstruction, ///< a processing instruction
+        Namespace              ///< a namespace that is in scope at an element
+    };
 
+    /** An empty node. */
     Node() noexcept;
 
+    /** The type of the node. */
     Type type() const;
-    /** The qualified name; the target of a processing instruction; empty for other nodes. */
+    /**
+     * The qualified name of an element or an attribute, the target of a processing instruction, the
+     * prefix of a namespace; empty for other nodes.
+     */
     std::string name() const;
     /** The name without prefix. */
     std::string localName() const;
@@ -30,7 +44,10 @@ public:
     std::string namespaceUri() const;
     /** The string value, as XPath defines it. */
     std::string string() const;
-    /** The node as XML, without a declaration; of an attribute or a namespace its value. */
+    /**
+     * The node as XML in UTF-8, without a declaration; of an attribute or a namespace its value.
+     * Namespace declarations of the elements around it are not repeated.
+     */
     std::string xml() const;
 
 private:
@@ -45,6 +62,7 @@ private:
  */
 class VEXA_XSLT_EXPORT Document {
 public:
+    /** An empty document. */
     Document() noexcept;
 
     /** Parses a document. @throws Error: Parse, Input, Denied, Limit, Cancelled, Usage */

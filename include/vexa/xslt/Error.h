@@ -32,8 +32,8 @@ enum class ErrorKind {
 struct Location {
     /** An absolute URI for a file; what the host gave for a text or a stream; empty if unknown. */
     std::string uri;
-    std::size_t line = 0;
-    std::size_t column = 0;
+    std::size_t line = 0;   ///< 0: unknown
+    std::size_t column = 0; ///< 0: unknown
 };
 
 /** How serious a diagnostic is. */
@@ -45,9 +45,9 @@ enum class Severity {
 
 /** One message of an operation. */
 struct Diagnostic {
-    Severity severity = Severity::Message;
-    std::string text;
-    Location where;
+    Severity severity = Severity::Message; ///< what kind of message it is
+    std::string text;                      ///< without its location
+    Location where;                        ///< where it comes from, as far as known
 };
 
 /**
@@ -63,6 +63,7 @@ public:
           std::vector<Diagnostic> diagnostics = {});
     ~Error() override;
 
+    /** What failed: for programs. */
     ErrorKind kind() const noexcept;
     /** The cause alone, without its location. */
     const std::string& text() const noexcept;

@@ -1,6 +1,6 @@
 /**
  * @file
- * What an operation may do, and whom it asks and tells.
+ * What an operation may do, and the callbacks that it uses.
  */
 #pragma once
 
@@ -46,13 +46,15 @@ struct Limits {
 };
 
 /**
- * Tells an operation whether it shall stop. A default token never does. Any thread may use it.
+ * Says whether an operation shall stop. A default token never does. Any thread may use it.
  *
  * Reserved: this version does not ask it yet.
  */
 class VEXA_XSLT_EXPORT CancelToken {
 public:
+    /** A token that is never cancelled. */
     CancelToken() noexcept;
+    /** Whether its source has been cancelled. */
     bool cancelled() const noexcept;
 
 private:
@@ -64,8 +66,11 @@ private:
 /** Cancels the operations that have a token of it. Any thread may use it. */
 class VEXA_XSLT_EXPORT CancelSource {
 public:
+    /** A source that is not cancelled. */
     CancelSource();
+    /** Cancels all operations that have a token of this source, for good. */
     void cancel() noexcept;
+    /** A token of this source. */
     CancelToken token() const;
 
 private:
@@ -89,11 +94,11 @@ using MessageHandler = std::function<void(const Diagnostic&)>;
 
 /** The settings of one operation, or of all operations of one Transformation. */
 struct Options {
-    Access access;
-    Limits limits;
-    CancelToken cancel;
-    Resolver resolver;
-    MessageHandler onMessage;
+    Access access;            ///< what documents and stylesheets may reach
+    Limits limits;            ///< reserved
+    CancelToken cancel;       ///< reserved
+    Resolver resolver;        ///< may be empty
+    MessageHandler onMessage; ///< may be empty
 };
 
 } // namespace vexa

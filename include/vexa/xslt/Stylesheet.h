@@ -20,6 +20,7 @@ namespace vexa {
  */
 class VEXA_XSLT_EXPORT Stylesheet {
 public:
+    /** An empty stylesheet. */
     Stylesheet() noexcept;
 
     /**

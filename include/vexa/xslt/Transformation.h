@@ -51,9 +51,11 @@ using Function = std::function<Value(const Call&)>;
  */
 class VEXA_XSLT_EXPORT Transformation {
 public:
-    /** @throws Error: Usage for an empty stylesheet */
+    /** Prepares runs with these options. @throws Error: Usage for an empty stylesheet */
     explicit Transformation(Stylesheet stylesheet, Options options = {});
+    /** Moves the parameters, functions and handlers. */
     Transformation(Transformation&&) noexcept;
+    /** Moves the parameters, functions and handlers. */
     Transformation& operator=(Transformation&&) noexcept;
     ~Transformation();
 
@@ -61,15 +63,23 @@ public:
      * Sets a top-level parameter for all later runs. A parameter that the stylesheet does not
      * declare is ignored.
      *
-     * @param name "name" or "{uri}name"
+     * @param name  "name" or "{uri}name"
+     * @param value any text, a number, a boolean or a node-set; it keeps its type
      * @throws Error: Usage for a name that is none, and for a string with U+0000
      */
     Transformation& parameter(const std::string& name, Value value);
     /** Sets a parameter to a node-set of the document's root. */
     Transformation& parameter(const std::string& name, const Document& document);
-    /** Takes a parameter back. */
+    /** Removes a parameter: the default of the stylesheet applies again. */
     Transformation& removeParameter(const std::string& name);
-    /** Offers a function to the stylesheet in all later runs, in place of an earlier one. */
+    /**
+     * Installs a function for all later runs, in place of an earlier one of this name.
+     *
+     * @param namespaceUri not empty
+     * @param name         the name without prefix
+     * @param function     is called on the thread that runs the transform
+     * @throws Error: Usage for an empty namespace or function, and for a name that is none
+     */
     Transformation& function(const std::string& namespaceUri, const std::string& name,
                              Function function);
     /** Replaces the handler of messages. */
@@ -77,15 +87,18 @@ public:
 
     /** Transforms a document and writes the result. @throws Error */
     void to(const Document& source, const Output& output);
+    /** Parses and transforms a document and writes the result. @throws Error */
     void to(const Input& source, const Output& output);
     /** The result as bytes in the encoding that the stylesheet asks for. @throws Error */
     std::string toString(const Document& source);
+    /** Parses a document, and returns the result as the function above. @throws Error */
     std::string toString(const Input& source);
     /**
      * The result as a document: the tree before serialisation, without indentation and escaping
      * marks, and with CDATA sections as text. It has its source's URI. @throws Error
      */
     Document toDocument(const Document& source);
+    /** Parses a document, and returns the result as the function above. @throws Error */
     Document toDocument(const Input& source);
 
 private:

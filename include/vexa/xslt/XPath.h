@@ -29,18 +29,26 @@ using Variables = std::map<std::string, Value>;
  */
 class VEXA_XSLT_EXPORT XPath {
 public:
+    /** An empty expression. */
     XPath() noexcept;
 
-    /** @param namespaces the prefixes of the expression; "xml" is known. @throws Error: Compile */
+    /**
+     * Compiles an expression.
+     *
+     * @param expression an expression of XPath 1.0
+     * @param namespaces the prefixes of the expression; "xml" is known
+     * @throws Error: Compile
+     */
     static XPath compile(std::string expression, Namespaces namespaces = {});
 
     /** Evaluates over the root node of a document. @throws Error */
     Value evaluate(const Document& document, const Options& options = {}) const;
     /** Evaluates over a node. @throws Error */
     Value evaluate(const Node& node, const Options& options = {}) const;
-    /** The same with variables. */
+    /** The same with variables. A variable without a value is an Error: Transform. @throws Error */
     Value evaluate(const Document& document, const Options& options,
                    const Variables& variables) const;
+    /** The same with variables. @throws Error */
     Value evaluate(const Node& node, const Options& options, const Variables& variables) const;
 
 private:
