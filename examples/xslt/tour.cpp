@@ -14,7 +14,7 @@ void tour(char** files) {
     const auto orders = vexa::Document::parse(vexa::Input::file(files[2]));
     const auto rates = vexa::Document::parse(vexa::Input::file(files[3]));
 
-    vexa::Transformation run(report);          // used by one thread at a time
+    vexa::Transformation run(report); // used by one thread at a time
     // [parameters]
     run.parameter("title", "May's \"orders\"") // any text
         .parameter("most", 2)                  // a number stays a number
