@@ -1,66 +1,36 @@
 #include "engine/XmlWriter.h"
 
-#include <xalanc/PlatformSupport/XalanOutputStreamPrintWriter.hpp>
-#include <xalanc/PlatformSupport/XalanStdOutputStream.hpp>
-#include <xalanc/XMLSupport/FormatterToXML.hpp>
 #include <xalanc/XMLSupport/FormatterTreeWalker.hpp>
 
-using xalanc::FormatterToXML;
 using xalanc::XalanDOMString;
 
-namespace {
+XmlOutput::XmlOutput(std::ostream& os)
+    : m_stream(os), m_writer(m_stream, false), m_formatter(m_writer,
+                                                           XalanDOMString(), // version
+                                                           false,            // indenting
+                                                           0,                // indent amount
+                                                           XalanDOMString(), // encoding
+                                                           XalanDOMString(), // media type
+                                                           XalanDOMString(), // doctype system id
+                                                           XalanDOMString(), // doctype public id
+                                                           true,             // XML declaration
+                                                           XalanDOMString(), // standalone
+                                                           Formatter::OUTPUT_METHOD_XML,
+                                                           true) // data buffering
+{}
 
-/**
- * The base class throws if a character needs a numeric character reference: a tab or a newline in
- * an attribute, a carriage return, and the control characters from 0x7F to 0x9F.
- */
-class NodeFormatter : public FormatterToXML {
-public:
-    using FormatterToXML::FormatterToXML;
-
-protected:
-    bool accumDefaultEntity(xalanc::XalanDOMChar c, bool escapeLineFeed) override {
-        if (FormatterToXML::accumDefaultEntity(c, escapeLineFeed)) {
-            return true;
-        }
-        // XML does not allow the other control characters: they are an error.
-        const bool isNumbered = c == u'\t' || c == u'\n' || c == u'\r' || (c >= 0x7F && c <= 0x9F);
-        if (isNumbered) {
-            writeNumberedEntityReference(c);
-        }
-        return isNumbered;
+bool XmlOutput::Formatter::accumDefaultEntity(xalanc::XalanDOMChar c, bool escapeLineFeed) {
+    if (FormatterToXML::accumDefaultEntity(c, escapeLineFeed)) {
+        return true;
     }
-};
-
-} // namespace
-
-void traverseWithEngine(const xalanc::XalanNode& node, xalanc::FormatterListener& formatter) {
-    xalanc::FormatterTreeWalker(formatter).traverseSubtree(&node);
+    // The other controls are not XML characters, and an error.
+    const bool needsReference = c == u'\t' || c == u'\n' || c == u'\r' || (c >= 0x7F && c <= 0x9F);
+    if (needsReference) {
+        writeNumberedEntityReference(c);
+    }
+    return needsReference;
 }
 
-void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration,
-              Traversal traverse) {
-    xalanc::XalanStdOutputStream outputStream(os);
-    xalanc::XalanOutputStreamPrintWriter printWriter(outputStream, false);
-    const XalanDOMString none;
-    NodeFormatter formatter(printWriter,
-                            none,  // version
-                            false, // indenting
-                            0,     // indent amount
-                            none,  // encoding
-                            none,  // media type
-                            none,  // doctype system id
-                            none,  // doctype public id
-                            true,  // XML declaration
-                            none,  // standalone
-                            NodeFormatter::OUTPUT_METHOD_XML,
-                            true); // data buffering
-    if (declaration == XmlDeclaration::LeftOut) {
-        formatter.setShouldWriteXMLHeader(false);
-    }
-    formatter.startDocument();
-    if (node) {
-        traverse(*node, formatter);
-    }
-    formatter.endDocument();
+void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration) {
+    writeXml<xalanc::FormatterTreeWalker>(os, node, declaration);
 }

@@ -6,24 +6,62 @@
 
 #include <iosfwd>
 
-#include <xalanc/PlatformSupport/FormatterListener.hpp>
+#include <xalanc/PlatformSupport/XalanOutputStreamPrintWriter.hpp>
+#include <xalanc/PlatformSupport/XalanStdOutputStream.hpp>
+#include <xalanc/XMLSupport/FormatterToXML.hpp>
 #include <xalanc/XalanDOM/XalanNode.hpp>
 
 enum class XmlDeclaration { Written, LeftOut };
 
-/** Reports a node and its subtree to a formatter. */
-using Traversal = void (*)(const xalanc::XalanNode& node, xalanc::FormatterListener& formatter);
+/** Formats output events as XML text in the engine's default encoding, UTF-8, not indented. */
+class XmlOutput {
+public:
+    explicit XmlOutput(std::ostream& os);
+    XmlOutput(const XmlOutput&) = delete;
+    XmlOutput& operator=(const XmlOutput&) = delete;
 
-/** Attributes come in the reverse of their order. */
-void traverseWithEngine(const xalanc::XalanNode& node, xalanc::FormatterListener& formatter);
+    xalanc::FormatterToXML& formatter() { return m_formatter; }
+
+private:
+    /**
+     * The formatter of the engine throws an exception for a character that needs a character
+     * reference: a tab or a newline in an attribute, a carriage return, and the controls from 0x7F
+     * to 0x9F.
+     */
+    class Formatter : public xalanc::FormatterToXML {
+    public:
+        using FormatterToXML::FormatterToXML;
+
+    protected:
+        bool accumDefaultEntity(xalanc::XalanDOMChar c, bool escapeLineFeed) override;
+    };
+
+    xalanc::XalanStdOutputStream m_stream;
+    xalanc::XalanOutputStreamPrintWriter m_writer;
+    Formatter m_formatter;
+};
 
 /**
- * Writes a node and its subtree as XML text in the engine's default encoding, UTF-8, without
- * indentation.
+ * Writes a node and its subtree. `Walker` reports them to the formatter.
  *
  * @param node null: only the XML declaration is written
  * @throws xalanc::XSLException if writing to the stream fails
  * @throws xercesc::SAXException for a character that XML does not allow
  */
-void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration,
-              Traversal traverse = traverseWithEngine);
+template <typename Walker>
+void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration) {
+    XmlOutput output(os);
+    xalanc::FormatterToXML& formatter = output.formatter();
+    Walker walker(formatter);
+    if (declaration == XmlDeclaration::LeftOut) {
+        formatter.setShouldWriteXMLHeader(false);
+    }
+    formatter.startDocument();
+    if (node) {
+        walker.traverseSubtree(node);
+    }
+    formatter.endDocument();
+}
+
+/** The same by the engine's own walker, which reports attributes in the reverse of their order. */
+void writeXml(std::ostream& os, const xalanc::XalanNode* node, XmlDeclaration declaration);

@@ -1,7 +1,7 @@
 #include "xslt/NodeText.h"
 
 #include "xslt/Text.h"
-#include "xslt/TreeReplay.h"
+#include "xslt/TreeWalker.h"
 
 #include "engine/XmlWriter.h"
 
@@ -69,6 +69,6 @@ std::string nodeXml(const XalanNode& node) {
 }
 
 void writeNode(std::ostream& stream, const XalanNode& node, bool declaration) {
-    writeXml(stream, &node, declaration ? XmlDeclaration::Written : XmlDeclaration::LeftOut,
-             replayTree);
+    writeXml<TreeWalker>(stream, &node,
+                         declaration ? XmlDeclaration::Written : XmlDeclaration::LeftOut);
 }

@@ -1,6 +1,6 @@
 #include "xslt/ResultBuilder.h"
 
-#include "xslt/TreeReplay.h"
+#include "xslt/TreeWalker.h"
 
 #include "engine/EngineMemory.h"
 
@@ -44,7 +44,7 @@ void ResultBuilder::continueBelowFragment() {
     m_document->setRoot(fragment);
     m_formatter.emplace(m_document->tree(), fragment, engineMemory());
     m_formatter->startDocument();
-    replayTree(*begun->tree(), *this);
+    TreeWalker(*this).traverseSubtree(begun->tree());
 }
 
 void ResultBuilder::setDocumentLocator(const xercesc::Locator* /*locator*/) {}
@@ -128,7 +128,7 @@ void ResultBuilder::resetDocument() {}
 vexa::DocumentAccess::Ptr copyTree(const XalanNode& root, const std::string& uri) {
     ResultBuilder builder(uri);
     builder.startDocument();
-    replayTree(root, builder);
+    TreeWalker(builder).traverseSubtree(&root);
     builder.endDocument();
     return builder.finish();
 }
