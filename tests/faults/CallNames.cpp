@@ -25,7 +25,7 @@ std::string findCallName(void* address) {
            (info.dli_sname ? demangled(info.dli_sname) : "?");
 }
 
-/** The dynamic linker looks through all symbols of a library each time. */
+/** Cached: the dynamic linker searches all symbols of a library each time. */
 const std::string& callName(void* address) {
     static std::unordered_map<void*, std::string> names;
     const auto [entry, isNew] = names.try_emplace(address);

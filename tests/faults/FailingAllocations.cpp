@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int MOST_FRAMES = 48;
-/** Of a traced block: each costs time. */
+/** For a traced block; each frame costs time. */
 constexpr int MOST_TRACED_FRAMES = 12;
 constexpr std::size_t MOST_TRACED = 1 << 15;
 
@@ -27,10 +27,10 @@ bool g_failed = false;
 int g_failureDepth = 0;
 void* g_failureFrames[MOST_FRAMES];
 long g_live = 0;
-/** A hash table, open at its free places. */
+/** A hash table with open addressing. */
 TracedBlock* g_traced = nullptr;
-/** In place of a block that has gone. */
-void* const GIVEN_BACK = &g_traced;
+/** Marks an entry whose block was freed. */
+void* const FREED = &g_traced;
 
 bool mustFail() {
     if (!g_counting) {
@@ -50,13 +50,13 @@ std::size_t hash(void* block) {
     return reinterpret_cast<std::uintptr_t>(block) / alignof(std::max_align_t) % MOST_TRACED;
 }
 
-bool isTaken(const TracedBlock& traced) {
-    return traced.block && traced.block != GIVEN_BACK;
+bool isUsed(const TracedBlock& traced) {
+    return traced.block && traced.block != FREED;
 }
 
 void remember(void* block) {
     std::size_t place = hash(block);
-    while (isTaken(g_traced[place])) {
+    while (isUsed(g_traced[place])) {
         place = (place + 1) % MOST_TRACED;
     }
     g_traced[place].block = block;
@@ -69,7 +69,7 @@ void forget(void* block) {
         place = (place + 1) % MOST_TRACED;
     }
     if (g_traced[place].block) {
-        g_traced[place].block = GIVEN_BACK;
+        g_traced[place].block = FREED;
     }
 }
 
@@ -147,7 +147,7 @@ std::vector<Place> tracedPlaces() {
     g_traced = nullptr;
     std::vector<Place> places;
     for (std::size_t i = 0; i < MOST_TRACED; ++i) {
-        if (isTaken(traced[i])) {
+        if (isUsed(traced[i])) {
             places.emplace_back(traced[i].frames, traced[i].frames + traced[i].depth);
         }
     }

@@ -1,7 +1,7 @@
 /**
  * @file
- * This program's own operator new, which the libraries and the engines use as well: it counts, and
- * fails on request.
+ * The operator new of this program, which the libraries and the engines use as well. It counts
+ * allocations, and fails on request.
  */
 #pragma once
 
@@ -15,7 +15,7 @@ namespace allocations {
 
 /** The allocation number `n` from now on fails, counted from 1; 0: none fails. */
 void failAt(std::size_t n, Shortage shortage);
-/** Goes on counting after suspend(). */
+/** Starts counting, or continues after suspend(). */
 void resume();
 /** Neither counts nor fails until resume(). */
 void suspend();
@@ -31,9 +31,9 @@ Place placeOfFailure();
 /** Blocks that are allocated now. */
 long liveBlocks();
 
-/** From now on each block is remembered with its place. */
+/** Stores the place of each block that is allocated from now on. */
 void trace();
-/** The places of the remembered blocks that are still allocated. */
+/** The places of the blocks since trace() that are still allocated; ends the tracing. */
 std::vector<Place> tracedPlaces();
 
 } // namespace allocations

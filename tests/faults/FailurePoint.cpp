@@ -29,14 +29,14 @@ struct RawPlace {
     void* frames[MOST_FRAMES];
 };
 
-/** What the process that tries the point leaves for the one that asked. */
+/** What the child process that tries a failure point reports to the test. */
 struct Report {
     std::size_t allocation;
     bool done;
     bool failed;
     bool died;
     long lostBlocks;
-    char complaint[200];
+    char message[200];
     RawPlace failure;
     RawPlace death;
     int lossCount;
@@ -49,51 +49,51 @@ Report* sharedReport() {
     return report;
 }
 
-void note(RawPlace& place, void* const* frames, std::size_t depth) {
+void record(RawPlace& place, void* const* frames, std::size_t depth) {
     place.depth = std::min(static_cast<int>(depth), MOST_FRAMES);
     std::memcpy(place.frames, frames, static_cast<std::size_t>(place.depth) * sizeof(void*));
 }
 
-void noteFailure(Report& report) {
+void recordFailure(Report& report) {
     const allocations::Place place = allocations::placeOfFailure();
     report.failed = !place.empty();
-    note(report.failure, place.data(), place.size());
+    record(report.failure, place.data(), place.size());
 }
 
-void noteLosses(Report& report) {
+void recordLosses(Report& report) {
     for (const allocations::Place& place : allocations::tracedPlaces()) {
         if (report.lossCount < MOST_LOSSES) {
-            note(report.losses[report.lossCount++], place.data(), place.size());
+            record(report.losses[report.lossCount++], place.data(), place.size());
         }
     }
 }
 
-void complain(Report& report, const char* complaint) {
-    std::snprintf(report.complaint, sizeof report.complaint, "%s", complaint);
+void setMessage(Report& report, const char* message) {
+    std::snprintf(report.message, sizeof report.message, "%s", message);
 }
 
-/** Ends the process without the time that a core file takes, and without this program's files. */
+/** Ends the process without writing a core file and without deleting this program's files. */
 [[noreturn]] void die(const char* how) {
     allocations::suspend();
     Report& report = *sharedReport();
     report.died = true;
-    complain(report, how);
+    setMessage(report, how);
     void* frames[MOST_FRAMES];
-    note(report.death, frames, static_cast<std::size_t>(backtrace(frames, MOST_FRAMES)));
-    noteFailure(report);
+    record(report.death, frames, static_cast<std::size_t>(backtrace(frames, MOST_FRAMES)));
+    recordFailure(report);
     _exit(1);
 }
 
-void noteDeath(int signalNumber) {
+void recordDeath(int signalNumber) {
     die(strsignal(signalNumber));
 }
 
-void noteDeaths() {
+void recordDeaths() {
     static char stack[64 * 1024];
     const stack_t alternative{stack, 0, sizeof stack};
     sigaltstack(&alternative, nullptr);
     struct sigaction action {};
-    action.sa_handler = noteDeath;
+    action.sa_handler = recordDeath;
     action.sa_flags = SA_ONSTACK;
     std::atexit([] { die("the process ends"); });
     for (const int signalNumber : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL, SIGPROF}) {
@@ -101,23 +101,23 @@ void noteDeaths() {
     }
 }
 
-/** Counts the process's own time: the machine may be busy. */
-void allowTime() {
+/** Limits the CPU time of the process: on a busy machine, elapsed time would be too strict. */
+void limitTime() {
     const struct itimerval limit {
         {0, 0}, { MOST_SECONDS, 0 }
     };
     setitimer(ITIMER_PROF, &limit, nullptr);
 }
 
-/** What the engine prints when it fails does not belong into the test's output. */
+/** Keeps the engine's messages out of the output of the test. */
 void silence() {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDERR_FILENO);
-    close(nowhere);
+    const int null = open("/dev/null", O_WRONLY);
+    dup2(null, STDERR_FILENO);
+    close(null);
 }
 
 /** @return whether the operation returned */
-bool operateInNeed(Trial& trial, Report& report) {
+bool operateWithShortage(Trial& trial, Report& report) {
     bool returned = false;
     allocations::resume();
     try {
@@ -127,34 +127,34 @@ bool operateInNeed(Trial& trial, Report& report) {
     } catch (const xercesc::OutOfMemoryException&) {
     } catch (const std::exception& error) {
         allocations::suspend();
-        complain(report, (std::string("throws ") + error.what()).c_str());
+        setMessage(report, (std::string("throws ") + error.what()).c_str());
     } catch (...) {
         allocations::suspend();
-        complain(report, "throws something else than lack of memory");
+        setMessage(report, "throws another exception than one for out of memory");
     }
     allocations::suspend();
-    noteFailure(report);
+    recordFailure(report);
     allocations::failAt(0, Shortage::Once);
     return returned;
 }
 
-void operateAndJudge(const Operation& operation, Shortage shortage, Report& report) {
+void operateAndCheck(const Operation& operation, Shortage shortage, Report& report) {
     const auto trial = operation.prepare();
     allocations::failAt(report.allocation, shortage);
-    const bool returned = operateInNeed(*trial, report);
-    if (returned && !trial->succeeded() && !trial->toldItsFailure()) {
-        complain(report, report.failed ? "returns a wrong result" : "does not work at all");
+    const bool returned = operateWithShortage(*trial, report);
+    if (returned && !trial->succeeded() && !trial->reportedItsFailure()) {
+        setMessage(report, report.failed ? "returns a wrong result" : "does not work at all");
     }
     if (!returned && trial->reportsEverything() && shortage == Shortage::Once) {
-        complain(report, "lets an exception pass");
+        setMessage(report, "lets an exception pass");
     }
-    if (!trial->servesOn() && !*report.complaint) {
-        complain(report, "its objects do not work on");
+    if (!trial->stillWorks() && !*report.message) {
+        setMessage(report, "its objects cannot be used any more");
     }
     report.lostBlocks -= trial->blocksKept();
 }
 
-long blocksLostByPreparation(const Operation& operation) {
+long blocksKeptByPreparation(const Operation& operation) {
     const long before = allocations::liveBlocks();
     operation.prepare();
     return allocations::liveBlocks() - before;
@@ -163,9 +163,9 @@ long blocksLostByPreparation(const Operation& operation) {
 void tryOne(const Operation& operation, Shortage shortage, Report& report) {
     const long before = allocations::liveBlocks();
     try {
-        operateAndJudge(operation, shortage, report);
+        operateAndCheck(operation, shortage, report);
     } catch (...) {
-        complain(report, "its objects fail with plenty of memory");
+        setMessage(report, "its objects fail after the failure");
     }
     report.lostBlocks += allocations::liveBlocks() - before;
 }
@@ -176,24 +176,24 @@ enum class Tracing { Off, On };
                           Tracing tracing) {
     Report& report = *sharedReport();
     silence();
-    noteDeaths();
-    const long promised = blocksLostByPreparation(operation);
+    recordDeaths();
+    const long kept = blocksKeptByPreparation(operation);
     if (tracing == Tracing::On) {
         allocations::trace();
     }
     for (std::size_t n = first;; ++n) {
         report = Report{};
         report.allocation = n;
-        allowTime();
+        limitTime();
         tryOne(operation, shortage, report);
-        report.lostBlocks -= promised;
-        if (!report.failed || *report.complaint || report.lostBlocks > 0 ||
+        report.lostBlocks -= kept;
+        if (!report.failed || *report.message || report.lostBlocks > 0 ||
             operation.engine == Engine::StartedByTheTrial || tracing == Tracing::On) {
             break;
         }
     }
     if (tracing == Tracing::On) {
-        noteLosses(report);
+        recordLosses(report);
     }
     report.done = true;
     _exit(0);
@@ -206,7 +206,7 @@ void tryInAProcess(const Operation& operation, std::size_t first, Shortage short
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child < 0) {
-        throw std::runtime_error("no process for a failure point");
+        throw std::runtime_error("cannot start a process for a failure point");
     }
     if (child == 0) {
         tryHere(operation, first, shortage, tracing);
@@ -214,7 +214,7 @@ void tryInAProcess(const Operation& operation, std::size_t first, Shortage short
     int status = 0;
     waitpid(child, &status, 0);
     if (!sharedReport()->done && !sharedReport()->died) {
-        throw std::runtime_error("a failure point was lost without a trace");
+        throw std::runtime_error("a failure point ended without a report");
     }
 }
 
@@ -226,19 +226,19 @@ Outcome outcomeOf(const Report& report) {
     Outcome outcome;
     outcome.allocation = report.allocation;
     outcome.beyondTheLast = report.done && !report.failed;
-    outcome.complaint = report.complaint;
+    outcome.message = report.message;
     outcome.failedIn = named(report.failure);
     outcome.diedIn = named(report.death);
     for (int i = 0; i < report.lossCount; ++i) {
         outcome.lostIn.push_back(named(report.losses[i]));
     }
     if (report.died) {
-        outcome.trouble = Trouble::Death;
-    } else if (*report.complaint) {
-        outcome.trouble = Trouble::WrongBehaviour;
+        outcome.problem = Problem::Death;
+    } else if (*report.message) {
+        outcome.problem = Problem::WrongBehaviour;
     } else if (report.lostBlocks > 0) {
-        outcome.trouble = Trouble::Loss;
-        outcome.complaint = "loses memory";
+        outcome.problem = Problem::Loss;
+        outcome.message = "loses memory";
     }
     return outcome;
 }
@@ -248,11 +248,11 @@ Outcome outcomeOf(const Report& report) {
 Outcome tryFailurePoints(const Operation& operation, std::size_t first, Shortage shortage) {
     tryInAProcess(operation, first, shortage, Tracing::Off);
     const Outcome seen = outcomeOf(*sharedReport());
-    const bool isFresh = seen.allocation == first && seen.trouble == Trouble::Death;
-    if (seen.trouble == Trouble::None || isFresh) {
+    const bool isFresh = seen.allocation == first && seen.problem == Problem::Death;
+    if (seen.problem == Problem::None || isFresh) {
         return seen;
     }
-    // Again in a process that no earlier point has touched.
+    // Again in a new process, without the effects of earlier points.
     tryInAProcess(operation, seen.allocation, shortage, Tracing::On);
     return outcomeOf(*sharedReport());
 }

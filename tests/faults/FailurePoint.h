@@ -1,6 +1,6 @@
 /**
  * @file
- * One operation with one allocation failing, in a process of its own: the engines may not survive.
+ * One operation with one failing allocation, in a process of its own, as the engines may crash.
  */
 #pragma once
 
@@ -13,26 +13,25 @@
 /** Names of functions, the innermost call first. */
 using Calls = std::vector<std::string>;
 
-enum class Trouble { None, Death, Loss, WrongBehaviour };
+enum class Problem { None, Death, Loss, WrongBehaviour };
 
-/** What came of a failure point. */
+/** The result of a failure point. */
 struct Outcome {
-    /** The number of the allocation that failed. */
+    /** The number of the failing allocation. */
     std::size_t allocation = 0;
     /** The operation made fewer allocations than that. */
     bool beyondTheLast = false;
-    Trouble trouble = Trouble::None;
-    /** What is wrong, in words. */
-    std::string complaint;
+    Problem problem = Problem::None;
+    std::string message;
     Calls failedIn;
     /** Where the process died. */
     Calls diedIn;
-    /** Where blocks that were never given back had been allocated. */
+    /** Where the blocks had been allocated that were never freed. */
     std::vector<Calls> lostIn;
 };
 
 /**
- * Tries one failure point after the other, from allocation number `first` on, up to one with a
- * trouble, or to the one beyond the last.
+ * Tries one failure point after the other, beginning with allocation number `first`, up to the
+ * first one with a problem, or to the one after the last allocation.
  */
 Outcome tryFailurePoints(const Operation& operation, std::size_t first, Shortage shortage);

@@ -1,10 +1,10 @@
 /**
  * @file
- * The base of extension functions, and the library's own functions as stylesheets call them.
+ * The base class of extension functions, and the built-in functions, called by stylesheets.
  */
 #include "FailingAllocations.h"
+#include "SweepFiles.h"
 #include "Trial.h"
-#include "Workplace.h"
 
 #include "support/TestFunctions.h"
 
@@ -63,16 +63,16 @@ private:
     xalanc::Function* m_clone = nullptr;
 };
 
-/** Makes memory run out from its call on, or ends that. */
+/** Starts or ends the counting of allocations when it is called. */
 class Switch : public TqXsltFunction {
 public:
-    explicit Switch(bool inNeed) : m_bInNeed(inNeed) {}
+    explicit Switch(bool count) : m_bCount(count) {}
 
     xalanc::XObjectPtr execute(xalanc::XPathExecutionContext& context, xalanc::XalanNode*,
                                const XObjectArgVectorType&, const xalanc::Locator*) const override {
         allocations::suspend();
         const auto nothing = context.getXObjectFactory().createString(xalanc::XalanDOMString());
-        if (m_bInNeed) {
+        if (m_bCount) {
             allocations::resume();
         }
         return nothing;
@@ -81,10 +81,10 @@ public:
     xalanc::XalanDOMString getError() const override { return xalanc::XalanDOMString(); }
 
 private:
-    bool m_bInNeed;
+    bool m_bCount;
 };
 
-/** Calls one function from a stylesheet; memory runs out in that call only. */
+/** Calls one function from a stylesheet; only allocations in that call fail. */
 class CallTrial : public Trial {
 public:
     void operate() override {
@@ -100,8 +100,7 @@ public:
 
 protected:
     explicit CallTrial(const std::string& call)
-        : m_sheet(workplace()
-                      .folder
+        : m_sheet(sweepFiles()
                       .write("call.xsl",
                              stylesheet("<xsl:output method='text'/><xsl:template match='/'>"
                                         "<xsl:value-of select=\"concat(vexa:Begin(), vexa:" +
@@ -120,7 +119,7 @@ private:
 };
 
 struct CallOfGetLocalizedString : CallTrial {
-    // A digit beside the message, as the other results have one.
+    // With a digit next to the message, as in the other results.
     CallOfGetLocalizedString() : CallTrial("GetLocalizedString(0, 'de_AT'), 1") {}
 };
 
@@ -130,7 +129,7 @@ struct CallOfGetDateTime : CallTrial {
 
 struct CallOfTimerCreate : CallTrial {
     CallOfTimerCreate() : CallTrial("TimerCreate()") {}
-    /** The new timers: they belong to the process. */
+    /** The new timers live until the library is unloaded. */
     long blocksKept() const override { return 2; }
 };
 

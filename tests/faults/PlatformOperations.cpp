@@ -20,17 +20,17 @@
 
 namespace {
 
-// Longer than what a standard string keeps within itself.
+// Too long for the internal buffer of a standard string.
 constexpr const char* LONG_TEXT =
     "A text that is too long to be kept without an allocation: \xC3\xA4";
 constexpr const char16_t* LONG_UTF16 =
     u"A text that is too long to be kept without an allocation: \u00E4";
 
-/** Makes a string anew each time. */
+/** Creates a new string in each trial. */
 class StringTrial : public Trial {
 public:
     bool succeeded() override { return m_result && *m_result == m_expected; }
-    bool servesOn() override {
+    bool stillWorks() override {
         if (m_before && !succeeded() && *m_result != *m_before) {
             return false; // an operation that throws leaves the string as it was
         }
@@ -95,7 +95,7 @@ class Append : public StringTrial {
 public:
     Append() { begin("A text"); }
     void operate() override { *m_result += m_tail; }
-    bool servesOn() override { return succeeded() || StringTrial::servesOn(); }
+    bool stillWorks() override { return succeeded() || StringTrial::stillWorks(); }
 
 private:
     const I18NString m_tail = m_expected.substring(6, 1000);

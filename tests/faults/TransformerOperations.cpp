@@ -1,9 +1,9 @@
 /**
  * @file
- * Start, stop, and the operations of the transformer.
+ * Initialization, termination, and the operations of the transformer.
  */
+#include "SweepFiles.h"
 #include "Trial.h"
-#include "Workplace.h"
 
 #include "support/TestFunctions.h"
 
@@ -19,7 +19,7 @@ bool isWholeResult(std::string_view text) {
     return beginsWith(text, RESULT_TEXT) && text.find("</b>") != std::string_view::npos;
 }
 
-bool transforms(VEXAXslTransformer& transformer, const std::string& sheet = workplace().sheet) {
+bool transforms(VEXAXslTransformer& transformer, const std::string& sheet = sweepFiles().sheet) {
     ArrayInput source(SOURCE_TEXT);
     ArrayOutput output;
     return transformer.doTransform(source, sheet.c_str(), output) == 0 &&
@@ -37,7 +37,7 @@ public:
         VEXAXslTransformer transformer;
         return transforms(transformer);
     }
-    bool servesOn() override {
+    bool stillWorks() override {
         stop();
         operate();
         return succeeded();
@@ -58,7 +58,7 @@ public:
     Stop() { TQXslTransformer_Initialize(nullptr); }
     void operate() override { TQXslTransformer_Terminate(nullptr); }
     bool succeeded() override { return true; }
-    bool servesOn() override {
+    bool stillWorks() override {
         TQXslTransformer_Initialize(nullptr);
         bool serves = false;
         {
@@ -104,9 +104,9 @@ class Installation : public TransformerTrial {
 public:
     void operate() override { m_transformer.installExternalFunction(m_name, m_function); }
     bool succeeded() override { return transforms(m_transformer, m_sheet); }
-    bool servesOn() override {
+    bool stillWorks() override {
         if (!transforms(m_transformer)) {
-            return false; // a half installed function would be in the way of every transform
+            return false; // an incomplete function would break every transform
         }
         operate();
         return succeeded();
@@ -115,7 +115,7 @@ public:
 private:
     const I18NString m_name{"AFunctionWithANameThatIsLong"};
     const BracketFunction m_function;
-    const std::string m_sheet = workplace().folder.write(
+    const std::string m_sheet = sweepFiles().write(
         "installed.xsl",
         stylesheetWithRootTemplate(
             "<b><xsl:value-of select=\"vexa:AFunctionWithANameThatIsLong('x')\"/></b>"));
@@ -125,10 +125,10 @@ class Parameter : public TransformerTrial {
 public:
     void operate() override { m_transformer.setStylesheetParam(m_name, m_value); }
     bool succeeded() override { return shown() == TEXT; }
-    bool servesOn() override {
+    bool stillWorks() override {
         const std::string now = shown();
         if (now != TEXT && now != "default") {
-            return false; // half a parameter
+            return false; // an incomplete parameter
         }
         operate();
         return succeeded();
@@ -147,7 +147,7 @@ private:
 
     const I18NString m_name{"another-parameter-with-a-long-name"};
     const I18NString m_value{TEXT};
-    const std::string m_sheet = workplace().folder.write(
+    const std::string m_sheet = sweepFiles().write(
         "parameter.xsl",
         stylesheet("<xsl:output method='text'/>"
                    "<xsl:param name='another-parameter-with-a-long-name' select=\"'default'\"/>"
@@ -156,16 +156,16 @@ private:
     ArrayOutput m_output;
 };
 
-class HolderCreation : public TransformerTrial {
+class Dom2DomCreation : public TransformerTrial {
 public:
-    void operate() override { m_holder = m_transformer.createDom2Dom(); }
-    bool succeeded() override { return m_holder->InitializeInputSource("<a/>"); }
+    void operate() override { m_dom = m_transformer.createDom2Dom(); }
+    bool succeeded() override { return m_dom->InitializeInputSource("<a/>"); }
 
 private:
-    std::unique_ptr<Dom2Dom> m_holder;
+    std::unique_ptr<Dom2Dom> m_dom;
 };
 
-/** Runs the sheet over the source, by one road. */
+/** Runs the stylesheet on the source, with one kind of transform. */
 class TransformTrial : public TransformerTrial {
 public:
     bool succeeded() override { return m_result == 0 && isWholeResult(m_output.text()); }
@@ -173,19 +173,19 @@ public:
 protected:
     int m_result = 0;
     ArrayOutput m_output;
-    const I18NString m_sheet{workplace().sheet.c_str()};
+    const I18NString m_sheet{sweepFiles().sheet.c_str()};
 };
 
 class FileTransform : public TransformTrial {
 public:
     void operate() override { m_result = m_transformer.doTransform(m_source, m_sheet, m_file); }
     bool succeeded() override {
-        return m_result == 0 && isWholeResult(readFile(workplace().output));
+        return m_result == 0 && isWholeResult(readFile(sweepFiles().output));
     }
 
 private:
-    const I18NString m_source{workplace().source.c_str()};
-    const I18NString m_file{workplace().output.c_str()};
+    const I18NString m_source{sweepFiles().source.c_str()};
+    const I18NString m_file{sweepFiles().output.c_str()};
 };
 
 class StreamTransform : public TransformTrial {
@@ -207,23 +207,23 @@ public:
     bool succeeded() override {
         return m_result == -2 && beginsWith(m_transformer.getLastError(), "SAXParseException: ");
     }
-    bool servesOn() override {
+    bool stillWorks() override {
         operate();
         return succeeded() && transforms(m_transformer);
     }
 
 private:
     int m_result = 0;
-    const I18NString m_source{workplace().malformedFile.c_str()};
-    const I18NString m_sheet{workplace().sheet.c_str()};
-    const I18NString m_file{workplace().output.c_str()};
+    const I18NString m_source{sweepFiles().malformedFile.c_str()};
+    const I18NString m_sheet{sweepFiles().sheet.c_str()};
+    const I18NString m_file{sweepFiles().output.c_str()};
 };
 
 class InMemoryTrial : public TransformTrial {
 public:
     InMemoryTrial() { m_in->InitializeInputSource(SOURCE_TEXT); }
 
-    bool toldItsFailure() override {
+    bool reportedItsFailure() override {
         return m_result == -5 &&
                m_transformer.getLastError() == std::string_view("\nUnhandled Exception\n\n");
     }
@@ -234,9 +234,9 @@ protected:
     std::unique_ptr<Dom2Dom> m_out = m_transformer.createDom2Dom();
 };
 
-class TransformIntoAStreamHolder : public InMemoryTrial {
+class TransformIntoAStream : public InMemoryTrial {
 public:
-    TransformIntoAStreamHolder() { m_out->InitializeOutputTarget(m_output); }
+    TransformIntoAStream() { m_out->InitializeOutputTarget(m_output); }
     void operate() override {
         m_output.reset();
         m_result = m_transformer.doTransform(*m_in, m_sheet, *m_out);
@@ -252,8 +252,8 @@ public:
         return m_result == 0 && m_out->Serialize(m_output) == 0 &&
                m_output.text().find("<c>1</c><c>2</c>") != std::string_view::npos;
     }
-    bool servesOn() override {
-        // A transform that fails half way spends its holder.
+    bool stillWorks() override {
+        // After a failed transform, its output document is no longer usable.
         m_out = m_transformer.createDom2Dom();
         m_out->InitializeOutputTarget();
         operate();
@@ -272,7 +272,7 @@ public:
         return m_result == m_expected && beginsWith(m_transformer.getLastError(), m_beginning) &&
                m_transformer.getLastError()[std::strlen(m_transformer.getLastError()) - 1] == '\n';
     }
-    bool servesOn() override {
+    bool stillWorks() override {
         operate();
         if (!succeeded()) {
             return false;
@@ -299,12 +299,12 @@ private:
 
 struct MessageThatTerminates : FailingInMemoryTransform {
     MessageThatTerminates()
-        : FailingInMemoryTransform(workplace().messageSheet, -1, "\nXSLException Type is: ") {}
+        : FailingInMemoryTransform(sweepFiles().messageSheet, -1, "\nXSLException Type is: ") {}
 };
 
 struct MalformedSheet : FailingInMemoryTransform {
     MalformedSheet()
-        : FailingInMemoryTransform(workplace().malformedFile, -2, "SAXParseException: ") {}
+        : FailingInMemoryTransform(sweepFiles().malformedFile, -2, "SAXParseException: ") {}
 };
 
 class Query : public InMemoryTrial {
@@ -314,7 +314,7 @@ public:
         m_result = m_transformer.doXPath(*m_in, m_expression, m_output);
     }
     bool succeeded() override { return m_result == 0 && m_output.text() == m_expected; }
-    bool toldItsFailure() override {
+    bool reportedItsFailure() override {
         return m_result == -5 &&
                m_transformer.getLastError() == std::string_view("\nUnhandled Exception\n");
     }
@@ -361,7 +361,7 @@ public:
         return m_result == -1 && beginsWith(m_text, "\nXSLException Type is: ");
     }
     bool reportsEverything() const override { return false; }
-    bool toldItsFailure() override {
+    bool reportedItsFailure() override {
         return m_result == -5 && beginsWith(m_text, "\nUnhandled Exception\n");
     }
 
@@ -380,13 +380,12 @@ std::vector<Operation> transformerOperations() {
         {"~VEXAXslTransformer()", Engine::Started, prepared<Destruction>},
         {"installExternalFunction", Engine::Started, prepared<Installation>},
         {"setStylesheetParam", Engine::Started, prepared<Parameter>},
-        {"createDom2Dom", Engine::Started, prepared<HolderCreation>},
+        {"createDom2Dom", Engine::Started, prepared<Dom2DomCreation>},
         {"getLastError", Engine::Started, prepared<LastError>},
         {"doTransform of files", Engine::Started, prepared<FileTransform>},
         {"doTransform of files, malformed source", Engine::Started, prepared<FailingFileTransform>},
         {"doTransform of streams", Engine::Started, prepared<StreamTransform>},
-        {"doTransform in memory, into a stream", Engine::Started,
-         prepared<TransformIntoAStreamHolder>},
+        {"doTransform in memory, into a stream", Engine::Started, prepared<TransformIntoAStream>},
         {"doTransform in memory, into a document", Engine::Started,
          prepared<TransformIntoADocument>},
         {"doTransform in memory, ended by a message", Engine::Started,

@@ -1,6 +1,6 @@
 /**
  * @file
- * A public operation, ready to be tried with memory running out in the middle of it.
+ * A public operation that is run while one of its allocations fails.
  */
 #pragma once
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/** One use of an operation, over objects of its own that its constructor makes. */
+/** One use of an operation, on objects that its constructor creates. */
 class Trial {
 public:
     Trial() = default;
@@ -16,29 +16,29 @@ public:
     Trial& operator=(const Trial&) = delete;
     virtual ~Trial() = default;
 
-    /** Does the operation; memory runs out in here. */
+    /** Runs the operation. The failing allocation is in here. */
     virtual void operate() = 0;
 
-    /** Whether operate() had its whole effect. */
+    /** Whether operate() did all that it has to do. */
     virtual bool succeeded() = 0;
 
-    /** Whether operate() returned with the failure told as its contract says. */
-    virtual bool toldItsFailure() { return false; }
+    /** Whether operate() returned and reported the failure as documented. */
+    virtual bool reportedItsFailure() { return false; }
 
-    /** Whether operate() catches everything that is thrown while there is memory for a report. */
+    /** Whether operate() catches every exception if there is memory for a report. */
     virtual bool reportsEverything() const { return false; }
 
-    /** Blocks that a try may leave to the process, as is promised. */
+    /** How many blocks a trial keeps until the end of the process, as documented. */
     virtual long blocksKept() const { return 0; }
 
-    /** Whether the same objects still do what they are for. */
-    virtual bool servesOn() {
+    /** Whether the same objects can still be used after the failure. */
+    virtual bool stillWorks() {
         operate();
         return succeeded();
     }
 };
 
-/** What an operation has to do with the engines. */
+/** How an operation uses the engines. */
 enum class Engine { Unused, Started, StartedByTheTrial };
 
 struct Operation {
@@ -54,5 +54,5 @@ std::unique_ptr<Trial> prepared() {
 
 std::vector<Operation> platformOperations();
 std::vector<Operation> transformerOperations();
-std::vector<Operation> holderOperations();
+std::vector<Operation> dom2DomOperations();
 std::vector<Operation> functionOperations();

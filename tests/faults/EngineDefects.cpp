@@ -1,4 +1,4 @@
-#include "EngineFaults.h"
+#include "EngineDefects.h"
 
 #include <algorithm>
 #include <string_view>
@@ -17,7 +17,7 @@ bool isOurs(const std::string& call) {
     return beginsWith(call, "libVEXA_") || beginsWith(call, "libNRBCore");
 }
 
-/** Of the two that call each other, the one that was at work. */
+/** Whether the innermost call of ours or of an engine is in an engine. */
 bool isInEngine(const Calls& calls) {
     const auto responsible = std::find_if(calls.begin(), calls.end(), [](const auto& call) {
         return isEngine(call) || isOurs(call);
@@ -35,14 +35,14 @@ bool areIn(const Calls& calls, const char* function) {
                        [&](const auto& call) { return call.find(function) != std::string::npos; });
 }
 
-/** A map of the engine that could not grow keeps an entry that it does not find again. */
-bool isHalfAnEntry(const Outcome& outcome) {
+/** An engine map that could not grow keeps an entry that it does not find again. */
+bool isIncompleteEntry(const Outcome& outcome) {
     return areIn(outcome.failedIn, "::doCreateEntry(") &&
            areIn(outcome.failedIn, "XalanTransformer::setStylesheetParam(");
 }
 
-/** A start that failed half way leaves the engine's constants half made, for the next one too. */
-bool isHalfAStart(const Outcome& outcome) {
+/** A failed start leaves incomplete constants in the engine, and the next start uses them. */
+bool isIncompleteStart(const Outcome& outcome) {
     return areIn(outcome.failedIn, "XSLTInit::XSLTInit(") ||
            areIn(outcome.failedIn, "XMLPlatformUtils::Initialize(");
 }
@@ -53,32 +53,32 @@ bool isKeptClone(const Calls& calls) {
 
 } // namespace
 
-bool isADeathWithoutNames(const Outcome& outcome) {
-    return outcome.trouble == Trouble::Death && hasNoNames(outcome.diedIn) &&
+bool isDeathWithoutNames(const Outcome& outcome) {
+    return outcome.problem == Problem::Death && hasNoNames(outcome.diedIn) &&
            hasNoNames(outcome.failedIn);
 }
 
-bool isTheEngines(const Outcome& outcome) {
-    switch (outcome.trouble) {
-    case Trouble::Death:
-        // A jump through a half made object leaves a stack without names.
+bool isEngineDefect(const Outcome& outcome) {
+    switch (outcome.problem) {
+    case Problem::Death:
+        // A jump through an incomplete object leaves a stack without names.
         return isInEngine(hasNoNames(outcome.diedIn) ? outcome.failedIn : outcome.diedIn);
-    case Trouble::Loss:
-        // Had an allocation of ours failed, the engine's objects would have been ours to give back.
+    case Problem::Loss:
+        // If an allocation of ours had failed, freeing the engine's objects would be our task.
         return isInEngine(outcome.failedIn) &&
                std::all_of(outcome.lostIn.begin(), outcome.lostIn.end(), isInEngine);
-    case Trouble::WrongBehaviour:
-        return isHalfAnEntry(outcome) || isHalfAStart(outcome);
-    case Trouble::None:
+    case Problem::WrongBehaviour:
+        return isIncompleteEntry(outcome) || isIncompleteStart(outcome);
+    case Problem::None:
         break;
     }
     return false;
 }
 
-void forgetKeptClones(Outcome& outcome) {
+void removeKeptClones(Outcome& outcome) {
     const auto kept = std::remove_if(outcome.lostIn.begin(), outcome.lostIn.end(), isKeptClone);
     outcome.lostIn.erase(kept, outcome.lostIn.end());
-    if (outcome.trouble == Trouble::Loss && outcome.lostIn.empty()) {
-        outcome.trouble = Trouble::None;
+    if (outcome.problem == Problem::Loss && outcome.lostIn.empty()) {
+        outcome.problem = Problem::None;
     }
 }
