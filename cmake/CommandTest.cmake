@@ -2,7 +2,8 @@
 # status and all that it writes. (ctest's PASS_REGULAR_EXPRESSION ignores the exit status.)
 #
 #   STATUS n          the exit status, if it is not 0
-#   ERRORS regex      is found on standard error; without it nothing may be written there
+#   ERRORS regex      is found on standard error (".*": anything, or nothing); without it nothing may be
+#                     written there
 #   EQUALS file       the output is the content of the file
 #   MATCHES regex     is found in the output
 #   CONTAINS file     each line of the file is found in the output, after those before it

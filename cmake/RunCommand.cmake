@@ -14,8 +14,7 @@ execute_process(
   COMMAND ${COMMAND} ${input}
   OUTPUT_VARIABLE output
   ERROR_VARIABLE errors
-  RESULT_VARIABLE status
-  TIMEOUT 1200)
+  RESULT_VARIABLE status)
 
 function(fail_command what)
   message("${what}\nStatus: ${status}\nStandard output:\n${output}\nStandard error:\n${errors}")
