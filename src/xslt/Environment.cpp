@@ -20,12 +20,18 @@ void Environment::finish() {
     m_sources = nullptr;
 }
 
+void Environment::keep(const DocumentPtr& document) {
+    if (m_uris.count(document->tree()) == 0) {
+        m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+        m_kept.push_back(document);
+    }
+}
+
 void Environment::add(const DocumentPtr& document) {
-    m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+    keep(document);
     if (!document->uri().empty()) {
         m_documents.emplace(document->uri(), document);
     }
-    keep(document);
 }
 
 xalanc::XalanDocument* Environment::parseXML(xercesc::MemoryManager& /*memory*/,
@@ -43,7 +49,7 @@ xalanc::XalanDocument* Environment::parseXML(xercesc::MemoryManager& /*memory*/,
         return nullptr;
     }
     m_documents.emplace(uri, document);
-    m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+    keep(document);
     return document->tree();
 }
 

@@ -51,8 +51,8 @@ public:
 
     /** A document that the run knows: document() finds it by its URI. */
     void add(const DocumentPtr& document);
-    /** Keeps a document alive until the run ends. */
-    void keep(const DocumentPtr& document) { m_kept.push_back(document); }
+    /** Keeps a document alive until the run ends, as a base of references. */
+    void keep(const DocumentPtr& document);
 
     xalanc::XalanDocument* parseXML(xercesc::MemoryManager& memory,
                                     const xalanc::XalanDOMString& url,

@@ -42,9 +42,13 @@ public:
     /** @throws the Error, with the diagnostics so far */
     [[noreturn]] void fail(vexa::ErrorKind kind, std::string text, vexa::Location where = {}) const;
 
-    /** Runs a piece of work that the engine may go on after. The first exception is kept. */
+    /**
+     * Runs a piece of work that the engine may go on after. The first exception is kept; after it
+     * nothing is done any more.
+     */
     template <typename Work>
     auto keepingException(Work work) -> std::invoke_result_t<Work> {
+        throwKept();
         try {
             return work();
         } catch (...) {

@@ -6,6 +6,7 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <utility>
 #include <vector>
 
 #include <xalanc/DOMSupport/DOMServices.hpp>
@@ -75,8 +76,12 @@ xalanc::XObjectPtr ValueExchange::toEngine(const Value& value,
         break;
     }
     xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList list(context);
+    const xalanc::XalanDocument* last = nullptr;
     for (const Node& node : value.nodes()) {
-        m_environment.keep(NodeAccess::owner(node));
+        const auto owner = NodeAccess::owner(node);
+        if (std::exchange(last, owner->tree()) != owner->tree()) {
+            m_environment.keep(owner);
+        }
         list->addNode(NodeAccess::node(node));
     }
     list->setDocumentOrder();
