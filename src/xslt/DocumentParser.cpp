@@ -32,20 +32,24 @@ DocumentParser::DocumentPtr DocumentParser::parse(const xercesc::InputSource& so
                                                   const std::string& uri, Operation& operation,
                                                   Sources& sources) {
     if (!m_parser) {
-        m_parser = std::make_unique<xalanc::XalanSourceTreeParserLiaison>(engineMemory());
+        m_parser = std::make_unique<Parser>();
     }
+    bool hasEntities = false;
     ParserErrors errors(operation);
-    ExternalEntities entities(sources);
-    m_parser->setErrorHandler(&errors);
-    m_parser->setXMLEntityResolver(&entities);
+    ExternalEntities entities(sources, [&](const std::string& /*uri*/) { hasEntities = true; });
+    m_parser->liaison.setErrorHandler(&errors);
+    m_parser->liaison.setXMLEntityResolver(&entities);
     const auto document = std::make_shared<vexa::DocumentData>(uri);
     TreeBuilder builder(engineMemory(), document->tree());
     try {
-        m_parser->parseXMLStream(source, builder, xalanc::XalanDOMString(), &builder, &builder);
+        m_parser->liaison.parseXMLStream(source, builder, xalanc::XalanDOMString(), &builder,
+                                         &builder);
     } catch (...) {
-        // What the parser has lost by the error comes back with it.
         m_parser.reset();
         throw;
+    }
+    if (hasEntities) {
+        m_parser.reset(); // the parser loses memory at each external DTD
     }
     document->seal();
     return document;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "xslt/DocumentData.h"
+#include "xslt/MemoryPool.h"
 #include "xslt/Sources.h"
 
 #include <memory>
@@ -22,5 +23,11 @@ public:
                       Operation& operation, Sources& sources);
 
 private:
-    std::unique_ptr<xalanc::XalanSourceTreeParserLiaison> m_parser;
+    /** With memory of its own: what the parser loses is given back with it. */
+    struct Parser {
+        MemoryPool memory;
+        xalanc::XalanSourceTreeParserLiaison liaison{memory};
+    };
+
+    std::unique_ptr<Parser> m_parser;
 };

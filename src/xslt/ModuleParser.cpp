@@ -1,5 +1,7 @@
 #include "xslt/ModuleParser.h"
 
+#include "xslt/MemoryPool.h"
+
 #include <utility>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
@@ -98,8 +100,10 @@ void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& h
     ParserErrors errors(operation);
     ExternalEntities entities(sources, std::move(onEntity));
     BeginningLocator locator(handler);
+    // The parser loses memory at external DTDs and at some failures: it has memory of its own.
+    MemoryPool memory;
     // The settings that the engine's own parser has for stylesheets.
-    xercesc::SAXParser parser;
+    xercesc::SAXParser parser(nullptr, &memory);
     parser.setDoNamespaces(true);
     parser.setValidationScheme(xercesc::SAXParser::Val_Never);
     parser.setDocumentHandler(&locator);
