@@ -63,21 +63,6 @@ private:
     std::streambuf* m_previous;
 };
 
-std::string asAttributeValue(const std::string& text) {
-    std::string escaped;
-    for (const char c : text) {
-        escaped += c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '"' ? "&quot;" : std::string(1, c);
-    }
-    return escaped;
-}
-
-std::string stylesheetFor(const std::string& expression) {
-    return "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'"
-           " xmlns:p='urn:p' xmlns:q='urn:q'><xsl:output method='text'/>"
-           "<xsl:template match='/'><xsl:value-of select=\"" +
-           asAttributeValue(expression) + "\"/></xsl:template></xsl:stylesheet>";
-}
-
 class CorpusTest : public EngineTest, public ::testing::WithParamInterface<CorpusCase> {
 protected:
     CorpusTest() {
