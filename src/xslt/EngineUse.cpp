@@ -1,6 +1,9 @@
 #include "xslt/EngineUse.h"
 
 #include <vexa/TQXslTransformer.h>
+#include <vexa/xslt/Error.h>
+
+#include <atomic>
 
 #include <xalanc/XSLT/XSLTEngineImpl.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
@@ -34,10 +37,29 @@ private:
     int m_calls = 0;
 };
 
+std::atomic<bool> g_isShareReleased{false};
+
+/** The library's own share, released when it is unloaded; those of objects when they are gone. */
+struct LibraryShare {
+    LibraryShare() = default;
+    LibraryShare(const LibraryShare&) = delete;
+    LibraryShare& operator=(const LibraryShare&) = delete;
+    ~LibraryShare() { g_isShareReleased = true; }
+
+    const EngineUse use = std::make_shared<Initialization>();
+};
+
 } // namespace
 
 EngineUse useEngines() {
-    // Its own share is released when the library is unloaded, those of objects when they are gone.
-    static const EngineUse engines = std::make_shared<Initialization>();
-    return engines;
+    // A destructor of a static object may still use the library as long as an object is left: the
+    // engines cannot be initialized again while the process ends.
+    if (g_isShareReleased) {
+        if (!areInitialized()) {
+            throw vexa::Error(vexa::ErrorKind::Usage, "the process is ending");
+        }
+        return std::make_shared<Initialization>();
+    }
+    static const LibraryShare share;
+    return share.use;
 }

@@ -13,5 +13,9 @@
  */
 using EngineUse = std::shared_ptr<const void>;
 
-/** Any thread may ask. @throws what the engines throw while they are initialized */
+/**
+ * Any thread may ask.
+ * @throws vexa::Error: Usage while the process ends and no use is left; what the engines throw
+ * while they are initialized
+ */
 EngineUse useEngines();
