@@ -167,14 +167,6 @@ void readFamily(std::vector<CorpusCase>& cases, const fs::path& family) {
     }
 }
 
-std::string asAttributeValue(const std::string& text) {
-    std::string escaped;
-    for (const char c : text) {
-        escaped += c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '"' ? "&quot;" : std::string(1, c);
-    }
-    return escaped;
-}
-
 } // namespace
 
 std::vector<CorpusCase> readCorpus(const std::string& folder) {
@@ -187,11 +179,4 @@ std::vector<CorpusCase> readCorpus(const std::string& folder) {
     std::sort(cases.begin(), cases.end(),
               [](const auto& left, const auto& right) { return left.name < right.name; });
     return cases;
-}
-
-std::string stylesheetFor(const std::string& expression) {
-    return "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'"
-           " xmlns:p='urn:p' xmlns:q='urn:q'><xsl:output method='text'/>"
-           "<xsl:template match='/'><xsl:value-of select=\"" +
-           asAttributeValue(expression) + "\"/></xsl:template></xsl:stylesheet>";
 }

@@ -37,6 +37,3 @@ inline std::ostream& operator<<(std::ostream& stream, const CorpusCase& corpusCa
 
 /** Reads all cases of a folder, sorted by name. @throws std::runtime_error for an invalid file */
 std::vector<CorpusCase> readCorpus(const std::string& folder);
-
-/** A stylesheet whose result is the string value of an expression. */
-std::string stylesheetFor(const std::string& expression);

@@ -3,6 +3,7 @@
  * Each case of the corpus gives its expected result, with every kind of transform.
  */
 #include "CorpusCase.h"
+#include "ExpressionStylesheet.h"
 #include "Transforms.h"
 
 #include "support/EngineTest.h"
@@ -67,7 +68,8 @@ class CorpusTest : public EngineTest, public ::testing::WithParamInterface<Corpu
 protected:
     CorpusTest() {
         if (m_case.stylesheet.empty()) {
-            m_case.stylesheet = m_folder.write("expression.xsl", stylesheetFor(m_case.expression));
+            m_case.stylesheet =
+                m_folder.write("expression.xsl", stylesheetForExpression(m_case.expression));
         }
     }
 
