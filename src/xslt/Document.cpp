@@ -20,6 +20,14 @@ Document::Data::Data(std::string uri)
 
 Document::Data::~Data() = default;
 
+void Document::Data::seal() {
+    // The engine's tables allocate when something is looked for in an empty one.
+    const xalanc::XalanDOMString nothing(m_memory);
+    m_tree->getElementById(nothing);
+    m_tree->getUnparsedEntityURI(nothing);
+    m_memory.seal();
+}
+
 const DocumentAccess::Ptr& DocumentAccess::data(const Document& document) {
     if (!document.m_data) {
         throw Error(ErrorKind::Usage, "the document is empty");

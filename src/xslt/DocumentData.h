@@ -41,7 +41,7 @@ public:
     xalanc::XalanNode* root() const { return m_root; }
     void setRoot(xalanc::XalanNode* root) { m_root = root; }
     xercesc::MemoryManager& memory() { return m_memory; }
-    void seal() { m_memory.seal(); }
+    void seal();
 
 private:
     EngineUse m_engines = useEngines();

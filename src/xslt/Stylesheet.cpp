@@ -157,7 +157,6 @@ void Stylesheet::Data::compile(const Input& input, Operation& operation) {
     compiler.processor.setProblemListener(&problems);
     m_construction = std::make_unique<Construction>(*this, compiler, operation, sources);
     m_root = &m_construction->compile(input);
-    m_memory.seal();
 }
 
 Stylesheet::Data::~Data() = default;
@@ -177,6 +176,7 @@ Stylesheet Stylesheet::compile(const Input& input, const Options& options) {
     Operation operation(options);
     const auto data = std::make_shared<Data>();
     operation.run(ErrorKind::Compile, [&] { data->compile(input, operation); });
+    data->seal();
     return Stylesheet(data);
 }
 

@@ -31,6 +31,8 @@ public:
     ~Data();
 
     void compile(const Input& input, Operation& operation);
+    /** From now on threads may share it. */
+    void seal() { m_memory.seal(); }
 
     const std::string& uri() const { return m_modules.front(); }
     const std::vector<std::string>& modules() const { return m_modules; }

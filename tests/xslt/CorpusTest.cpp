@@ -18,6 +18,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <thread>
 
 using vexa::Document;
 using vexa::Input;
@@ -214,6 +215,29 @@ TEST_P(CorpusTest, ADocumentFromToDocumentIsASourceAsItsTextIs) {
     EXPECT_TRUE(
         sameBytes(result, outcome([&] { return makeRun().toString(reparsed); }, errorOfText)));
     EXPECT_EQ(error, errorOfText);
+}
+
+/** Of objects that nobody has used before: what is made on first use is made by both at once. */
+TEST_P(CorpusTest, ThreadsThatShareStylesheetAndDocumentGiveTheSame) {
+    Stylesheet sheet;
+    Document document;
+    try {
+        sheet = Stylesheet::compile(Input::file(m_case.stylesheet), m_options);
+        document = Document::parse(source(), m_options);
+    } catch (const vexa::Error&) {
+        return;
+    }
+    std::string results[2];
+    std::string errors[2];
+    const auto work = [&](int thread) {
+        results[thread] = outcome(
+            [&] { return Transformation(sheet, m_options).toString(document); }, errors[thread]);
+    };
+    std::thread other(work, 1);
+    work(0);
+    other.join();
+    EXPECT_TRUE(sameBytes(results[0], results[1]));
+    EXPECT_EQ(errors[0], errors[1]);
 }
 
 /** An expression by itself gives what it gives in a stylesheet, or what is right. */

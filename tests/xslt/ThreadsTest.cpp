@@ -136,6 +136,25 @@ TEST(ThreadsTest, ShareAFreshStylesheetAndDocument) {
     }
 }
 
+/** The engine makes an empty table when something is looked for in it. */
+TEST(ThreadsTest, ShareADocumentWithoutIdentifiersAndEntities) {
+    const Stylesheet sheet =
+        compiledRootTemplate("<xsl:value-of select='count(id(\"x\"))'/><xsl:value-of "
+                             "select='unparsed-entity-uri(\"pic\")'/>");
+    const Document source = parsed("<a/>");
+    const XPath expression = XPath::compile("count(id('x'))");
+    for (const Document& document :
+         {source, Transformation(Stylesheet::compile(Input::text(copyingStylesheet())))
+                      .toDocument(source)}) {
+        for (const std::string& result : inThreads([&](int) {
+                 return Transformation(sheet).toString(document) +
+                        expression.evaluate(document).string();
+             })) {
+            EXPECT_EQ(result, "00");
+        }
+    }
+}
+
 TEST(ThreadsTest, ShareAResultThatIsADocument) {
     const Stylesheet copy = Stylesheet::compile(Input::text(copyingStylesheet()));
     const Document document = Transformation(copy).toDocument(Input::text(manyItems()));
