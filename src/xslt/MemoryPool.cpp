@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::size_t FIRST_BLOCK = std::size_t{16} * 1024;
 constexpr std::size_t LARGEST_BLOCK = std::size_t{512} * 1024;
+/** More is out of memory at once: sums with it would wrap around. */
+constexpr std::size_t LARGEST_PIECE = static_cast<std::size_t>(-1) / 2;
 /** In place of a size: where the piece came from. */
 constexpr std::size_t LARGE = static_cast<std::size_t>(-1);
 constexpr std::size_t SEPARATE = static_cast<std::size_t>(-2);
@@ -40,6 +42,9 @@ MemoryPool::~MemoryPool() {
 }
 
 void* MemoryPool::allocate(XMLSize_t size) {
+    if (size > LARGEST_PIECE) {
+        throw std::bad_alloc();
+    }
     if (m_isSealed) {
         auto* const header = static_cast<Header*>(::operator new(sizeof(Header) + size));
         header->sizeIndex = SEPARATE;
@@ -73,9 +78,6 @@ std::byte* MemoryPool::carve(std::size_t size) {
 
 void* MemoryPool::allocateLarge(std::size_t size) {
     constexpr std::size_t HEADERS = sizeof(LargeHeader) + sizeof(Header);
-    if (size > static_cast<std::size_t>(-1) - HEADERS) {
-        throw std::bad_alloc();
-    }
     auto* const large = static_cast<LargeHeader*>(::operator new(HEADERS + size));
     *large = {nullptr, m_large, HEADERS + size};
     if (m_large) {

@@ -41,9 +41,8 @@ double textNumber(std::string_view text) {
     }
     if (error == std::errc::result_out_of_range) {
         // from_chars leaves the number as it was.
-        return text.find_first_of("123456789") < text.find('.')
-                   ? (text.front() == '-' ? -HUGE_VAL : HUGE_VAL)
-                   : 0;
+        const bool isTooLarge = text.find_first_of("123456789") < text.find('.');
+        return std::copysign(isTooLarge ? HUGE_VAL : 0, text.front() == '-' ? -1 : 1);
     }
     return number;
 }
