@@ -102,9 +102,10 @@ void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& h
     BeginningLocator locator(handler);
     // The parser loses memory at external DTDs and at some failures: it has memory of its own.
     MemoryPool memory;
-    // The settings that the engine's own parser has for stylesheets.
+    // The settings that the engine's own parser has for stylesheets: namespaces are left to the
+    // handler, which takes some declarations that the parser refuses.
     xercesc::SAXParser parser(nullptr, &memory);
-    parser.setDoNamespaces(true);
+    parser.setDoNamespaces(false);
     parser.setValidationScheme(xercesc::SAXParser::Val_Never);
     parser.setDocumentHandler(&locator);
     parser.installAdvDocHandler(&locator);

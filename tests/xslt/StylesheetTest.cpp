@@ -34,7 +34,7 @@ Stylesheet compiledMain(const std::map<std::string, std::string>& modules) {
 } // namespace
 
 TEST(StylesheetTest, WhatIsNotWellFormedIsAParseError) {
-    for (const char* text : {"", "x", "<a", "<xsl:stylesheet version='1.0'/>"}) {
+    for (const char* text : {"", "x", "<a", "<a b='1' b='2'/>"}) {
         const auto error = failureOf([&] { Stylesheet::compile(Input::text(text, "urn:s")); });
         EXPECT_EQ(error.kind(), ErrorKind::Parse) << text;
         EXPECT_EQ(error.where().uri, "urn:s");
@@ -66,6 +66,11 @@ TEST(StylesheetTest, WhatIsWrongIsACompileError) {
             EXPECT_EQ(error.kind(), ErrorKind::Compile) << content << ": " << error.what();
         }
     }
+}
+
+TEST(StylesheetTest, AnUndeclaredPrefixIsACompileError) {
+    expectFailure([] { Stylesheet::compile(Input::text("<xsl:stylesheet version='1.0'/>")); },
+                  ErrorKind::Compile, "xsl");
 }
 
 TEST(StylesheetTest, ALiteralResultElementIsAStylesheet) {
