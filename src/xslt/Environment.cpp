@@ -7,6 +7,16 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <xalanc/PlatformSupport/XSLException.hpp>
+#include <xalanc/XPath/XObjectFactory.hpp>
+#include <xalanc/XSLT/XSLTEngineImpl.hpp>
+
+namespace {
+
+constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
+
+} // namespace
+
 void Environment::begin(Operation& operation, Sources& sources) {
     m_operation = &operation;
     m_sources = &sources;
@@ -89,4 +99,31 @@ const xalanc::XalanDOMString&
 Environment::findURIFromDoc(const xalanc::XalanDocument* document) const {
     const auto known = m_uris.find(document);
     return known == m_uris.end() ? m_noUri : known->second;
+}
+
+xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& context,
+                                            const xalanc::XalanDOMString& uri,
+                                            const xalanc::XalanDOMString& name,
+                                            xalanc::XalanNode* node,
+                                            const XObjectArgVectorType& arguments,
+                                            const xalanc::Locator* locator) const {
+    const bool isEvaluate = m_evaluates && name == u"evaluate" && arguments.size() == 1;
+    if (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL()) {
+        return m_evaluate.execute(arguments[0]->str(context), context, node, locator, *m_operation);
+    }
+    if (!isEvaluate || uri != DYNAMIC_NAMESPACE) {
+        return XSLTProcessorEnvSupportDefault::extFunction(context, uri, name, node, arguments,
+                                                           locator);
+    }
+    // Where the expression is wrong, this one gives an empty node-set.
+    try {
+        return m_evaluate.execute(arguments[0]->str(context), context, node, locator, *m_operation);
+    } catch (const xalanc::XSLException& exception) {
+        m_operation->keepingException([&] {
+            m_operation->report(vexa::Severity::Error, cleanText(toUtf8(exception.getMessage())),
+                                toLocation(locator));
+        });
+        xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList none(context);
+        return context.getXObjectFactory().createNodeSet(none);
+    }
 }

@@ -6,6 +6,7 @@
 
 #include "xslt/DocumentData.h"
 #include "xslt/DocumentParser.h"
+#include "xslt/EvaluateFunction.h"
 #include "xslt/Sources.h"
 
 #include <functional>
@@ -43,6 +44,9 @@ public:
         m_instruction = std::move(instruction);
     }
 
+    /** Leaves evaluate() to a function that is installed. */
+    void leaveEvaluateToHost() { m_evaluates = false; }
+
     /** Begins a run. All must live until finish(). */
     void begin(Operation& operation, Sources& sources);
     void finish();
@@ -63,11 +67,18 @@ public:
                            xalanc::XalanDocument* document) override;
     const xalanc::XalanDOMString&
     findURIFromDoc(const xalanc::XalanDocument* document) const override;
+    xalanc::XObjectPtr extFunction(xalanc::XPathExecutionContext& context,
+                                   const xalanc::XalanDOMString& uri,
+                                   const xalanc::XalanDOMString& name, xalanc::XalanNode* node,
+                                   const XObjectArgVectorType& arguments,
+                                   const xalanc::Locator* locator) const override;
 
 private:
     DocumentPtr parse(const std::string& uri, const std::string& base);
 
     DocumentParser& m_parser;
+    bool m_evaluates = true;
+    mutable EvaluateFunction m_evaluate;
     std::function<vexa::Location()> m_instruction = [] { return vexa::Location(); };
     Operation* m_operation = nullptr;
     Sources* m_sources = nullptr;

@@ -148,6 +148,9 @@ void Machine::installFunctions(const RunSettings& settings) {
             function);
     });
     for (const auto& [name, function] : settings.functions) {
+        if (name.second == "evaluate") {
+            m_environment.leaveEvaluateToHost();
+        }
         m_environment.installExternalFunctionLocal(toEngineText(name.first, m_memory),
                                                    toEngineText(name.second, m_memory),
                                                    HostFunction(*this, function));

@@ -1,5 +1,6 @@
 #include <vexa/xslt/XPath.h>
 
+#include "xslt/ConstructionContext.h"
 #include "xslt/EngineUse.h"
 #include "xslt/Environment.h"
 #include "xslt/MemoryPool.h"
@@ -19,7 +20,6 @@
 #include <xalanc/XPath/NodeRefListBase.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XPath/XPath.hpp>
-#include <xalanc/XPath/XPathConstructionContextDefault.hpp>
 #include <xalanc/XPath/XPathEnvSupportDefault.hpp>
 #include <xalanc/XPath/XPathExecutionContextDefault.hpp>
 #include <xalanc/XPath/XPathFactoryDefault.hpp>
@@ -120,28 +120,6 @@ void visitCalls(std::string_view expression, Visitor visit) {
         expression.remove_prefix(length);
     }
 }
-
-/** Ends the operation at an error. The engine's own context prints it. */
-class ConstructionContext : public xalanc::XPathConstructionContextDefault {
-public:
-    ConstructionContext(xercesc::MemoryManager& memory, Operation& operation)
-        : XPathConstructionContextDefault(memory), m_operation(operation) {}
-
-    void problem(eSource source, eClassification classification, const XalanDOMString& text,
-                 const xalanc::Locator* locator, const xalanc::XalanNode* node) override {
-        if (classification == eError) {
-            m_operation.fail(vexa::ErrorKind::Compile, cleanText(toUtf8(text)));
-        }
-        OperationProblems(m_operation).problem(source, classification, text, locator, node);
-    }
-    void problem(eSource source, eClassification classification, const XalanDOMString& text,
-                 const xalanc::XalanNode* node) override {
-        problem(source, classification, text, nullptr, node);
-    }
-
-private:
-    Operation& m_operation;
-};
 
 /** The context of an expression is one node. */
 class OneNode : public xalanc::NodeRefListBase {

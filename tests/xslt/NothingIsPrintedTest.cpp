@@ -135,6 +135,15 @@ TEST(NothingIsPrintedHereTest, WhereNothingFails) {
     EXPECT_EQ(settingsOfTheProcess(), before);
 }
 
+/** The expression is wrong: the engine goes on with an empty node-set. */
+TEST(NothingIsPrintedHereTest, WhereAStylesheetComposesAnExpression) {
+    CapturedDescriptor errors(STDERR_FILENO);
+    const std::string result = transformed(
+        "<xsl:value-of select='count(d:evaluate(\"a[\"))' xmlns:d='http://exslt.org/dynamic'/>");
+    EXPECT_EQ(errors.finish(), "");
+    EXPECT_EQ(result, "0");
+}
+
 /** Without a handler they are with the error all the same. */
 TEST(NothingIsPrintedHereTest, MessagesAndWarningsAreWithTheErrorThatEndsTheOperation) {
     std::vector<std::string> heard;

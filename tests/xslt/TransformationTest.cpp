@@ -110,6 +110,26 @@ TEST(TransformationTest, AnUndeclaredVariableIsAnErrorThatNamesIt) {
     expectFailure([] { transformed("<b c='{$nowhere}'/>"); }, ErrorKind::Transform, "nowhere");
 }
 
+TEST(TransformationTest, AttributeSetsOrVariablesThatUseEachOtherAreAnError) {
+    expectFailure(
+        [] {
+            Transformation(compiled("<xsl:attribute-set name='a' use-attribute-sets='b'/>"
+                                    "<xsl:attribute-set name='b' use-attribute-sets='a'/>"
+                                    "<xsl:template match='/'><c xsl:use-attribute-sets='a'/>"
+                                    "</xsl:template>"))
+                .toString(Input::text("<a/>"));
+        },
+        ErrorKind::Transform, "recursion");
+    expectFailure(
+        [] {
+            Transformation(compiled("<xsl:variable name='a' select='$b'/>"
+                                    "<xsl:variable name='b' select='$a'/><xsl:template match='/'>"
+                                    "<xsl:value-of select='$a'/></xsl:template>"))
+                .toString(Input::text("<a/>"));
+        },
+        ErrorKind::Transform, "circular");
+}
+
 TEST(TransformationTest, OutputSettingsAreThoseOfTheStylesheet) {
     const auto result = [](const std::string& content) {
         return Transformation(compiled(content)).toString(Input::text("<a/>"));
@@ -348,6 +368,66 @@ TEST(FunctionTest, TheEightFunctionsAreThereForEveryStylesheet) {
             << name;
     }
     EXPECT_EQ(transformed("<xsl:value-of select=\"vexa:GetLocalizedString(4, 'de')\"/>"), "Summe");
+}
+
+// Expressions that a stylesheet composes.
+
+TEST(EvaluateTest, EvaluatesInTheContextOfTheStylesheet) {
+    const auto evaluated = [](const std::string& expression) {
+        return transformed("<xsl:variable name='v' select='7'/><xsl:for-each select='a/b' "
+                           "xmlns:d='http://exslt.org/dynamic' xmlns:p='urn:p'><xsl:value-of "
+                           "select='" +
+                               expression + "'/></xsl:for-each>",
+                           "<a><b>1</b><p:c xmlns:p='urn:p'>2</p:c></a>");
+    };
+    for (const std::string function : {"d:evaluate", "xalan:evaluate"}) {
+        EXPECT_EQ(evaluated(function + "(\"1 + 1\")"), "2");
+        EXPECT_EQ(evaluated(function + "(\". + $v\")"), "8");
+        EXPECT_EQ(evaluated(function + "(\"name(..)\")"), "a");
+        EXPECT_EQ(evaluated(function + "(\"string(//p:c)\")"), "2");
+        EXPECT_EQ(evaluated(function + "(concat(\"" + function + "\", \"(3 + 4)\"))"), "7");
+    }
+}
+
+TEST(EvaluateTest, AWrongExpressionIsAnErrorOrAnEmptyNodeSet) {
+    std::vector<vexa::Diagnostic> messages;
+    Options options;
+    options.onMessage = [&](const vexa::Diagnostic& message) { messages.push_back(message); };
+    EXPECT_EQ(transformed("<xsl:value-of select='count(d:evaluate(\"a[\"))' "
+                          "xmlns:d='http://exslt.org/dynamic'/>",
+                          "<a/>", options),
+              "0");
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].severity, vexa::Severity::Error);
+    EXPECT_NE(messages[0].text.find("Expected ']'"), std::string::npos) << messages[0].text;
+    expectFailure([] { transformed("<xsl:value-of select='xalan:evaluate(\"a[\")'/>"); },
+                  ErrorKind::Transform, "Expected ']'");
+}
+
+/** The engine alone overflows the stack. */
+TEST(EvaluateTest, AnExpressionThatEvaluatesItselfIsAnError) {
+    for (const char* uri : {"http://exslt.org/dynamic", "http://xml.apache.org/xalan"}) {
+        expectFailure(
+            [&] {
+                transformed("<xsl:value-of select='d:evaluate(.)' xmlns:d='" + std::string(uri) +
+                                "'/>",
+                            "<a>d:evaluate(.)</a>");
+            },
+            ErrorKind::Transform, "nested too deeply");
+    }
+    expectFailure(
+        [] {
+            XPath::compile("d:evaluate(.)", {{"d", "http://exslt.org/dynamic"}})
+                .evaluate(parsed("<a>d:evaluate(.)</a>"));
+        },
+        ErrorKind::Transform, "nested too deeply");
+}
+
+TEST(EvaluateTest, AFunctionOfTheHostComesFirst) {
+    Transformation run(compiledRootTemplate("<xsl:value-of select='d:evaluate(1)' "
+                                            "xmlns:d='http://exslt.org/dynamic'/>"));
+    run.function("http://exslt.org/dynamic", "evaluate", [](const Call&) { return "mine"; });
+    EXPECT_EQ(run.toString(Input::text("<a/>")), "mine");
 }
 
 TEST(FunctionTest, WithoutNamespaceOrBodyIsUsage) {
