@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -140,7 +139,8 @@ private:
     }
 
     [[noreturn]] void fail(const char* what) const {
-        m_operation.fail(ErrorKind::Output, std::string(what) + ": " + std::strerror(errno),
+        m_operation.fail(ErrorKind::Output,
+                         std::string(what) + ": " + std::generic_category().message(errno),
                          {fileUri(m_path), 0, 0});
     }
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <istream>
 #include <sys/stat.h>
@@ -52,7 +51,8 @@ public:
             count = ::read(m_file, target, size);
         } while (count < 0 && errno == EINTR);
         if (count < 0) {
-            m_operation.fail(ErrorKind::Input, std::string("cannot read: ") + std::strerror(errno),
+            m_operation.fail(ErrorKind::Input,
+                             std::string("cannot read: ") + std::generic_category().message(errno),
                              {m_uri, 0, 0});
         }
         m_position += static_cast<XMLFilePos>(count);
@@ -116,7 +116,8 @@ Sources::Opened openFile(const std::filesystem::path& path, const std::string& u
     errno = EINVAL;
     const int file = hasNul ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
-        operation.fail(ErrorKind::Input, std::string("cannot open: ") + std::strerror(errno),
+        operation.fail(ErrorKind::Input,
+                       std::string("cannot open: ") + std::generic_category().message(errno),
                        {uri, 0, 0});
     }
     auto stream = std::make_unique<FileStream>(file, uri, operation);

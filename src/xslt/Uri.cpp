@@ -83,9 +83,7 @@ std::string withoutDotSegments(std::string_view path) {
     while (!path.empty()) {
         if (path.substr(0, 3) == "../") {
             path.remove_prefix(3);
-        } else if (path.substr(0, 2) == "./") {
-            path.remove_prefix(2);
-        } else if (path.substr(0, 3) == "/./") {
+        } else if (path.substr(0, 2) == "./" || path.substr(0, 3) == "/./") {
             path.remove_prefix(2);
         } else if (path == "/.") {
             path = "/";

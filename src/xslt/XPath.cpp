@@ -218,6 +218,7 @@ XPath::XPath() noexcept = default;
 
 XPath::XPath(std::shared_ptr<const Data> data) noexcept : m_data(std::move(data)) {}
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): so is its interface
 XPath XPath::compile(std::string expression, Namespaces namespaces) {
     const auto data = std::make_shared<Data>(namespaces);
     const Options options;
