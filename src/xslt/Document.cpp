@@ -14,9 +14,11 @@
 
 namespace vexa {
 
-Document::Data::Data(std::string uri)
-    : m_uri(std::move(uri)), m_tree(new (m_memory.allocate(sizeof(Tree))) Tree(*this)),
-      m_root(m_tree) {}
+Document::Data::Data(std::string uri) : m_uri(std::move(uri)), m_tree(makeTree()), m_root(m_tree) {}
+
+Document::Data::Tree* Document::Data::makeTree() {
+    return new (m_memory.allocate(sizeof(Tree))) Tree(*this);
+}
 
 Document::Data::~Data() = default;
 

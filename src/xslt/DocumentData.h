@@ -44,6 +44,8 @@ public:
     void seal();
 
 private:
+    Tree* makeTree();
+
     EngineUse m_engines = useEngines();
     std::string m_uri;
     MemoryPool m_memory;

@@ -31,8 +31,9 @@ void Environment::finish() {
 }
 
 void Environment::keep(const DocumentPtr& document) {
-    if (m_uris.count(document->tree()) == 0) {
-        m_uris.emplace(document->tree(), toEngineText(document->uri(), engineMemory()));
+    const auto [entry, isNew] = m_uris.try_emplace(document->tree());
+    if (isNew) {
+        entry->second = toEngineText(document->uri(), engineMemory());
         m_kept.push_back(document);
     }
 }
