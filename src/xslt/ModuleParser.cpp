@@ -2,13 +2,73 @@
 
 #include "xslt/MemoryPool.h"
 
+#include "xslt/Text.h"
+
+#include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 #include <xercesc/framework/XMLPScanToken.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
 
 namespace {
+
+constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
+
+/** Which prefixes stand for the namespace of XSLT where the parser is. */
+class XsltPrefixes {
+public:
+    void startElement(const xercesc::AttributeList& attributes) {
+        ++m_depth;
+        for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+            const std::u16string_view name = attributes.getName(i);
+            if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
+                m_declarations.push_back({m_depth, std::u16string(name.substr(5)),
+                                          attributes.getValue(i) == XSLT_NAMESPACE});
+            }
+        }
+    }
+    void endElement() {
+        while (!m_declarations.empty() && m_declarations.back().depth == m_depth) {
+            m_declarations.pop_back();
+        }
+        --m_depth;
+    }
+    /** @param prefix with a colon in front; empty for none */
+    bool contain(std::u16string_view prefix) const {
+        const auto declaration =
+            std::find_if(m_declarations.rbegin(), m_declarations.rend(),
+                         [prefix](const Declaration& known) { return known.prefix == prefix; });
+        return declaration != m_declarations.rend() && declaration->isXslt;
+    }
+
+private:
+    struct Declaration {
+        std::size_t depth;
+        std::u16string prefix;
+        bool isXslt;
+    };
+
+    std::size_t m_depth = 0;
+    std::vector<Declaration> m_declarations;
+};
+
+/** The first attribute that xsl:text must not have; null for none. */
+const XMLCh* wrongAttributeOfText(const xercesc::AttributeList& attributes) {
+    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+        const std::u16string_view name = attributes.getName(i);
+        const std::u16string_view value = attributes.getValue(i);
+        const bool isRight = name == u"disable-output-escaping"
+                                 ? value == u"yes" || value == u"no"
+                                 : name == u"xmlns" || name.find(u':') != std::u16string_view::npos;
+        if (!isRight) {
+            return attributes.getName(i);
+        }
+    }
+    return nullptr;
+}
 
 /**
  * Stands between the parser and the handler. The parser reports each event to the handler first,
@@ -19,7 +79,8 @@ class BeginningLocator : public xercesc::DocumentHandler,
                          public xercesc::XMLDocumentHandler,
                          public xercesc::Locator {
 public:
-    explicit BeginningLocator(xercesc::DocumentHandler& handler) : m_handler(handler) {}
+    BeginningLocator(xercesc::DocumentHandler& handler, const Operation& operation)
+        : m_handler(handler), m_operation(operation) {}
 
     // Locator
     const XMLCh* getPublicId() const override { return m_parser->getPublicId(); }
@@ -35,9 +96,14 @@ public:
     void startDocument() override { m_handler.startDocument(); }
     void endDocument() override { m_handler.endDocument(); }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
+        m_prefixes.startElement(attributes);
+        refuseWrongText(name, attributes);
         m_handler.startElement(name, attributes);
     }
-    void endElement(const XMLCh* const name) override { m_handler.endElement(name); }
+    void endElement(const XMLCh* const name) override {
+        m_handler.endElement(name);
+        m_prefixes.endElement();
+    }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
         m_handler.characters(text, length);
     }
@@ -87,7 +153,26 @@ public:
     }
 
 private:
+    /** The engine crashes at xsl:text with a wrong attribute. */
+    void refuseWrongText(std::u16string_view name, const xercesc::AttributeList& attributes) const {
+        const auto colon = name.find(u':');
+        const bool hasPrefix = colon != std::u16string_view::npos;
+        if (name.substr(hasPrefix ? colon + 1 : 0) != u"text") {
+            return;
+        }
+        const XMLCh* const wrong = wrongAttributeOfText(attributes);
+        const std::u16string prefix =
+            hasPrefix ? u":" + std::u16string(name.substr(0, colon)) : u"";
+        if (wrong && m_prefixes.contain(prefix)) {
+            m_operation.fail(vexa::ErrorKind::Compile,
+                             "'" + toUtf8(name) + "' has a wrong attribute '" + toUtf8(wrong) + "'",
+                             toLocation(this));
+        }
+    }
+
     xercesc::DocumentHandler& m_handler;
+    const Operation& m_operation;
+    XsltPrefixes m_prefixes;
     const xercesc::Locator* m_parser = nullptr;
     XMLFileLoc m_line = 1;
     XMLFileLoc m_column = 1;
@@ -99,7 +184,7 @@ void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& h
                  Operation& operation, Sources& sources, ExternalEntities::Listener onEntity) {
     ParserErrors errors(operation);
     ExternalEntities entities(sources, std::move(onEntity));
-    BeginningLocator locator(handler);
+    BeginningLocator locator(handler, operation);
     // The parser loses memory at external DTDs and at some failures: it has memory of its own.
     MemoryPool memory;
     // The settings that the engine's own parser has for stylesheets: namespaces are left to the

@@ -21,6 +21,7 @@
 #include <xalanc/XSLT/XSLTProcessorEnvSupportDefault.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeParserLiaison.hpp>
+#include <xercesc/util/XMLChar.hpp>
 
 using xalanc::XalanDOMString;
 
@@ -48,6 +49,32 @@ bool hasValue(const xalanc::AttributeListType& attributes, const char16_t* name,
     return found && value == found;
 }
 
+/** Whether an alternative of a pattern is empty, or has a slash at its end that needs a step. */
+bool isIncompletePattern(std::u16string_view pattern) {
+    std::size_t depth = 0;
+    std::size_t length = 0; // of the alternative, without white space
+    char16_t last = 0;
+    const auto isIncomplete = [&] { return length == 0 || (length > 1 && last == u'/'); };
+    while (!pattern.empty()) {
+        const char16_t c = pattern.front();
+        const bool isQuote = c == u'"' || c == u'\'';
+        const auto end = isQuote ? pattern.find(c, 1) : 0;
+        pattern.remove_prefix(std::min(end, pattern.size() - 1) + 1);
+        if (c == u'|' && depth == 0) {
+            if (isIncomplete()) {
+                return true;
+            }
+            length = 0;
+        } else if (!xercesc::XMLChar1_0::isWhitespace(c)) {
+            depth += c == u'[' || c == u'(';
+            depth -= depth > 0 && (c == u']' || c == u')');
+            last = c;
+            ++length;
+        }
+    }
+    return isIncomplete();
+}
+
 } // namespace
 
 namespace vexa {
@@ -55,8 +82,9 @@ namespace vexa {
 /** Compiles, and reads the modules through the sources of the operation. */
 class Stylesheet::Data::Construction : public xalanc::StylesheetConstructionContextDefault {
 public:
-    Construction(Data& data, Compiler& compiler, Operation& operation, Sources& sources)
-        : StylesheetConstructionContextDefault(data.m_memory, compiler.processor, data.m_xpaths),
+    Construction(Data& data, Compiler& compiler, xalanc::XPathFactory& xpaths, Operation& operation,
+                 Sources& sources)
+        : StylesheetConstructionContextDefault(data.m_memory, compiler.processor, xpaths),
           m_data(data), m_operation(&operation), m_sources(&sources) {}
 
     const xalanc::StylesheetRoot& compile(const Input& input) {
@@ -73,10 +101,10 @@ public:
     XalanDOMString& getURLStringFromString(const XalanDOMString& url, const XalanDOMString& base,
                                            XalanDOMString& result) override {
         const std::string asked = toUtf8(base);
-        const auto real = m_realUris.find(asked);
-        result =
-            toEngineText(resolveUri(toUtf8(url), real == m_realUris.end() ? asked : real->second),
-                         getMemoryManager());
+        const auto real = m_data.m_realUris.find(asked);
+        const bool isReal = real == m_data.m_realUris.end();
+        result = toEngineText(resolveUri(toUtf8(url), isReal ? asked : real->second),
+                              getMemoryManager());
         return result;
     }
 
@@ -85,7 +113,7 @@ public:
                                     xalanc::ErrorHandler* /*errors*/) override {
         const std::string uri = toUtf8(url);
         const Sources::Opened opened = openModule(uri, toLocation(getLocatorFromStack()));
-        m_realUris.emplace(uri, opened.uri);
+        m_data.m_realUris.emplace(uri, opened.uri);
         addModule(opened.uri);
         parse(opened, *handler);
         return nullptr;
@@ -98,6 +126,20 @@ public:
         rejectTooDeepExpression({text.c_str(), text.length()});
         return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
                                                                  allowVariables, allowKey);
+    }
+
+    using StylesheetConstructionContextDefault::createMatchPattern;
+    xalanc::XPath* createMatchPattern(const xercesc::Locator* locator, const XalanDOMString& text,
+                                      const xalanc::PrefixResolver& resolver, bool allowVariables,
+                                      bool allowKey) override {
+        rejectTooDeepExpression({text.c_str(), text.length()});
+        // The engine crashes at it.
+        if (isIncompletePattern({text.c_str(), text.length()})) {
+            m_operation->fail(ErrorKind::Compile, "incomplete pattern '" + toUtf8(text) + "'",
+                              toLocation(locator));
+        }
+        return StylesheetConstructionContextDefault::createMatchPattern(locator, text, resolver,
+                                                                        allowVariables, allowKey);
     }
 
     using StylesheetConstructionContextDefault::createElement;
@@ -144,19 +186,20 @@ private:
     Data& m_data;
     Operation* m_operation;
     Sources* m_sources;
-    /** Of modules that the resolver answered from another place: what was asked to what is. */
-    std::map<std::string, std::string> m_realUris;
 };
 
-Stylesheet::Data::Data() : m_xpaths(m_memory) {}
+Stylesheet::Data::Data() = default;
 
 void Stylesheet::Data::compile(const Input& input, Operation& operation) {
     Sources sources(operation);
     Compiler compiler(m_memory);
     OperationProblems problems(operation);
     compiler.processor.setProblemListener(&problems);
-    m_construction = std::make_unique<Construction>(*this, compiler, operation, sources);
-    m_root = &m_construction->compile(input);
+    auto* const xpaths = new (m_memory.allocate(sizeof(xalanc::XPathFactoryDefault)))
+        xalanc::XPathFactoryDefault(m_memory);
+    auto* const construction = new (m_memory.allocate(sizeof(Construction)))
+        Construction(*this, compiler, *xpaths, operation, sources);
+    m_root = &construction->compile(input);
 }
 
 Stylesheet::Data::~Data() = default;

@@ -47,11 +47,11 @@ private:
 
     EngineUse m_engines = useEngines();
     std::vector<std::string> m_modules;
+    /** Of modules that the resolver answered from another place: what was asked to what is. */
+    std::map<std::string, std::string> m_realUris;
     std::set<const xercesc::Locator*> m_endingMessages;
+    /** With all of the compiled stylesheet, which is not destroyed piece by piece. */
     MemoryPool m_memory;
-    xalanc::XPathFactoryDefault m_xpaths;
-    /** Owns the compiled stylesheet. */
-    std::unique_ptr<Construction> m_construction;
     const xalanc::StylesheetRoot* m_root = nullptr;
 };
 

@@ -68,6 +68,76 @@ TEST(StylesheetTest, WhatIsWrongIsACompileError) {
     }
 }
 
+/** The engine alone crashes when it tidies up. */
+TEST(StylesheetTest, AWrongAttributeOfXslTextIsACompileError) {
+    for (const char* attribute :
+         {"nonsense='1'", "disable-output-escaping='maybe'", "select='1'"}) {
+        const auto error = compileErrorOf("<xsl:template match='/'><b/>\n<xsl:text " +
+                                          std::string(attribute) + "/></xsl:template>");
+        EXPECT_EQ(error.kind(), ErrorKind::Compile) << error.what();
+        EXPECT_EQ(error.where().line, 2U);
+        EXPECT_EQ(error.where().column, 1U);
+    }
+}
+
+TEST(StylesheetTest, AnElementOfAnotherNamespaceMayBeCalledText) {
+    EXPECT_NO_THROW(compiled(
+        "<xsl:template match='/'><text x='1'/><s:text x='1' xmlns:s='urn:s'/>"
+        "<xsl:text disable-output-escaping='yes' xml:space='preserve' p:q='1' xmlns:p='urn:p'/>"
+        "<b xmlns:xsl='urn:s'><xsl:text x='1'/></b></xsl:template>"));
+    for (const char* content :
+         {"<z:text x='1' xmlns:z='http://www.w3.org/1999/XSL/Transform'/>",
+          "<text x='1' xmlns='http://www.w3.org/1999/XSL/Transform'/>",
+          "<b xmlns:xsl='urn:s'/><xsl:text x='1'/>",
+          "<b xmlns:z='http://www.w3.org/1999/XSL/Transform'><z:text x='1'/></b>"}) {
+        EXPECT_EQ(
+            compileErrorOf("<xsl:template match='/'>" + std::string(content) + "</xsl:template>")
+                .kind(),
+            ErrorKind::Compile);
+    }
+    // In an imported module too.
+    const auto error = failureOf([] {
+        compiledMain({{"mem:/main", "<xsl:import href='m'/>"},
+                      {"mem:/m", "<xsl:template match='/'><xsl:text x='1'/></xsl:template>"}});
+    });
+    EXPECT_EQ(error.kind(), ErrorKind::Compile);
+    EXPECT_EQ(error.where().uri, "mem:/m");
+}
+
+/** The engine alone crashes when it reads them. */
+TEST(StylesheetTest, AnIncompletePatternIsACompileError) {
+    for (const char* pattern : {"//", "|x", "x|", "x||y", "|", "", " ", "x | ", "a//", "a/", "x|a/",
+                                "key('k', '1')//", "/ | //", "a[b]//"}) {
+        for (const std::string& content :
+             {"<xsl:template match=\"" + std::string(pattern) + "\"/>",
+              "<xsl:key name='k' match=\"" + std::string(pattern) + "\" use='1'/>",
+              "<xsl:template match='/'><xsl:number count=\"" + std::string(pattern) +
+                  "\"/></xsl:template>"}) {
+            const auto error = compileErrorOf(content);
+            EXPECT_EQ(error.kind(), ErrorKind::Compile) << content << ": " << error.what();
+        }
+    }
+    for (const char* pattern : {"/", "//x", "x|y", "/|x", "x[. = '|']", "x[a/b]", "@*|node()",
+                                "a//b", "key('/', '|')", "x | /", "id('//')"}) {
+        EXPECT_NO_THROW(compiled("<xsl:template match=\"" + std::string(pattern) + "\"/>"))
+            << pattern;
+    }
+}
+
+TEST(StylesheetTest, NestingThatWouldOverflowTheStackIsACompileError) {
+    const std::string deep = std::string(100'000, '(') + "1" + std::string(100'000, ')');
+    for (const std::string& content :
+         {"<xsl:template match='/'><xsl:value-of select='" + deep + "'/></xsl:template>",
+          "<xsl:template match='a[" + deep + "]'/>",
+          "<xsl:key name='k' match='a' use='" + deep + "'/>",
+          "<xsl:template match='/'><b c='{" + deep + "}'/></xsl:template>",
+          "<xsl:variable name='v' select='" + deep + "'/>"}) {
+        const auto error = compileErrorOf(content);
+        EXPECT_EQ(error.kind(), ErrorKind::Compile);
+        EXPECT_NE(error.text().find("nested too deeply"), std::string::npos);
+    }
+}
+
 TEST(StylesheetTest, AnUndeclaredPrefixIsACompileError) {
     expectFailure([] { Stylesheet::compile(Input::text("<xsl:stylesheet version='1.0'/>")); },
                   ErrorKind::Compile, "xsl");
