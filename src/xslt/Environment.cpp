@@ -109,22 +109,34 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
                                             const XObjectArgVectorType& arguments,
                                             const xalanc::Locator* locator) const {
     const bool isEvaluate = m_evaluates && name == u"evaluate" && arguments.size() == 1;
-    if (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL()) {
-        return m_evaluate.execute(arguments[0]->str(context), context, node, locator, *m_operation);
-    }
-    if (!isEvaluate || uri != DYNAMIC_NAMESPACE) {
+    const bool isDynamic = isEvaluate && uri == DYNAMIC_NAMESPACE;
+    try {
+        if (isDynamic ||
+            (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL())) {
+            return m_evaluate.execute(arguments[0]->str(context), context, node, locator,
+                                      *m_operation);
+        }
         return XSLTProcessorEnvSupportDefault::extFunction(context, uri, name, node, arguments,
                                                            locator);
-    }
-    // Where the expression is wrong, this one gives an empty node-set.
-    try {
-        return m_evaluate.execute(arguments[0]->str(context), context, node, locator, *m_operation);
     } catch (const xalanc::XSLException& exception) {
-        m_operation->keepingException([&] {
-            m_operation->report(vexa::Severity::Error, cleanText(toUtf8(exception.getMessage())),
-                                toLocation(locator));
-        });
-        xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList none(context);
-        return context.getXObjectFactory().createNodeSet(none);
+        const std::string text = cleanText(toUtf8(exception.getMessage()));
+        if (isDynamic) {
+            // Where the expression is wrong, this one gives an empty node-set.
+            m_operation->keepingException([&] {
+                m_operation->report(vexa::Severity::Error, text, toLocation(locator));
+            });
+            xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList none(context);
+            return context.getXObjectFactory().createNodeSet(none);
+        }
+        if (!isEvaluate && !functionAvailable(uri, name)) {
+            m_operation->fail(vexa::ErrorKind::Compile,
+                              "unknown function '" + toUtf8(name) + "' of namespace '" +
+                                  toUtf8(uri) + "'",
+                              toLocation(locator));
+        }
+        if (exception.getURI().empty()) {
+            m_operation->fail(vexa::ErrorKind::Transform, text, m_instruction());
+        }
+        throw;
     }
 }

@@ -115,7 +115,13 @@ TEST_P(LocationTest, OfATypeErrorWhileItRuns) {
 }
 
 TEST_P(LocationTest, OfAnUnknownExtensionFunction) {
-    expectPlace("xsl:value-of xmlns:f='urn:f' select='f:none()'", ErrorKind::Transform);
+    expectPlace("xsl:value-of xmlns:f='urn:f' select='f:none()'", ErrorKind::Compile);
+}
+
+TEST_P(LocationTest, OfABuiltInFunctionWithoutItsArguments) {
+    expectPlace("xsl:value-of xmlns:v='http://vexa.example/xslt/wol' "
+                "select='v:GetLocalizedString()'",
+                ErrorKind::Transform);
 }
 
 TEST_P(LocationTest, OfAMessageThatEndsTheTransform) {
