@@ -111,8 +111,7 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
     const bool isEvaluate = m_evaluates && name == u"evaluate" && arguments.size() == 1;
     const bool isDynamic = isEvaluate && uri == DYNAMIC_NAMESPACE;
     try {
-        if (isDynamic ||
-            (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL())) {
+        if (isDynamic || (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL())) {
             return m_evaluate.execute(arguments[0]->str(context), context, node, locator,
                                       *m_operation);
         }
@@ -122,9 +121,8 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
         const std::string text = cleanText(toUtf8(exception.getMessage()));
         if (isDynamic) {
             // Where the expression is wrong, this one gives an empty node-set.
-            m_operation->keepingException([&] {
-                m_operation->report(vexa::Severity::Error, text, toLocation(locator));
-            });
+            m_operation->keepingException(
+                [&] { m_operation->report(vexa::Severity::Error, text, toLocation(locator)); });
             xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList none(context);
             return context.getXObjectFactory().createNodeSet(none);
         }

@@ -1,5 +1,7 @@
 #include "xslt/TreeWalker.h"
 
+#include "xslt/NodeText.h"
+
 #include "engine/EngineMemory.h"
 
 #include <xalanc/DOMSupport/DOMServices.hpp>
@@ -31,6 +33,29 @@ const XalanDOMString* TreeWalker::getNamespaceForPrefix(const XalanDOMString& pr
     return m_element ? xalanc::DOMServices::getNamespaceForPrefix(prefix, *m_element) : nullptr;
 }
 
+template <typename Predicate>
+void TreeWalker::addAttributes(const XalanNode& element, Predicate isWanted) {
+    const xalanc::XalanNamedNodeMap& attributes = *element.getAttributes();
+    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+        const XalanNode& attribute = *attributes.item(i);
+        if (isWanted(attribute)) {
+            m_attributes.addAttribute(attribute.getNodeName().c_str(), u"CDATA",
+                                      attribute.getNodeValue().c_str());
+        }
+    }
+}
+
+void TreeWalker::addInheritedDeclarations() {
+    for (const XalanNode* outer = m_element->getParentNode();
+         outer && outer->getNodeType() == XalanNode::ELEMENT_NODE; outer = outer->getParentNode()) {
+        addAttributes(*outer, [this](const XalanNode& attribute) {
+            return isNamespaceNode(attribute) &&
+                   attribute.getNodeName() != xalanc::DOMServices::s_XMLNamespacePrefix &&
+                   !m_attributes.getValue(attribute.getNodeName().c_str());
+        });
+    }
+}
+
 bool TreeWalker::startNode(const XalanNode* node) {
     if (isRoot(*node)) {
         return false;
@@ -38,15 +63,14 @@ bool TreeWalker::startNode(const XalanNode* node) {
     if (node->getNodeType() != XalanNode::ELEMENT_NODE) {
         return FormatterTreeWalker::startNode(node);
     }
+    const bool isTop = !m_element;
     m_element = static_cast<const xalanc::XalanElement*>(node);
     m_attributes.clear();
-    const xalanc::XalanNamedNodeMap& attributes = *node->getAttributes();
-    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
-        const XalanNode& attribute = *attributes.item(i);
-        if (attribute.getNodeName() != xalanc::DOMServices::s_XMLNamespacePrefix) {
-            m_attributes.addAttribute(attribute.getNodeName().c_str(), u"CDATA",
-                                      attribute.getNodeValue().c_str());
-        }
+    addAttributes(*node, [](const XalanNode& attribute) {
+        return attribute.getNodeName() != xalanc::DOMServices::s_XMLNamespacePrefix;
+    });
+    if (isTop) {
+        addInheritedDeclarations();
     }
     m_formatter.startElement(node->getNodeName().c_str(), m_attributes);
     return false;

@@ -12,7 +12,8 @@
 
 /**
  * Reports a node and its subtree to a formatter, attributes in their order. The formatter can ask
- * for the namespaces of the element where it is. The declaration of "xml" is left out, which the
+ * for the namespaces of the element where it is. An element inside a document gets the namespace
+ * declarations of the elements around it. The declaration of "xml" is left out, which the
  * parser adds to each document. Of a root only the content is reported: begin and end are up to the
  * caller.
  */
@@ -32,6 +33,10 @@ protected:
     bool endNode(const xalanc::XalanNode* node) override;
 
 private:
+    template <typename Predicate>
+    void addAttributes(const xalanc::XalanNode& element, Predicate isWanted);
+    void addInheritedDeclarations();
+
     xalanc::FormatterListener& m_formatter;
     const xalanc::PrefixResolver* m_previousResolver;
     xalanc::AttributeListImpl m_attributes;

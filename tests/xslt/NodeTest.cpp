@@ -48,7 +48,8 @@ TEST(NodeTest, EachTypeHasItsNameAndString) {
 }
 
 TEST(NodeTest, XmlIsTheNodeWithoutADeclaration) {
-    EXPECT_EQ(nodeAt("//d:b").xml(), "<b>more &lt;raw&gt; text</b>");
+    EXPECT_EQ(nodeAt("//d:b").xml(),
+              "<b xmlns:p=\"urn:p\" xmlns=\"urn:d\">more &lt;raw&gt; text</b>");
     EXPECT_EQ(nodeAt("/*/text()").xml(), "text");
     EXPECT_EQ(nodeAt("/comment()").xml(), "<!-- top -->");
     EXPECT_EQ(nodeAt("/processing-instruction()").xml(), "<?target some data?>");
@@ -56,6 +57,16 @@ TEST(NodeTest, XmlIsTheNodeWithoutADeclaration) {
               "<?target some data?><!-- top -->"
               "<p:a xmlns:p=\"urn:p\" xmlns=\"urn:d\" p:x=\"1\" y=\"&lt;2\" xml:lang=\"en\">"
               "text<b>more &lt;raw&gt; text</b><!--in--></p:a>");
+}
+
+TEST(NodeTest, XmlOfAnElementHasTheNamespacesAroundIt) {
+    const Document document = parsed("<p:a xmlns:p='urn:1' xmlns='urn:d' xmlns:q='urn:q'>"
+                                     "<b xmlns:p='urn:2' x='1'><p:c xmlns='' y='2'/></b></p:a>");
+    EXPECT_EQ(nodeAt("//*[@x]", document).xml(),
+              "<b xmlns:p=\"urn:2\" x=\"1\" xmlns=\"urn:d\" xmlns:q=\"urn:q\">"
+              "<p:c xmlns=\"\" y=\"2\"/></b>");
+    EXPECT_EQ(nodeAt("//*[@y]", document).xml(),
+              "<p:c xmlns=\"\" y=\"2\" xmlns:p=\"urn:2\" xmlns:q=\"urn:q\"/>");
 }
 
 TEST(NodeTest, XmlOfAnAttributeOrANamespaceIsItsValue) {

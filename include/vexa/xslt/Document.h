@@ -46,7 +46,8 @@ public:
     std::string string() const;
     /**
      * The node as XML in UTF-8, without a declaration; of an attribute or a namespace its value.
-     * Namespace declarations of the elements around it are not repeated.
+     * An element gets the namespace declarations of the elements around it, so that its text can be
+     * parsed on its own.
      */
     std::string xml() const;
 
