@@ -4,31 +4,24 @@
  */
 #pragma once
 
-#include "xslt/OperationProblems.h"
-
 #include "engine/EngineMemory.h"
 
 #include <xalanc/XPath/XPathConstructionContextDefault.hpp>
 #include <xalanc/XPath/XalanXPathException.hpp>
 
-/** Throws the engine's exception at an error. The engine's own context prints it too. */
+/** Throws what the engine reports, which is errors only. The engine's own context prints it too. */
 class ConstructionContext : public xalanc::XPathConstructionContextDefault {
 public:
-    ConstructionContext(xercesc::MemoryManager& memory, Operation& operation)
-        : XPathConstructionContextDefault(memory), m_problems(operation) {}
+    using XPathConstructionContextDefault::XPathConstructionContextDefault;
 
-    void problem(eSource source, eClassification classification, const xalanc::XalanDOMString& text,
-                 const xalanc::Locator* locator, const xalanc::XalanNode* node) override {
-        if (classification == eError) {
-            throw xalanc::XalanXPathException(text, engineMemory(), locator);
-        }
-        m_problems.problem(source, classification, text, locator, node);
+    [[noreturn]] void problem(eSource /*source*/, eClassification /*classification*/,
+                              const xalanc::XalanDOMString& text, const xalanc::Locator* locator,
+                              const xalanc::XalanNode* /*node*/) override {
+        throw xalanc::XalanXPathException(text, engineMemory(), locator);
     }
-    void problem(eSource source, eClassification classification, const xalanc::XalanDOMString& text,
-                 const xalanc::XalanNode* node) override {
-        problem(source, classification, text, nullptr, node);
+    [[noreturn]] void problem(eSource /*source*/, eClassification /*classification*/,
+                              const xalanc::XalanDOMString& text,
+                              const xalanc::XalanNode* /*node*/) override {
+        throw xalanc::XalanXPathException(text, engineMemory());
     }
-
-private:
-    OperationProblems m_problems;
 };

@@ -93,7 +93,10 @@ std::string Node::string() const {
 }
 
 std::string Node::xml() const {
-    return nodeXml(*NodeAccess::node(*this));
+    const xalanc::XalanNode& node = *NodeAccess::node(*this);
+    const Options options;
+    Operation operation(options);
+    return operation.run(ErrorKind::Output, [&] { return nodeXml(node); });
 }
 
 Document::Document() noexcept = default;
@@ -126,7 +129,7 @@ void Document::write(const Output& output, bool declaration) const {
 }
 
 std::string Document::xml() const {
-    return nodeXml(*DocumentAccess::data(*this)->root());
+    return root().xml();
 }
 
 Node Document::root() const {

@@ -39,7 +39,7 @@ xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expre
     auto& memory = context.getMemoryManager();
     const xalanc::PrefixResolver& prefixes = *context.getPrefixResolver();
     xalanc::XPathProcessorImpl processor(memory);
-    ConstructionContext construction(memory, operation);
+    ConstructionContext construction(memory);
     xalanc::XPath compiled(memory, locator);
     processor.initXPath(compiled, construction, expression, prefixes, locator);
     return compiled.execute(node, prefixes, context);

@@ -59,9 +59,6 @@ void Operation::fail(ErrorKind kind, std::string text, Location where) const {
 }
 
 void Operation::keepCurrentException() {
-    if (m_kept) {
-        return;
-    }
     try {
         throwAsError();
     } catch (...) {

@@ -57,6 +57,12 @@ std::filesystem::path temporaryName(const std::filesystem::path& path) {
     return path.parent_path() / name;
 }
 
+/** Whether a path names a file that the process has open, such as its standard output. */
+bool isOpenFile(const std::filesystem::path& path) {
+    const auto folder = path.parent_path();
+    return folder == "/dev" || folder == "/dev/fd" || folder == "/proc/self/fd";
+}
+
 } // namespace
 
 /** A file that appears, or replaces another, when it is whole. */
@@ -71,10 +77,10 @@ public:
             if (errno == ENOENT && m_path.has_filename()) {
                 openTemporary(nullptr);
             }
-        } else if (S_ISREG(status.st_mode)) {
+        } else if (S_ISREG(status.st_mode) && !isOpenFile(m_path)) {
             openTemporary(&status.st_mode);
         } else {
-            m_file = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
+            m_file = ::open(m_path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
         }
         if (m_file < 0) {
             fail("cannot open");
@@ -200,12 +206,4 @@ void OutputWriter::commit() {
 std::streamsize OutputWriter::Buffer::xsputn(const char* bytes, std::streamsize size) {
     m_writer.write(bytes, static_cast<std::size_t>(size));
     return size;
-}
-
-OutputWriter::Buffer::int_type OutputWriter::Buffer::overflow(int_type character) {
-    if (!traits_type::eq_int_type(character, traits_type::eof())) {
-        const char byte = traits_type::to_char_type(character);
-        m_writer.write(&byte, 1);
-    }
-    return traits_type::not_eof(character);
 }

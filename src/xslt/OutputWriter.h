@@ -61,7 +61,6 @@ private:
 
     protected:
         std::streamsize xsputn(const char* bytes, std::streamsize size) override;
-        int_type overflow(int_type character) override;
 
     private:
         OutputWriter& m_writer;

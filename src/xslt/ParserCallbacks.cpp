@@ -16,13 +16,11 @@ vexa::Location toLocation(const xercesc::SAXParseException& exception) {
 } // namespace
 
 void ParserErrors::warning(const xercesc::SAXParseException& exception) {
-    m_operation.report(vexa::Severity::Warning, cleanText(toUtf8(exception.getMessage())),
-                       toLocation(exception));
+    report(vexa::Severity::Warning, exception);
 }
 
 void ParserErrors::error(const xercesc::SAXParseException& exception) {
-    m_operation.report(vexa::Severity::Error, cleanText(toUtf8(exception.getMessage())),
-                       toLocation(exception));
+    report(vexa::Severity::Error, exception);
 }
 
 void ParserErrors::fatalError(const xercesc::SAXParseException& exception) {
@@ -30,12 +28,14 @@ void ParserErrors::fatalError(const xercesc::SAXParseException& exception) {
                      toLocation(exception));
 }
 
+void ParserErrors::report(vexa::Severity severity, const xercesc::SAXParseException& exception) {
+    m_operation.report(severity, cleanText(toUtf8(exception.getMessage())), toLocation(exception));
+}
+
 xercesc::InputSource* ExternalEntities::resolveEntity(xercesc::XMLResourceIdentifier* identifier) {
     const std::string base = toUtf8(identifier->getBaseURI());
     const std::string uri = resolveUri(toUtf8(identifier->getSystemId()), base);
     Sources::Opened opened = m_sources.open(uri, base, Reference::ExternalEntity);
-    if (m_onRead) {
-        m_onRead(opened.uri);
-    }
+    m_onRead(opened.uri);
     return opened.source.release();
 }

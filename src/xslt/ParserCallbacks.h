@@ -24,6 +24,8 @@ public:
     void resetErrors() override {}
 
 private:
+    void report(vexa::Severity severity, const xercesc::SAXParseException& exception);
+
     Operation& m_operation;
 };
 
@@ -33,7 +35,7 @@ public:
     /** Is given the URI of each entity that is read. */
     using Listener = std::function<void(const std::string& uri)>;
 
-    explicit ExternalEntities(Sources& sources, Listener onRead = nullptr)
+    ExternalEntities(Sources& sources, Listener onRead)
         : m_sources(sources), m_onRead(std::move(onRead)) {}
 
     xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;

@@ -54,6 +54,14 @@ ExpandedName parseName(const std::string& name) {
     return expanded;
 }
 
+/** A result of text only, or of several roots, is no source. */
+void refuseWithoutElement(const DocumentData& document, const Operation& operation) {
+    if (document.root() != document.tree() || !document.tree()->getDocumentElement()) {
+        operation.fail(ErrorKind::Transform, "the source has no document element",
+                       {document.uri(), 0, 0});
+    }
+}
+
 } // namespace
 
 Call::Call(const Data& data) noexcept : m_data(data) {}
@@ -147,11 +155,7 @@ private:
             return operation.run(ErrorKind::Transform, [&] {
                 Sources sources(operation);
                 const DocumentAccess::Ptr document = parsed(source, m_parser, operation, sources);
-                if (document->root() != document->tree() ||
-                    !document->tree()->getDocumentElement()) {
-                    operation.fail(ErrorKind::Transform, "the source has no document element",
-                                   {document->uri(), 0, 0});
-                }
+                refuseWithoutElement(*document, operation);
                 if (!m_machine) {
                     m_machine = std::make_unique<Machine>(StylesheetAccess::data(m_stylesheet),
                                                           m_settings, m_parser);

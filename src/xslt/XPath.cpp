@@ -159,7 +159,7 @@ public:
         const XalanDOMString text = toEngineText(expression, m_memory);
         rejectTooDeepExpression({text.c_str(), text.length()});
         xalanc::XPathProcessorImpl processor(m_memory);
-        ConstructionContext context(m_memory, operation);
+        ConstructionContext context(m_memory);
         processor.initXPath(*m_expression, context, text, m_prefixes);
         m_memory.seal();
     }

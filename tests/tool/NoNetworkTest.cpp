@@ -1,5 +1,5 @@
-#include "Listener.h"
 #include "ToolTest.h"
+#include "support/Listener.h"
 
 /** With --no-network, nothing is fetched, however it is asked for. */
 class NoNetworkTest : public ToolTest {

@@ -1,5 +1,7 @@
 #include "XsltTest.h"
 
+#include "support/Listener.h"
+
 #include <thread>
 #include <utility>
 
@@ -142,8 +144,20 @@ TEST_F(AccessTest, TheNetworkIsOffUnlessAskedFor) {
     }
 }
 
-/** Port 1 of this machine has no server: an attempt to connect is refused at once. */
 TEST_F(AccessTest, TheNetworkIsUsedWhenAskedFor) {
+    const Listener server(std::map<std::string, std::string>{{"/a.xml", "<a>page</a>"}});
+    const std::string uri = server.address() + "/a.xml";
+    Options options;
+    EXPECT_THROW(read(uri, options), vexa::Error);
+    EXPECT_EQ(server.requests(), 0);
+    options.access.network = true;
+    EXPECT_EQ(read(uri, options), "page");
+    EXPECT_EQ(Document::parse(Input::uri(uri), options).xml(), "<a>page</a>");
+    EXPECT_EQ(server.requests(), 2);
+}
+
+/** Port 1 of this machine has no server: an attempt to connect is refused at once. */
+TEST_F(AccessTest, AServerThatDoesNotAnswerIsAnInputError) {
     Options options;
     options.access.network = true;
     expectFailure([&] { Document::parse(Input::uri("http://127.0.0.1:1/a.xml"), options); },

@@ -120,6 +120,16 @@ TEST_F(OutputTest, ADeviceIsWrittenToDirectly) {
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
+TEST_F(OutputTest, AFileThatTheProcessHasOpenIsAppendedTo) {
+    const std::string path = m_folder.write("log", "before ");
+    const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    write(Output::file("/dev/fd/" + std::to_string(file)));
+    EXPECT_EQ(::write(file, " after", 6), 6);
+    ::close(file);
+    EXPECT_EQ(readFile(path), "before <b/> after");
+    EXPECT_EQ(m_folder.list(), "log");
+}
+
 TEST_F(OutputTest, AFifoIsWrittenToDirectly) {
     const std::string path = m_folder.path("fifo");
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
@@ -146,6 +156,16 @@ TEST_F(OutputTest, WhatCannotBeWrittenIsAnErrorThatNamesIt) {
     fs::create_symlink("loop", m_folder.path("loop"));
     expectFailure([&] { write(Output::file(m_folder.path("loop"))); }, ErrorKind::Output, "links");
     EXPECT_EQ(m_folder.list(), "loop");
+}
+
+TEST_F(OutputTest, AFileThatCannotBePutInItsPlaceIsAnErrorThatNamesIt) {
+    const std::string path = m_folder.path("new.xml");
+    Transformation run(compiledRootTemplate("<xsl:value-of select='f:f()' xmlns:f='urn:f'/>"));
+    run.function("urn:f", "f", [&](const vexa::Call&) { return fs::create_directory(path); });
+    const vexa::Error error = failureOf([&] { run.to(Input::text("<a/>"), Output::file(path)); });
+    EXPECT_EQ(error.kind(), ErrorKind::Output);
+    EXPECT_EQ(std::string(error.what()), "file://" + path + ": cannot replace: Is a directory");
+    EXPECT_EQ(m_folder.list(), "new.xml");
 }
 
 /** The whole result fits into the buffer, so that only the last step meets the full device. */
@@ -183,6 +203,11 @@ TEST_F(OutputTest, AStreamThatFailsIsAnError) {
             expectFailure([&] { write(Output::stream(stream)); }, ErrorKind::Output, "stream");
         }
     }
+    class : public std::stringbuf {
+        int sync() override { return -1; }
+    } notFlushed;
+    std::ostream stream(&notFlushed);
+    expectFailure([&] { write(Output::stream(stream)); }, ErrorKind::Output, "stream");
     std::ofstream unopened;
     expectFailure([&] { write(Output::stream(unopened)); }, ErrorKind::Output, "stream");
 }

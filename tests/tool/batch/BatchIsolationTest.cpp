@@ -1,7 +1,7 @@
 #include "BatchTest.h"
 
+#include "support/Listener.h"
 #include "support/MemoryChecker.h"
-#include "tool/Listener.h"
 #include "tool/OtherKernel.h"
 
 #include <cerrno>

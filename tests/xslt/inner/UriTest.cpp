@@ -20,7 +20,7 @@ TEST(UriTest, AFileUriNamesItsPath) {
     EXPECT_EQ(pathOfFileUri("file://localhost/a"), "/a");
     EXPECT_EQ(pathOfFileUri("FILE:///a"), "/a");
     EXPECT_EQ(pathOfFileUri("file:///a%2Fb%41%2f"), "/a/bA/");
-    EXPECT_EQ(pathOfFileUri("file:///a%zz%4"), "/a%zz%4"); // no escapes
+    EXPECT_EQ(pathOfFileUri("file:///a%zz%4g%4"), "/a%zz%4g%4"); // no escapes
     EXPECT_EQ(pathOfFileUri("file:///a?query#fragment"), "/a");
     EXPECT_EQ(pathOfFileUri("file:///%00"), std::string("/\0", 2));
 }
@@ -100,6 +100,10 @@ TEST(UriTest, AnAbsoluteReferenceLosesItsDotsWhereItHasAHierarchy) {
 TEST(UriTest, OtherSchemesAreResolvedAlike) {
     EXPECT_EQ(resolveUri("b", "mem:/x/a"), "mem:/x/b");
     EXPECT_EQ(resolveUri("b", "mem:a"), "mem:b");
+    EXPECT_EQ(resolveUri("./b", "mem:a"), "mem:b");
+    EXPECT_EQ(resolveUri("../b", "mem:a"), "mem:b");
+    EXPECT_EQ(resolveUri(".", "mem:a"), "mem:");
+    EXPECT_EQ(resolveUri("..", "mem:a"), "mem:");
     EXPECT_EQ(resolveUri("b", "http://h"), "http://h/b");
     EXPECT_EQ(resolveUri("", "urn:a"), "urn:a");
 }
