@@ -13,13 +13,55 @@
 #include <unistd.h>
 
 #include <xercesc/util/BinInputStream.hpp>
-#include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/XMLURL.hpp>
 
 using vexa::ErrorKind;
 using vexa::Input;
 using vexa::InputAccess;
 using vexa::InputData;
+
+/** A stream that the parser destroys. Out of memory, the parser may leak it: Sources destroys it.
+ */
+class Sources::Stream : public xercesc::BinInputStream {
+public:
+    explicit Stream(Stream*& first) : m_next(first), m_self(&first) {
+        if (m_next) {
+            m_next->m_self = &m_next;
+        }
+        first = this;
+    }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+    ~Stream() override {
+        *m_self = m_next;
+        if (m_next) {
+            m_next->m_self = m_self;
+        }
+    }
+
+    XMLFilePos curPos() const override { return m_position; }
+    const XMLCh* getContentType() const override { return nullptr; }
+    XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+        const XMLSize_t count = read(target, size);
+        m_position += count;
+        return count;
+    }
+
+protected:
+    virtual XMLSize_t read(XMLByte* target, XMLSize_t size) = 0;
+
+private:
+    Stream* m_next;
+    /** The pointer to this stream. */
+    Stream** m_self;
+    XMLFilePos m_position = 0;
+};
+
+Sources::~Sources() {
+    while (m_streams) {
+        delete m_streams;
+    }
+}
 
 namespace {
 
@@ -35,57 +77,76 @@ private:
     mutable std::unique_ptr<xercesc::BinInputStream> m_stream;
 };
 
-class FileStream : public xercesc::BinInputStream {
+class FileStream : public Sources::Stream {
 public:
-    FileStream(int file, std::string uri, const Operation& operation)
-        : m_file(file), m_uri(std::move(uri)), m_operation(operation) {}
+    FileStream(Stream*& first, const std::filesystem::path& path, std::string uri,
+               const Operation& operation)
+        : Stream(first), m_uri(std::move(uri)), m_operation(operation), m_file(open(path)) {
+        if (m_file < 0) {
+            fail("cannot open");
+        }
+    }
     FileStream(const FileStream&) = delete;
     FileStream& operator=(const FileStream&) = delete;
     ~FileStream() override { ::close(m_file); }
 
-    XMLFilePos curPos() const override { return m_position; }
-    const XMLCh* getContentType() const override { return nullptr; }
-    XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+protected:
+    XMLSize_t read(XMLByte* target, XMLSize_t size) override {
         ssize_t count = 0;
         do {
             count = ::read(m_file, target, size);
         } while (count < 0 && errno == EINTR);
         if (count < 0) {
-            m_operation.fail(ErrorKind::Input,
-                             std::string("cannot read: ") + std::generic_category().message(errno),
-                             {m_uri, 0, 0});
+            fail("cannot read");
         }
-        m_position += static_cast<XMLFilePos>(count);
         return static_cast<XMLSize_t>(count);
     }
 
 private:
-    int m_file;
+    static int open(const std::filesystem::path& path) {
+        // The system would take a path up to its NUL, which is not what the access policy has
+        // allowed.
+        const bool hasNul = path.native().find('\0') != std::string::npos;
+        errno = EINVAL;
+        return hasNul ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    }
+
+    [[noreturn]] void fail(const char* what) const {
+        m_operation.fail(ErrorKind::Input,
+                         std::string(what) + ": " + std::generic_category().message(errno),
+                         {m_uri, 0, 0});
+    }
+
     std::string m_uri;
     const Operation& m_operation;
-    XMLFilePos m_position = 0;
+    int m_file;
 };
 
 /** A text, and the input that keeps it. */
-class TextStream : public xercesc::BinMemInputStream {
+class TextStream : public Sources::Stream {
 public:
-    TextStream(Input input, std::string_view text)
-        : BinMemInputStream(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
-                            BufOpt_Reference),
-          m_input(std::move(input)) {}
+    TextStream(Stream*& first, Input input, std::string_view text)
+        : Stream(first), m_input(std::move(input)), m_text(text) {}
+
+protected:
+    XMLSize_t read(XMLByte* target, XMLSize_t size) override {
+        const std::size_t count = m_text.copy(reinterpret_cast<char*>(target), size);
+        m_text.remove_prefix(count);
+        return count;
+    }
 
 private:
     Input m_input;
+    std::string_view m_text;
 };
 
-class HostStream : public xercesc::BinInputStream {
+class HostStream : public Sources::Stream {
 public:
-    HostStream(std::istream& stream, std::string uri, const Operation& operation)
-        : m_stream(stream), m_uri(std::move(uri)), m_operation(operation) {}
+    HostStream(Stream*& first, std::istream& stream, std::string uri, const Operation& operation)
+        : Stream(first), m_stream(stream), m_uri(std::move(uri)), m_operation(operation) {}
 
-    XMLFilePos curPos() const override { return m_position; }
-    const XMLCh* getContentType() const override { return nullptr; }
-    XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+protected:
+    XMLSize_t read(XMLByte* target, XMLSize_t size) override {
         try {
             m_stream.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(size));
         } catch (const std::ios_base::failure&) {
@@ -97,30 +158,18 @@ public:
         if (m_stream.bad()) {
             m_operation.fail(ErrorKind::Input, "the stream cannot be read", {m_uri, 0, 0});
         }
-        const auto count = static_cast<XMLSize_t>(m_stream.gcount());
-        m_position += count;
-        return count;
+        return static_cast<XMLSize_t>(m_stream.gcount());
     }
 
 private:
     std::istream& m_stream;
     std::string m_uri;
     const Operation& m_operation;
-    XMLFilePos m_position = 0;
 };
 
-Sources::Opened openFile(const std::filesystem::path& path, const std::string& uri,
-                         const Operation& operation) {
-    // The system would take a path up to its NUL, which is not what the access policy has allowed.
-    const bool hasNul = path.native().find('\0') != std::string::npos;
-    errno = EINVAL;
-    const int file = hasNul ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        operation.fail(ErrorKind::Input,
-                       std::string("cannot open: ") + std::generic_category().message(errno),
-                       {uri, 0, 0});
-    }
-    auto stream = std::make_unique<FileStream>(file, uri, operation);
+Sources::Opened openFile(Sources::Stream*& streams, const std::filesystem::path& path,
+                         const std::string& uri, const Operation& operation) {
+    auto stream = std::make_unique<FileStream>(streams, path, uri, operation);
     return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
 }
 
@@ -185,11 +234,11 @@ Sources::Opened Sources::open(const std::string& uri, const std::string& base,
 Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
     InputData& data = InputAccess::data(input);
     if (data.kind == InputData::Kind::File) {
-        return openFile(data.path, uri, m_operation);
+        return openFile(m_streams, data.path, uri, m_operation);
     }
     if (data.kind == InputData::Kind::Text) {
         // The text stays where it is: with the input, which lives as long as the operation.
-        auto stream = std::make_unique<TextStream>(input, data.text);
+        auto stream = std::make_unique<TextStream>(m_streams, input, data.text);
         return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
     }
     if (data.isStreamUsed.exchange(true)) {
@@ -198,7 +247,7 @@ Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
     if (data.stream->fail()) {
         m_operation.fail(ErrorKind::Input, "the stream cannot be read", {uri, 0, 0});
     }
-    auto stream = std::make_unique<HostStream>(*data.stream, uri, m_operation);
+    auto stream = std::make_unique<HostStream>(m_streams, *data.stream, uri, m_operation);
     return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
 }
 
@@ -217,5 +266,5 @@ Sources::Opened Sources::openUnderPolicy(const std::string& uri) {
     if (access.folders && !isBelowOneOf(*path, *access.folders)) {
         m_operation.fail(ErrorKind::Denied, "file access denied: " + uri, {uri, 0, 0});
     }
-    return openFile(*path, uri, m_operation);
+    return openFile(m_streams, *path, uri, m_operation);
 }

@@ -20,6 +20,9 @@ enum class Reference { Document, Module, ExternalEntity };
 class Sources {
 public:
     explicit Sources(Operation& operation) : m_operation(operation) {}
+    Sources(const Sources&) = delete;
+    Sources& operator=(const Sources&) = delete;
+    ~Sources();
 
     /** What the parser reads, with its real URI: the base of what it refers to. */
     struct Opened {
@@ -36,9 +39,13 @@ public:
      */
     Opened open(const std::string& uri, const std::string& base, Reference reference);
 
+    class Stream;
+
 private:
     Opened openOwn(const vexa::Input& input, const std::string& uri);
     Opened openUnderPolicy(const std::string& uri);
 
     Operation& m_operation;
+    /** The first of a list of those that are not destroyed yet. */
+    Stream* m_streams = nullptr;
 };
