@@ -27,6 +27,7 @@ private:
     struct Parser {
         MemoryPool memory;
         xalanc::XalanSourceTreeParserLiaison liaison{memory};
+        MemoryPool::CleanUp cleanUp{memory};
     };
 
     std::unique_ptr<Parser> m_parser;

@@ -170,7 +170,9 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     xalanc::XSLTInputSource input;
     input.setNode(source->tree());
     m_processor.process(input, target, *m_context);
+    m_memory.setCleaningUp(true);
     m_context->reset(); // and the processor and the factories with it
+    m_memory.setCleaningUp(false);
     m_values.reset();
     m_environment.finish();
     m_processor.setProblemListener(nullptr);

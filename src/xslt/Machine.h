@@ -70,6 +70,7 @@ private:
     IcuCollation m_collation;
     IcuNumberFormat m_numberFormat;
     std::unique_ptr<Context> m_context;
+    MemoryPool::CleanUp m_cleanUp{m_memory};
     /** Of the run under way. */
     OperationProblems* m_problems = nullptr;
 };

@@ -2,13 +2,20 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include <xercesc/util/PlatformUtils.hpp>
 
 namespace {
 
+/** The allocation sweep sets it to 0: then each piece is an allocation that can fail. */
+#ifndef VEXA_LARGEST_POOLED_PIECE
+#define VEXA_LARGEST_POOLED_PIECE ((SIZES - 1) * ALIGNMENT)
+#endif
+
 constexpr std::size_t FIRST_BLOCK = std::size_t{16} * 1024;
 constexpr std::size_t LARGEST_BLOCK = std::size_t{512} * 1024;
+constexpr std::size_t RESERVE = std::size_t{4} * 1024;
 /** More is out of memory at once: sums with it would wrap around. */
 constexpr std::size_t LARGEST_PIECE = static_cast<std::size_t>(-1) / 2;
 /** In place of a size: where the piece came from. */
@@ -31,7 +38,7 @@ struct alignas(std::max_align_t) MemoryPool::LargeHeader {
     std::size_t size;
 };
 
-MemoryPool::MemoryPool() = default;
+MemoryPool::MemoryPool() : m_reserve(carve(RESERVE)), m_reserveEnd(m_free) {}
 
 MemoryPool::~MemoryPool() {
     while (m_large) {
@@ -42,6 +49,17 @@ MemoryPool::~MemoryPool() {
 }
 
 void* MemoryPool::allocate(XMLSize_t size) {
+    if (size <= VEXA_LARGEST_POOLED_PIECE && !m_isSealed) {
+        Header*& returned = m_returned[sizeIndexOf(size)];
+        if (Header* const header = returned) {
+            returned = header->next;
+            return header + 1;
+        }
+    }
+    return allocateNew(size);
+}
+
+void* MemoryPool::allocateNew(std::size_t size) {
     if (size > LARGEST_PIECE) {
         throw std::bad_alloc();
     }
@@ -50,14 +68,15 @@ void* MemoryPool::allocate(XMLSize_t size) {
         header->sizeIndex = SEPARATE;
         return header + 1;
     }
-    const std::size_t sizeIndex = (size + ALIGNMENT - 1) / ALIGNMENT;
-    if (sizeIndex >= SIZES) {
-        return allocateLarge(size);
+    try {
+        return size > VEXA_LARGEST_POOLED_PIECE ? allocateLarge(size) : allocateFromBlock(size);
+    } catch (const std::bad_alloc&) {
+        return allocateFromReserve(size);
     }
-    if (Header* const header = m_returned[sizeIndex]) {
-        m_returned[sizeIndex] = header->next;
-        return header + 1;
-    }
+}
+
+void* MemoryPool::allocateFromBlock(std::size_t size) {
+    const std::size_t sizeIndex = sizeIndexOf(size);
     auto* const header = reinterpret_cast<Header*>(carve(sizeof(Header) + sizeIndex * ALIGNMENT));
     header->sizeIndex = sizeIndex;
     return header + 1;
@@ -87,6 +106,21 @@ void* MemoryPool::allocateLarge(std::size_t size) {
     m_size += large->size;
     auto* const header = reinterpret_cast<Header*>(large + 1);
     header->sizeIndex = LARGE;
+    return header + 1;
+}
+
+/** Throws at the first failure; what follows it is the clean-up. */
+void* MemoryPool::allocateFromReserve(std::size_t size) {
+    const std::size_t sizeIndex = sizeIndexOf(size);
+    const std::size_t whole = sizeof(Header) + sizeIndex * ALIGNMENT;
+    const bool fits =
+        sizeIndex < SIZES && whole <= static_cast<std::size_t>(m_reserveEnd - m_reserve);
+    if (!std::exchange(m_isCleaningUp, true) || !fits) {
+        throw std::bad_alloc();
+    }
+    auto* const header = reinterpret_cast<Header*>(m_reserve);
+    m_reserve += whole;
+    header->sizeIndex = sizeIndex;
     return header + 1;
 }
 

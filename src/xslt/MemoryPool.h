@@ -15,6 +15,9 @@
  * Hands out memory from large blocks, keeps what comes back for the next request of the same size,
  * and frees all of it together: what the engine loses after an error comes back too.
  *
+ * The engine's destructors allocate, and an exception there would end the process: the pool keeps a
+ * reserve, which is used during clean-ups and after the first failed allocation.
+ *
  * One thread uses it. After seal() any number of threads may: what they allocate then is separate.
  */
 class MemoryPool final : public xercesc::MemoryManager {
@@ -29,6 +32,21 @@ public:
     /** Exceptions outlive the pool. */
     xercesc::MemoryManager* getExceptionMemoryManager() override;
 
+    /** Opens the reserve while the engine destroys objects, and closes it again. */
+    void setCleaningUp(bool isCleaningUp) { m_isCleaningUp = isCleaningUp; }
+
+    /** Declared after objects in a pool: it opens the reserve for their destructors. */
+    class CleanUp {
+    public:
+        explicit CleanUp(MemoryPool& pool) : m_pool(pool) {}
+        CleanUp(const CleanUp&) = delete;
+        CleanUp& operator=(const CleanUp&) = delete;
+        ~CleanUp() { m_pool.setCleaningUp(true); }
+
+    private:
+        MemoryPool& m_pool;
+    };
+
     /** What is allocated from now on may come from any thread, and must be deallocated. */
     void seal() { m_isSealed = true; }
     /** Bytes that the pool has taken, not counting what came after seal(). */
@@ -41,7 +59,12 @@ private:
     static constexpr std::size_t ALIGNMENT = alignof(std::max_align_t);
     static constexpr std::size_t SIZES = 64; // each ALIGNMENT bytes larger than the one before
 
+    static std::size_t sizeIndexOf(std::size_t size) { return (size + ALIGNMENT - 1) / ALIGNMENT; }
+
+    void* allocateNew(std::size_t size);
+    void* allocateFromBlock(std::size_t size);
     void* allocateLarge(std::size_t size);
+    void* allocateFromReserve(std::size_t size);
     std::byte* carve(std::size_t size);
 
     std::byte* m_free = nullptr;
@@ -52,4 +75,7 @@ private:
     std::array<Header*, SIZES> m_returned{};
     std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     LargeHeader* m_large = nullptr;
+    bool m_isCleaningUp = false;
+    std::byte* m_reserve;
+    std::byte* m_reserveEnd;
 };

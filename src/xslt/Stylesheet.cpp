@@ -29,9 +29,10 @@ namespace {
 
 /** The engine as far as compiling needs it. */
 struct Compiler {
-    explicit Compiler(xercesc::MemoryManager& memory)
+    explicit Compiler(MemoryPool& memory)
         : liaison(domSupport, memory), environment(memory, nullptr), objects(memory),
-          xpaths(memory), processor(memory, liaison, environment, domSupport, objects, xpaths) {
+          xpaths(memory), processor(memory, liaison, environment, domSupport, objects, xpaths),
+          cleanUp(memory) {
         environment.setProcessor(&processor);
     }
 
@@ -41,6 +42,7 @@ struct Compiler {
     xalanc::XObjectFactoryDefault objects;
     xalanc::XPathFactoryDefault xpaths;
     xalanc::XSLTEngineImpl processor;
+    MemoryPool::CleanUp cleanUp;
 };
 
 bool hasValue(const xalanc::AttributeListType& attributes, const char16_t* name,
@@ -92,6 +94,7 @@ public:
         addModule(opened.uri);
         xalanc::StylesheetRoot* const root = create(toEngineText(opened.uri, engineMemory()));
         xalanc::StylesheetHandler handler(*root, *this);
+        const MemoryPool::CleanUp cleanUp(m_data.m_memory);
         parse(opened, handler);
         root->postConstruction(*this);
         return *root;

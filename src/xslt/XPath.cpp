@@ -160,6 +160,7 @@ public:
         rejectTooDeepExpression({text.c_str(), text.length()});
         xalanc::XPathProcessorImpl processor(m_memory);
         ConstructionContext context(m_memory);
+        const MemoryPool::CleanUp cleanUp(m_memory);
         processor.initXPath(*m_expression, context, text, m_prefixes);
         m_memory.seal();
     }
@@ -177,6 +178,7 @@ public:
             ValueExchange values(environment);
             xalanc::XObjectFactoryDefault objects(memory);
             EvaluationContext context(environment, trees, objects, values, variables);
+            const MemoryPool::CleanUp cleanUp(memory);
             xalanc::XalanNode* const contextNode = NodeAccess::node(node);
             const OneNode contextList(*contextNode);
             const xalanc::XObjectPtr result =
