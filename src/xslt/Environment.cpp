@@ -49,13 +49,16 @@ xalanc::XalanDocument* Environment::parseXML(xercesc::MemoryManager& /*memory*/,
                                              const xalanc::XalanDOMString& url,
                                              const xalanc::XalanDOMString& base,
                                              xalanc::ErrorHandler* /*errors*/) {
-    const std::string uri = resolveUri(toUtf8(url), toUtf8(base));
+    return m_operation->keepingException([&] { return find(toUtf8(url), toUtf8(base)); });
+}
+
+xalanc::XalanDocument* Environment::find(const std::string& reference, const std::string& base) {
+    const std::string uri = resolveUri(reference, base);
     const auto known = m_documents.find(uri);
     if (known != m_documents.end()) {
         return known->second->tree();
     }
-    const DocumentPtr document =
-        m_operation->keepingException([&] { return parse(uri, toUtf8(base)); });
+    const DocumentPtr document = parse(uri, base);
     if (!document) {
         return nullptr;
     }
@@ -87,7 +90,7 @@ Environment::DocumentPtr Environment::parse(const std::string& uri, const std::s
 }
 
 xalanc::XalanDocument* Environment::getSourceDocument(const xalanc::XalanDOMString& uri) const {
-    const auto known = m_documents.find(toUtf8(uri));
+    const auto known = m_operation->keepingException([&] { return m_documents.find(toUtf8(uri)); });
     return known == m_documents.end() ? nullptr : known->second->tree();
 }
 

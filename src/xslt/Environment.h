@@ -74,6 +74,7 @@ public:
                                    const xalanc::Locator* locator) const override;
 
 private:
+    xalanc::XalanDocument* find(const std::string& reference, const std::string& base);
     DocumentPtr parse(const std::string& uri, const std::string& base);
 
     DocumentParser& m_parser;

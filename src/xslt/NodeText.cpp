@@ -64,6 +64,7 @@ std::string nodeXml(const XalanNode& node) {
         return nodeString(node);
     }
     std::ostringstream stream;
+    stream.exceptions(std::ios_base::badbit); // lets std::bad_alloc pass
     writeNode(stream, node, false);
     return stream.str();
 }
