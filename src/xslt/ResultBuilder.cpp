@@ -82,6 +82,7 @@ void ResultBuilder::startTopElement(const XMLCh* name,
         all.addAttribute(attributes.getName(i), attributes.getType(i), attributes.getValue(i));
     }
     formatter().startElement(name, all);
+    all.clear(); // may allocate, and must not do so in the destructor
 }
 
 void ResultBuilder::endElement(const XMLCh* name) {

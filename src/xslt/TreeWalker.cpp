@@ -65,7 +65,6 @@ bool TreeWalker::startNode(const XalanNode* node) {
     }
     const bool isTop = !m_element;
     m_element = static_cast<const xalanc::XalanElement*>(node);
-    m_attributes.clear();
     addAttributes(*node, [](const XalanNode& attribute) {
         return attribute.getNodeName() != xalanc::DOMServices::s_XMLNamespacePrefix;
     });
@@ -73,6 +72,7 @@ bool TreeWalker::startNode(const XalanNode* node) {
         addInheritedDeclarations();
     }
     m_formatter.startElement(node->getNodeName().c_str(), m_attributes);
+    m_attributes.clear(); // may allocate, and must not do so in the destructor
     return false;
 }
 
