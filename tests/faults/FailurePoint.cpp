@@ -160,6 +160,13 @@ long blocksKeptByPreparation(const Operation& operation) {
     return allocations::liveBlocks() - before;
 }
 
+/** The number that the next file would be opened with. */
+int nextFile() {
+    const int file = dup(STDERR_FILENO);
+    close(file);
+    return file;
+}
+
 void tryOne(const Operation& operation, Shortage shortage, Report& report) {
     const long before = allocations::liveBlocks();
     try {
@@ -185,8 +192,12 @@ enum class Tracing { Off, On };
         report = Report{};
         report.allocation = n;
         limitTime();
+        const int file = nextFile();
         tryOne(operation, shortage, report);
         report.lostBlocks -= kept;
+        if (nextFile() != file && report.lostBlocks <= 0 && !*report.message) {
+            setMessage(report, "leaves a file open");
+        }
         if (!report.failed || *report.message || report.lostBlocks > 0 ||
             operation.engine == Engine::StartedByTheTrial || tracing == Tracing::On) {
             break;
