@@ -32,7 +32,7 @@ const std::vector<Operation>& allOperations() {
     static const std::vector<Operation> operations = [] {
         std::vector<Operation> all;
         for (const auto& some : {platformOperations(), transformerOperations(), dom2DomOperations(),
-                                 functionOperations()}) {
+                                 functionOperations(), xsltOperations()}) {
             all.insert(all.end(), some.begin(), some.end());
         }
         return all;

@@ -17,10 +17,15 @@ bool isOurs(const std::string& call) {
     return beginsWith(call, "libVEXA_") || beginsWith(call, "libNRBCore");
 }
 
+/** The memory manager that an engine object was given: who asks it is responsible. */
+bool isPool(const std::string& call) {
+    return isOurs(call) && call.find(" MemoryPool::") != std::string::npos;
+}
+
 /** Whether the innermost call of ours or of an engine is in an engine. */
 bool isInEngine(const Calls& calls) {
     const auto responsible = std::find_if(calls.begin(), calls.end(), [](const auto& call) {
-        return isEngine(call) || isOurs(call);
+        return isEngine(call) || (isOurs(call) && !isPool(call));
     });
     return responsible != calls.end() && isEngine(*responsible);
 }

@@ -56,3 +56,4 @@ std::vector<Operation> platformOperations();
 std::vector<Operation> transformerOperations();
 std::vector<Operation> dom2DomOperations();
 std::vector<Operation> functionOperations();
+std::vector<Operation> xsltOperations();
