@@ -93,10 +93,7 @@ std::string Node::string() const {
 }
 
 std::string Node::xml() const {
-    const xalanc::XalanNode& node = *NodeAccess::node(*this);
-    const Options options;
-    Operation operation(options);
-    return operation.run(ErrorKind::Output, [&] { return nodeXml(node); });
+    return nodeXml(*NodeAccess::node(*this));
 }
 
 Document::Document() noexcept = default;

@@ -1,9 +1,12 @@
 #include "xslt/NodeText.h"
 
+#include "xslt/Operation.h"
 #include "xslt/Text.h"
 #include "xslt/TreeWalker.h"
 
 #include "engine/XmlWriter.h"
+
+#include <vexa/xslt/Error.h>
 
 #include <sstream>
 
@@ -63,10 +66,14 @@ std::string nodeXml(const XalanNode& node) {
     if (node.getNodeType() == XalanNode::ATTRIBUTE_NODE) {
         return nodeString(node);
     }
-    std::ostringstream stream;
-    stream.exceptions(std::ios_base::badbit); // lets std::bad_alloc pass
-    writeNode(stream, node, false);
-    return stream.str();
+    const vexa::Options options;
+    Operation operation(options);
+    return operation.run(vexa::ErrorKind::Output, [&] {
+        std::ostringstream stream;
+        stream.exceptions(std::ios_base::badbit); // lets std::bad_alloc pass
+        writeNode(stream, node, false);
+        return stream.str();
+    });
 }
 
 void writeNode(std::ostream& stream, const XalanNode& node, bool declaration) {

@@ -17,9 +17,16 @@ std::string nodeLocalName(const xalanc::XalanNode& node);
 std::string nodeNamespaceUri(const xalanc::XalanNode& node);
 std::string nodeString(const xalanc::XalanNode& node);
 
-/** XML without a declaration; the value of an attribute or namespace node. */
+/**
+ * XML without a declaration; the value of an attribute or namespace node.
+ *
+ * @throws vexa::Error: Output for a character that XML 1.0 does not have
+ */
 std::string nodeXml(const xalanc::XalanNode& node);
 
-/** A node with its subtree as XML in UTF-8. @throws vexa::Error: Output, or what the stream throws
+/**
+ * A node with its subtree as XML in UTF-8.
+ *
+ * @throws the engine's exceptions, or what the stream throws
  */
 void writeNode(std::ostream& stream, const xalanc::XalanNode& node, bool declaration);

@@ -90,6 +90,17 @@ TEST(DocumentTest, WhatIsWrittenIsParsedAgainAsTheSame) {
     EXPECT_EQ(parsed("<a><![CDATA[]]]]><![CDATA[>]]></a>").xml(), "<a>]]&gt;</a>");
 }
 
+/** XML 1.1 has characters that XML 1.0 has not. */
+TEST(DocumentTest, ADocumentThatXml10CannotHoldIsNotWritten) {
+    const Document document = parsed("<?xml version='1.1'?><a>&#1;</a>");
+    EXPECT_EQ(document.root().string(), "\x01");
+    std::string text = "old";
+    expectFailure([&] { document.write(Output::text(text)); }, ErrorKind::Output, "invalid");
+    expectFailure([&] { document.xml(); }, ErrorKind::Output, "invalid");
+    expectFailure([&] { document.root().xml(); }, ErrorKind::Output, "invalid");
+    EXPECT_EQ(text, "old");
+}
+
 TEST(DocumentTest, AFailureToWriteIsOutput) {
     const Document document = parsed("<a/>");
     expectFailure([&] { document.write(Output::file("/dev/full")); }, ErrorKind::Output,

@@ -48,6 +48,8 @@ public:
      * The node as XML in UTF-8, without a declaration; of an attribute or a namespace its value.
      * An element gets the namespace declarations of the elements around it, so that its text can be
      * parsed on its own.
+     *
+     * @throws Error: Output for a character that only XML 1.1 has
      */
     std::string xml() const;
 
@@ -73,7 +75,11 @@ public:
     const std::string& uri() const;
     /** Writes the document as XML in UTF-8. @throws Error: Output */
     void write(const Output& output, bool declaration = true) const;
-    /** The document as XML in UTF-8, without a declaration. */
+    /**
+     * The document as XML in UTF-8, without a declaration.
+     *
+     * @throws Error: Output for a character that only XML 1.1 has
+     */
     std::string xml() const;
     /** The root node, above the document element. */
     Node root() const;
