@@ -15,3 +15,6 @@ bool killsAsStylesheet(std::string_view document);
 
 /** Whether evaluating this expression is known to kill the engine. */
 bool killsAsExpression(std::string_view expression);
+
+/** Whether compiling or running this stylesheet with the second interface kills the engine. */
+bool killsAsXsltStylesheet(std::string_view document);
