@@ -15,6 +15,18 @@
 using xalanc::DOMServices;
 using xalanc::XalanNode;
 
+namespace {
+
+/** What `work` makes, without exceptions of the engine. */
+template <typename Work>
+std::string textOf(Work work) {
+    const vexa::Options options;
+    Operation operation(options);
+    return operation.run(vexa::ErrorKind::Output, work);
+}
+
+} // namespace
+
 bool isNamespaceNode(const XalanNode& node) {
     // Results have these without a namespace of their own.
     return node.getNodeType() == XalanNode::ATTRIBUTE_NODE &&
@@ -57,18 +69,18 @@ std::string nodeNamespaceUri(const XalanNode& node) {
 }
 
 std::string nodeString(const XalanNode& node) {
-    xalanc::XalanDOMString text;
-    DOMServices::getNodeData(node, text);
-    return toUtf8(text);
+    return textOf([&] {
+        xalanc::XalanDOMString text;
+        DOMServices::getNodeData(node, text);
+        return toUtf8(text);
+    });
 }
 
 std::string nodeXml(const XalanNode& node) {
     if (node.getNodeType() == XalanNode::ATTRIBUTE_NODE) {
         return nodeString(node);
     }
-    const vexa::Options options;
-    Operation operation(options);
-    return operation.run(vexa::ErrorKind::Output, [&] {
+    return textOf([&] {
         std::ostringstream stream;
         stream.exceptions(std::ios_base::badbit); // lets std::bad_alloc pass
         writeNode(stream, node, false);

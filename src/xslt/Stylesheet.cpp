@@ -248,12 +248,14 @@ std::string Stylesheet::method() const {
 }
 
 std::string Stylesheet::encoding() const {
-    XalanDOMString encoding;
+    MemoryPool memory;
+    XalanDOMString encoding(memory);
     return toUtf8(StylesheetAccess::data(*this).root().getOutputEncoding(encoding));
 }
 
 std::string Stylesheet::mediaType() const {
-    XalanDOMString mediaType;
+    MemoryPool memory;
+    XalanDOMString mediaType(memory);
     return toUtf8(StylesheetAccess::data(*this).root().getOutputMediaType(mediaType));
 }
 

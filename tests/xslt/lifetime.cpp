@@ -50,7 +50,7 @@ void check(bool isTrue, const char* what) {
 
 const char* const SHEET =
     "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
-    "<xsl:output omit-xml-declaration='yes'/>"
+    "<xsl:output omit-xml-declaration='yes' encoding='UTF-8' media-type='text/xml'/>"
     "<xsl:template match='/'><b><xsl:for-each select='//i'><xsl:sort select='.'/>"
     "<xsl:value-of select='format-number(., \"0.0\")'/>,</xsl:for-each></b></xsl:template>"
     "</xsl:stylesheet>";
@@ -63,6 +63,29 @@ vexa::Stylesheet compileSheet() {
 
 vexa::Document parseSource() {
     return vexa::Document::parse(vexa::Input::text(SOURCE));
+}
+
+/** What gives a text reports the end of the engines' memory as std::bad_alloc. */
+void useWithLittleMemory() {
+    const vexa::Document document = parseSource();
+    const vexa::Stylesheet stylesheet = compileSheet();
+    const vexa::Value value = vexa::XPath::compile("/").evaluate(document);
+    const std::function<void()> operations[] = {
+        [&] { CHECK(document.root().string() == "21"); }, [&] { CHECK(document.xml() == SOURCE); },
+        [&] { CHECK(value.number() == 21); }, [&] { CHECK(stylesheet.encoding() == "UTF-8"); },
+        [&] { CHECK(stylesheet.mediaType() == "text/xml"); }};
+    for (const auto& operation : operations) {
+        for (std::size_t left = 0;; ++left) {
+            hostMemory.failAfter(left);
+            try {
+                operation();
+                hostMemory.stopFailing();
+                break;
+            } catch (const std::bad_alloc&) {
+                hostMemory.stopFailing();
+            }
+        }
+    }
 }
 
 void useSecond() {
@@ -254,6 +277,13 @@ const std::map<std::string, std::function<void()>> SCENARIOS{
          CHECK(hostMemory.foreignBlocks() == 0);
          xercesc::XMLPlatformUtils::Terminate();
          objects.use();
+     }},
+    {"XercesOfTheHostWithLittleMemory",
+     [] {
+         xercesc::XMLPlatformUtils::Initialize("en_US", nullptr, nullptr, &hostMemory);
+         useWithLittleMemory();
+         useSecond();
+         xercesc::XMLPlatformUtils::Terminate();
      }},
     {"StaticObjects", fillStaticObjects},
     {"StaticObjectsWithClassic",
