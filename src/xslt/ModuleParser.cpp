@@ -70,6 +70,15 @@ const XMLCh* wrongAttributeOfText(const xercesc::AttributeList& attributes) {
     return nullptr;
 }
 
+/** The encoding, if it has a character that XSLT does not allow there; null otherwise. */
+const XMLCh* wrongAttributeOfOutput(const xercesc::AttributeList& attributes) {
+    const XMLCh* const encoding = attributes.getValue(u"encoding");
+    const std::u16string_view name = encoding ? encoding : u"";
+    const bool isAscii =
+        std::all_of(name.begin(), name.end(), [](char16_t c) { return c <= 0x7E; });
+    return isAscii ? nullptr : u"encoding";
+}
+
 /**
  * Stands between the parser and the handler. The parser reports each event to the handler first,
  * and then here as to an advanced handler: so the place where the last event ended is the place
@@ -97,7 +106,7 @@ public:
     void endDocument() override { m_handler.endDocument(); }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
         m_prefixes.startElement(attributes);
-        refuseWrongText(name, attributes);
+        refuseWrongAttribute(name, attributes);
         m_handler.startElement(name, attributes);
     }
     void endElement(const XMLCh* const name) override {
@@ -153,17 +162,24 @@ public:
     }
 
 private:
-    /** The engine crashes at xsl:text with a wrong attribute. */
-    void refuseWrongText(std::u16string_view name, const xercesc::AttributeList& attributes) const {
+    /**
+     * The engine crashes at xsl:text with a wrong attribute, and at an encoding whose name is
+     * longer in UTF-8 than it can be in ASCII.
+     */
+    void refuseWrongAttribute(std::u16string_view name,
+                              const xercesc::AttributeList& attributes) const {
         const auto colon = name.find(u':');
         const bool hasPrefix = colon != std::u16string_view::npos;
-        if (name.substr(hasPrefix ? colon + 1 : 0) != u"text") {
+        const std::u16string_view local = name.substr(hasPrefix ? colon + 1 : 0);
+        const XMLCh* const wrong = local == u"text"     ? wrongAttributeOfText(attributes)
+                                   : local == u"output" ? wrongAttributeOfOutput(attributes)
+                                                        : nullptr;
+        if (!wrong) {
             return;
         }
-        const XMLCh* const wrong = wrongAttributeOfText(attributes);
         const std::u16string prefix =
             hasPrefix ? u":" + std::u16string(name.substr(0, colon)) : u"";
-        if (wrong && m_prefixes.contain(prefix)) {
+        if (m_prefixes.contain(prefix)) {
             m_operation.fail(vexa::ErrorKind::Compile,
                              "'" + toUtf8(name) + "' has a wrong attribute '" + toUtf8(wrong) + "'",
                              toLocation(this));

@@ -80,6 +80,20 @@ TEST(StylesheetTest, AWrongAttributeOfXslTextIsACompileError) {
     }
 }
 
+/** The engine overflows a buffer at the name of an encoding that is long in UTF-8. */
+TEST(StylesheetTest, AnEncodingWithACharacterThatIsNotAsciiIsCompile) {
+    std::string name = "UTF-8";
+    for (int i = 0; i < 50; ++i) {
+        name += "\xEF\xBF\xBD";
+    }
+    const auto error = compileErrorOf("\n<xsl:output encoding='" + name + "'/>");
+    EXPECT_EQ(error.kind(), ErrorKind::Compile);
+    EXPECT_EQ(error.text(), "'xsl:output' has a wrong attribute 'encoding'");
+    EXPECT_EQ(error.where().line, 2U);
+    // Other elements have encodings of their own.
+    compiled("<o:output xmlns:o='urn:o' encoding='" + name + "'/>");
+}
+
 TEST(StylesheetTest, AnElementOfAnotherNamespaceMayBeCalledText) {
     EXPECT_NO_THROW(compiled(
         "<xsl:template match='/'><text x='1'/><s:text x='1' xmlns:s='urn:s'/>"
