@@ -68,6 +68,20 @@ bool hasBarePattern(std::string_view text) {
     return false;
 }
 
+/** A fault of ICU: the name of an encoding that is long in UTF-8 overflows a buffer. */
+bool hasEncodingThatIsNotAscii(std::string_view text) {
+    constexpr std::size_t LONGEST_NAME = 200;
+    for (auto at = text.find("encoding"); at != std::string_view::npos;
+         at = text.find("encoding", at + 1)) {
+        const std::string_view name = text.substr(at, LONGEST_NAME);
+        if (std::any_of(name.begin(), name.end(),
+                        [](char c) { return static_cast<unsigned char>(c) > 0x7E; })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 bool killsAsSource(std::string_view document) {
@@ -79,7 +93,7 @@ bool killsAsSource(std::string_view document) {
 bool killsAsStylesheet(std::string_view document) {
     const std::string text = asciiOf(document);
     return killsAsSource(document) || hasBarePattern(text) || hasTextWithAttributes(text) ||
-           hasLongRunOfDigits(text);
+           hasLongRunOfDigits(text) || hasEncodingThatIsNotAscii(text);
 }
 
 bool killsAsExpression(std::string_view expression) {
