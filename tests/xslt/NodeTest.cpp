@@ -69,17 +69,6 @@ TEST(NodeTest, XmlOfAnElementHasTheNamespacesAroundIt) {
               "<p:c xmlns=\"\" y=\"2\" xmlns:p=\"urn:2\" xmlns:q=\"urn:q\"/>");
 }
 
-/** XML 1.1 allows it in a source; what is written is XML 1.0. */
-TEST(NodeTest, ACharacterThatCannotBeWrittenIsAnOutputError) {
-    const Document document = parsed("<?xml version='1.1'?><a>&#1;</a>");
-    EXPECT_EQ(document.root().string(), "\x01");
-    expectFailure([&] { document.xml(); }, ErrorKind::Output, "'1'");
-    expectFailure([&] { nodeAt("/a/text()", document).xml(); }, ErrorKind::Output, "'1'");
-    std::string text = "as before";
-    expectFailure([&] { document.write(vexa::Output::text(text)); }, ErrorKind::Output, "'1'");
-    EXPECT_EQ(text, "as before");
-}
-
 TEST(NodeTest, XmlOfAnAttributeOrANamespaceIsItsValue) {
     EXPECT_EQ(nodeAt("/*/@y").xml(), "<2");
     EXPECT_EQ(nodeAt("/*/namespace::p").xml(), "urn:p");
