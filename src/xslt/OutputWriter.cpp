@@ -59,7 +59,7 @@ std::filesystem::path temporaryName(const std::filesystem::path& path) {
 
 /** Whether a path names a file that the process has open, such as its standard output. */
 bool isOpenFile(const std::filesystem::path& path) {
-    const auto folder = path.parent_path();
+    const std::string folder = path.parent_path().native();
     return folder == "/dev" || folder == "/dev/fd" || folder == "/proc/self/fd";
 }
 

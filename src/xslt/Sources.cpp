@@ -59,7 +59,7 @@ private:
 
 Sources::~Sources() {
     while (m_streams) {
-        delete m_streams;
+        delete m_streams; // NOLINT(clang-analyzer-cplusplus.NewDelete): it leaves the list
     }
 }
 

@@ -118,6 +118,13 @@ TEST_P(LocationTest, OfAnUnknownExtensionFunction) {
     expectPlace("xsl:value-of xmlns:f='urn:f' select='f:none()'", ErrorKind::Compile);
 }
 
+TEST_P(LocationTest, OfAFunctionOfTheEngineWithoutItsArguments) {
+    expectPlace("xsl:value-of xmlns:e='http://exslt.org/common' select='e:node-set()'",
+                ErrorKind::Transform);
+    expectPlace("xsl:value-of xmlns:e='http://exslt.org/dynamic' select='e:evaluate(1, 2)'",
+                ErrorKind::Transform);
+}
+
 TEST_P(LocationTest, OfABuiltInFunctionWithoutItsArguments) {
     expectPlace("xsl:value-of xmlns:v='http://vexa.example/xslt/wol' "
                 "select='v:GetLocalizedString()'",

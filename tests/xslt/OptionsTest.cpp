@@ -2,6 +2,7 @@
 
 #include "support/Listener.h"
 
+#include <sstream>
 #include <thread>
 #include <utility>
 
@@ -496,6 +497,16 @@ TEST(ResolverTest, AnAnswerThatCannotBeReadIsTheErrorOfTheReference) {
     EXPECT_EQ(error.kind(), ErrorKind::Input);
     EXPECT_NE(error.text().find("mem:/x.xsl"), std::string::npos) << error.what();
     EXPECT_EQ(error.where().uri, "mem:/main.xsl");
+}
+
+TEST(ResolverTest, AModuleFromAStreamThatWasReadIsUsage) {
+    std::istringstream stream(stylesheet(""));
+    const Input once = Input::stream(stream);
+    const Options options = withResolver(
+        [&](const std::string&, const std::string&) { return std::optional<Input>(once); });
+    const std::string twice = stylesheet("<xsl:include href='a'/><xsl:include href='b'/>");
+    expectFailure([&] { Stylesheet::compile(Input::text(twice, "mem:/main"), options); },
+                  ErrorKind::Usage, "read already");
 }
 
 TEST(MessageHandlerTest, IsGivenMessagesInOrderWhileTheTransformRuns) {

@@ -1,5 +1,7 @@
 #include "xslt/MemoryPool.h"
 
+#include "support/MemoryChecker.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,6 +9,7 @@
 #include <limits>
 #include <new>
 #include <set>
+#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -17,6 +20,28 @@ bool isAligned(const void* pointer) {
 }
 
 constexpr std::size_t LARGE = std::size_t{1} << 20;
+
+/** The process gets no more memory from the system. */
+class NoMoreMemory {
+public:
+    NoMoreMemory() {
+        ::getrlimit(RLIMIT_AS, &m_before);
+        const rlimit none{0, m_before.rlim_max};
+        ::setrlimit(RLIMIT_AS, &none);
+    }
+    NoMoreMemory(const NoMoreMemory&) = delete;
+    NoMoreMemory& operator=(const NoMoreMemory&) = delete;
+    ~NoMoreMemory() { ::setrlimit(RLIMIT_AS, &m_before); }
+
+private:
+    rlimit m_before{};
+};
+
+void allocateWithoutEnd(MemoryPool& pool, std::size_t size) {
+    for (;;) {
+        std::memset(pool.allocate(size), 0, size);
+    }
+}
 
 } // namespace
 
@@ -35,6 +60,26 @@ TEST(MemoryPoolTest, PiecesOfEverySizeAreAlignedAndApart) {
         }
         pool.deallocate(piece);
     }
+}
+
+/** Destructors of the engine allocate: the pool has a reserve for them after a failure. */
+TEST(MemoryPoolTest, ServesSmallPiecesAfterMemoryHasEnded) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker needs all of the address space";
+    }
+    MemoryPool pool;
+    std::size_t served = 0;
+    {
+        const NoMoreMemory noMoreMemory;
+        EXPECT_THROW(allocateWithoutEnd(pool, 500), std::bad_alloc);
+        EXPECT_THROW(pool.allocate(LARGE), std::bad_alloc);
+        for (; served < 50; ++served) {
+            std::memset(pool.allocate(10), 0, 10);
+        }
+        EXPECT_THROW(allocateWithoutEnd(pool, 10), std::bad_alloc); // the reserve is small
+    }
+    EXPECT_EQ(served, 50U);
+    std::memset(pool.allocate(LARGE), 0, LARGE);
 }
 
 TEST(MemoryPoolTest, WhatComesBackIsHandedOutAgain) {
