@@ -95,7 +95,7 @@ def xslt_sections(counts, times):
         cost.add(title, *(number(value) for value in (engine, libxslt, library)), number(library / engine, 2),
                  number(library / libxslt, 2), *(number(times[f"{who} {task}"]["us"], 1) for who in ("bare", "libxslt", "vexa")),
                  target=target, met=met)
-    other = Section("The second interface: threads that share a stylesheet and a document, and memory", "", "", "")
+    other = Section("The second interface: threads that share a stylesheet and a document, and memory", "", "")
     ratio = times["vexa two threads"]["rate"] / times["vexa one thread"]["rate"]
     other.add("transforms of two threads, relative to one", number(ratio, 2), target=f"≥ {LEAST_SCALING:g}",
               met=ratio >= LEAST_SCALING)

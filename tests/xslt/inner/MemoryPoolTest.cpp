@@ -16,7 +16,10 @@
 namespace {
 
 bool isAligned(const void* pointer) {
-    return reinterpret_cast<std::uintptr_t>(pointer) % alignof(std::max_align_t) == 0;
+    // The operator new of a memory checker aligns less on 32 bits.
+    const std::size_t alignment =
+        isUnderAMemoryChecker() ? alignof(void*) * 2 : alignof(std::max_align_t);
+    return reinterpret_cast<std::uintptr_t>(pointer) % alignment == 0;
 }
 
 constexpr std::size_t LARGE = std::size_t{1} << 20;
