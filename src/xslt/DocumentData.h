@@ -40,7 +40,7 @@ public:
     /** The tree, or a fragment of it where it is a result that is no document. */
     xalanc::XalanNode* root() const { return m_root; }
     void setRoot(xalanc::XalanNode* root) { m_root = root; }
-    xercesc::MemoryManager& memory() { return m_memory; }
+    MemoryPool& memory() { return m_memory; }
     void seal();
 
 private:

@@ -75,10 +75,10 @@ Environment::DocumentPtr Environment::parse(const std::string& uri, const std::s
     } catch (const vexa::Error& error) {
         switch (error.kind()) {
         case vexa::ErrorKind::Denied:
-            m_operation->fail(vexa::ErrorKind::Denied, error.text(), m_instruction());
+            m_operation->fail(vexa::ErrorKind::Denied, error.text(), m_operation->place());
         case vexa::ErrorKind::Input:
             m_operation->report(vexa::Severity::Warning, uri + ": " + error.text(),
-                                m_instruction());
+                                m_operation->place());
             return nullptr;
         case vexa::ErrorKind::Parse:
             m_operation->report(vexa::Severity::Warning, error.text(), error.where());
@@ -136,7 +136,7 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
                               toLocation(locator));
         }
         if (exception.getURI().empty()) {
-            m_operation->fail(vexa::ErrorKind::Transform, text, m_instruction());
+            m_operation->fail(vexa::ErrorKind::Transform, text, m_operation->place());
         }
         throw;
     }

@@ -9,7 +9,6 @@
 #include "xslt/EvaluateFunction.h"
 #include "xslt/Sources.h"
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -38,11 +37,6 @@ public:
 
     Environment(xercesc::MemoryManager& memory, DocumentParser& parser)
         : XSLTProcessorEnvSupportDefault(memory, nullptr), m_parser(parser) {}
-
-    /** Asks for the place of the instruction that wants a document; an expression has none. */
-    void setInstruction(std::function<vexa::Location()> instruction) {
-        m_instruction = std::move(instruction);
-    }
 
     /** Leaves evaluate() to a function that is installed. */
     void leaveEvaluateToHost() { m_evaluates = false; }
@@ -80,7 +74,6 @@ private:
     DocumentParser& m_parser;
     bool m_evaluates = true;
     mutable EvaluateFunction m_evaluate;
-    std::function<vexa::Location()> m_instruction = [] { return vexa::Location(); };
     Operation* m_operation = nullptr;
     Sources* m_sources = nullptr;
     std::map<std::string, DocumentPtr> m_documents;

@@ -4,6 +4,7 @@
 #include "xslt/OperationProblems.h"
 #include "xslt/Text.h"
 
+#include "engine/IcuCollation.h"
 #include "functions/BuiltInFunctions.h"
 
 #include <vexa/VEXAConfig.h>
@@ -29,7 +30,7 @@ public:
                                             machine.m_environment, machine.m_trees,
                                             machine.m_objects),
           m_machine(machine), m_settings(settings), m_parameters(machine.m_memory) {
-        installCollationCompareFunctor(&machine.m_collation);
+        installCollationCompareFunctor(&m_collation);
         installFormatNumberFunctor(&machine.m_numberFormat);
     }
 
@@ -38,6 +39,33 @@ public:
         m_parameters.clear();
         StylesheetExecutionContextDefault::reset();
         m_madeUpPrefixes = 0;
+    }
+
+    void pushInvoker(const xalanc::ElemTemplateElement* invoker) override {
+        m_invoker = invoker;
+        operation().poll();
+        operation().enter();
+        m_invoker = nullptr;
+        StylesheetExecutionContextDefault::pushInvoker(invoker);
+    }
+    void popInvoker() override {
+        operation().leave();
+        StylesheetExecutionContextDefault::popInvoker();
+    }
+    void pushContextMarker() override {
+        operation().poll();
+        StylesheetExecutionContextDefault::pushContextMarker();
+    }
+    xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
+        operation().poll();
+        return StylesheetExecutionContextDefault::borrowMutableNodeRefList();
+    }
+
+    using StylesheetExecutionContextDefault::addResultAttribute;
+    void addResultAttribute(const XalanDOMString& name, const XalanDOMString& value) override {
+        // Each one is compared with all others of its element.
+        operation().poll();
+        StylesheetExecutionContextDefault::addResultAttribute(name, value);
     }
 
     void pushTopLevelVariables(const ParamVectorType& /*parameters*/) override {
@@ -65,10 +93,9 @@ public:
         const XObjectPtr value = StylesheetExecutionContextDefault::getVariable(name, locator);
         m_machine.m_problems->setMuted(false);
         if (value->getType() == xalanc::XObject::eTypeUnknown) {
-            m_machine.m_environment.operation().fail(
-                ErrorKind::Transform,
-                "the variable '" + toUtf8(name.getLocalPart()) + "' is not declared",
-                locator ? toLocation(locator) : instruction());
+            operation().fail(ErrorKind::Transform,
+                             "the variable '" + toUtf8(name.getLocalPart()) + "' is not declared",
+                             locator ? toLocation(locator) : instruction());
         }
         return value;
     }
@@ -76,14 +103,40 @@ public:
     /** Where the instruction stands whose expression is evaluated. */
     vexa::Location instruction() const {
         const auto* const element =
-            dynamic_cast<const xalanc::ElemTemplateElement*>(getPrefixResolver());
+            m_invoker ? m_invoker
+                      : dynamic_cast<const xalanc::ElemTemplateElement*>(getPrefixResolver());
         return toLocation(element ? element->getLocator() : nullptr);
     }
 
 private:
+    Operation& operation() const { return m_machine.m_environment.operation(); }
+
+    /** A long sort is nothing but comparisons. */
+    class Collation : public IcuCollation {
+    public:
+        explicit Collation(const Context& context) : m_context(context) {}
+
+        int operator()(const char16_t* left, const char16_t* right,
+                       CaseOrder caseOrder) const override {
+            m_context.operation().poll();
+            return IcuCollation::operator()(left, right, caseOrder);
+        }
+        int operator()(const char16_t* left, const char16_t* right, const char16_t* locale,
+                       CaseOrder caseOrder) const override {
+            m_context.operation().poll();
+            return IcuCollation::operator()(left, right, locale, caseOrder);
+        }
+
+    private:
+        const Context& m_context;
+    };
+
     Machine& m_machine;
     const RunSettings& m_settings;
+    Collation m_collation{*this};
     ParamVectorType m_parameters;
+    /** The instruction that is about to invoke a template. */
+    const xalanc::ElemTemplateElement* m_invoker = nullptr;
     mutable unsigned m_madeUpPrefixes = 0;
 };
 
@@ -129,7 +182,6 @@ Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettin
       m_values(m_environment), m_objects(m_memory), m_xpaths(m_memory),
       m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
     m_environment.setProcessor(&m_processor);
-    m_environment.setInstruction([this] { return m_context->instruction(); });
     m_context = std::make_unique<Context>(*this, settings);
     installFunctions(settings);
 }
@@ -162,6 +214,8 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     OperationProblems problems(operation, [this](const xercesc::Locator* locator) {
         return m_stylesheet.endsTransform(locator);
     });
+    operation.setPlace([this] { return m_context->instruction(); });
+    m_memory.setOperation(&operation);
     m_problems = &problems;
     m_processor.setProblemListener(&problems);
     m_environment.begin(operation, sources);
@@ -175,6 +229,7 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     m_memory.setCleaningUp(false);
     m_values.reset();
     m_environment.finish();
+    m_memory.setOperation(nullptr);
     m_processor.setProblemListener(nullptr);
     m_problems = nullptr;
 }

@@ -11,7 +11,6 @@
 #include "xslt/StylesheetData.h"
 #include "xslt/ValueExchange.h"
 
-#include "engine/IcuCollation.h"
 #include "engine/IcuNumberFormat.h"
 
 #include <vexa/xslt/Transformation.h>
@@ -67,7 +66,6 @@ private:
     xalanc::XObjectFactoryDefault m_objects;
     xalanc::XPathFactoryDefault m_xpaths;
     xalanc::XSLTEngineImpl m_processor;
-    IcuCollation m_collation;
     IcuNumberFormat m_numberFormat;
     std::unique_ptr<Context> m_context;
     MemoryPool::CleanUp m_cleanUp{m_memory};

@@ -41,6 +41,7 @@ struct alignas(std::max_align_t) MemoryPool::LargeHeader {
 MemoryPool::MemoryPool() : m_reserve(carve(RESERVE)), m_reserveEnd(m_free) {}
 
 MemoryPool::~MemoryPool() {
+    giveBack(m_counted);
     while (m_large) {
         LargeHeader* const next = m_large->next;
         ::operator delete(m_large);
@@ -52,6 +53,7 @@ void* MemoryPool::allocate(XMLSize_t size) {
     if (size <= VEXA_LARGEST_POOLED_PIECE && !m_isSealed) {
         Header*& returned = m_returned[sizeIndexOf(size)];
         if (Header* const header = returned) {
+            take(sizeof(Header) + header->sizeIndex * ALIGNMENT);
             returned = header->next;
             return header + 1;
         }
@@ -77,7 +79,9 @@ void* MemoryPool::allocateNew(std::size_t size) {
 
 void* MemoryPool::allocateFromBlock(std::size_t size) {
     const std::size_t sizeIndex = sizeIndexOf(size);
-    auto* const header = reinterpret_cast<Header*>(carve(sizeof(Header) + sizeIndex * ALIGNMENT));
+    const std::size_t whole = sizeof(Header) + sizeIndex * ALIGNMENT;
+    take(whole);
+    auto* const header = reinterpret_cast<Header*>(carve(whole));
     header->sizeIndex = sizeIndex;
     return header + 1;
 }
@@ -97,6 +101,7 @@ std::byte* MemoryPool::carve(std::size_t size) {
 
 void* MemoryPool::allocateLarge(std::size_t size) {
     constexpr std::size_t HEADERS = sizeof(LargeHeader) + sizeof(Header);
+    take(HEADERS + size);
     auto* const large = static_cast<LargeHeader*>(::operator new(HEADERS + size));
     *large = {nullptr, m_large, HEADERS + size};
     if (m_large) {
@@ -140,8 +145,10 @@ void MemoryPool::deallocate(void* pointer) {
             large->next->previous = large->previous;
         }
         m_size -= large->size;
+        giveBack(large->size);
         ::operator delete(large);
     } else {
+        giveBack(sizeof(Header) + header->sizeIndex * ALIGNMENT);
         header->next = m_returned[header->sizeIndex];
         m_returned[header->sizeIndex] = header;
     }

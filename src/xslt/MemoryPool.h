@@ -4,6 +4,8 @@
  */
 #pragma once
 
+#include "xslt/Operation.h"
+
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -47,8 +49,16 @@ public:
         MemoryPool& m_pool;
     };
 
+    /** Counts what is allocated against the limit of an operation, until it is null again. */
+    void setOperation(Operation* operation) {
+        m_operation = operation;
+        m_counted = 0;
+    }
     /** What is allocated from now on may come from any thread, and must be deallocated. */
-    void seal() { m_isSealed = true; }
+    void seal() {
+        m_isSealed = true;
+        m_operation = nullptr;
+    }
     /** Bytes that the pool has taken, not counting what came after seal(). */
     std::size_t size() const { return m_size; }
 
@@ -67,6 +77,22 @@ private:
     void* allocateFromReserve(std::size_t size);
     std::byte* carve(std::size_t size);
 
+    void take(std::size_t size) {
+        if (m_operation) {
+            m_operation->takeMemory(size);
+            m_counted += size;
+        }
+    }
+    void giveBack(std::size_t size) {
+        if (m_operation) {
+            m_operation->returnMemory(size);
+            m_counted -= size;
+        }
+    }
+
+    Operation* m_operation = nullptr;
+    /** What the operation counts of this pool. It wraps around where older memory came back. */
+    std::size_t m_counted = 0;
     std::byte* m_free = nullptr;
     std::byte* m_end = nullptr;
     std::size_t m_size = 0;

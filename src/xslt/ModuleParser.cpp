@@ -88,7 +88,7 @@ class BeginningLocator : public xercesc::DocumentHandler,
                          public xercesc::XMLDocumentHandler,
                          public xercesc::Locator {
 public:
-    BeginningLocator(xercesc::DocumentHandler& handler, const Operation& operation)
+    BeginningLocator(xercesc::DocumentHandler& handler, Operation& operation)
         : m_handler(handler), m_operation(operation) {}
 
     // Locator
@@ -105,6 +105,7 @@ public:
     void startDocument() override { m_handler.startDocument(); }
     void endDocument() override { m_handler.endDocument(); }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
+        m_operation.enter();
         m_prefixes.startElement(attributes);
         refuseWrongAttribute(name, attributes);
         m_handler.startElement(name, attributes);
@@ -112,6 +113,7 @@ public:
     void endElement(const XMLCh* const name) override {
         m_handler.endElement(name);
         m_prefixes.endElement();
+        m_operation.leave();
     }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
         m_handler.characters(text, length);
@@ -157,6 +159,7 @@ public:
 
     /** The next event begins here. */
     void remember() {
+        m_operation.poll();
         m_line = m_parser->getLineNumber();
         m_column = m_parser->getColumnNumber();
     }
@@ -187,7 +190,7 @@ private:
     }
 
     xercesc::DocumentHandler& m_handler;
-    const Operation& m_operation;
+    Operation& m_operation;
     XsltPrefixes m_prefixes;
     const xercesc::Locator* m_parser = nullptr;
     XMLFileLoc m_line = 1;
@@ -203,6 +206,7 @@ void parseModule(const xercesc::InputSource& source, xercesc::DocumentHandler& h
     BeginningLocator locator(handler, operation);
     // The parser loses memory at external DTDs and at some failures: it has memory of its own.
     MemoryPool memory;
+    memory.setOperation(&operation);
     // The settings that the engine's own parser has for stylesheets: namespaces are left to the
     // handler, which takes some declarations that the parser refuses.
     xercesc::SAXParser parser(nullptr, &memory);

@@ -2,6 +2,8 @@
 
 #include "xslt/Text.h"
 
+#include <cstdint>
+#include <limits>
 #include <new>
 #include <sstream>
 
@@ -23,12 +25,30 @@ std::size_t toNumber(XMLFileLoc number) {
     return number == static_cast<XMLFileLoc>(-1) ? 0 : static_cast<std::size_t>(number);
 }
 
+/** The clock is asked at one of so many polls. */
+constexpr unsigned POLLS_FOR_CLOCK = 16;
+
+template <typename Number>
+Number boundOf(std::size_t limit) {
+    const auto most = std::numeric_limits<Number>::max();
+    return limit == 0 || limit > static_cast<std::size_t>(most) ? most : static_cast<Number>(limit);
+}
+
 Location locationOf(const xalanc::XSLException& exception) {
     return {toUtf8(exception.getURI()), toNumber(exception.getLineNumber()),
             toNumber(exception.getColumnNumber())};
 }
 
 } // namespace
+
+namespace vexa {
+
+class CancelAccess {
+public:
+    static bool canBeCancelled(const CancelToken& token) { return token.m_state != nullptr; }
+};
+
+} // namespace vexa
 
 Location toLocation(const xercesc::Locator* locator) {
     if (!locator) {
@@ -47,6 +67,52 @@ std::string cleanText(const std::string& text) {
     return clean;
 }
 
+Operation::Operation(const vexa::Options& options)
+    : m_options(options), m_mostMemory(boundOf<std::ptrdiff_t>(options.limits.memory)),
+      m_mostOutput(boundOf<std::size_t>(options.limits.output)),
+      m_mostDepth(boundOf<std::size_t>(options.limits.depth)),
+      m_end(options.limits.time.count() > 0 ? Clock::now() + options.limits.time
+                                            : Clock::time_point::max()),
+      m_needsPolls(options.limits.time.count() > 0 || options.limits.memory > 0 ||
+                   vexa::CancelAccess::canBeCancelled(options.cancel)) {}
+
+void Operation::checkBounds() {
+    throwKept();
+    if (m_isOverMemory) {
+        stopAtLimit("memory", m_options.limits.memory, " bytes");
+    }
+    if (m_options.cancel.cancelled()) {
+        stop(ErrorKind::Cancelled, "the operation was cancelled");
+    }
+    if (++m_polls % POLLS_FOR_CLOCK == 0 && Clock::now() >= m_end) {
+        stopAtLimit("time", static_cast<std::size_t>(m_options.limits.time.count()), " ms");
+    }
+}
+
+void Operation::checkMemory(std::size_t bytes) {
+    if (m_kept) {
+        return; // the engine tidies up
+    }
+    m_isOverMemory = m_memory > m_mostMemory;
+    if (bytes >= LARGE_PIECE) {
+        m_memory -= static_cast<std::ptrdiff_t>(bytes);
+        poll();
+        m_memory += static_cast<std::ptrdiff_t>(bytes);
+    }
+}
+
+void Operation::stopAtLimit(const char* limit, std::size_t value, const char* unit) {
+    stop(ErrorKind::Limit, std::string("the ") + limit + " limit of " + std::to_string(value) +
+                               unit + " was reached");
+}
+
+void Operation::stop(ErrorKind kind, std::string text) {
+    m_isOverMemory = false;
+    m_needsPolls = true;
+    m_kept = std::make_exception_ptr(Error(kind, std::move(text), place(), m_diagnostics));
+    std::rethrow_exception(m_kept);
+}
+
 void Operation::report(vexa::Severity severity, std::string text, Location where) {
     m_diagnostics.push_back({severity, std::move(text), std::move(where)});
     if (m_options.onMessage) {
@@ -59,6 +125,7 @@ void Operation::fail(ErrorKind kind, std::string text, Location where) const {
 }
 
 void Operation::keepCurrentException() {
+    m_needsPolls = true;
     try {
         throwAsError();
     } catch (...) {

@@ -8,7 +8,11 @@
 
 #include <vexa/xslt/Options.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
 #include <exception>
+#include <functional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -23,14 +27,14 @@ vexa::Location toLocation(const xercesc::Locator* locator);
 std::string cleanText(const std::string& text);
 
 /**
- * Collects what one operation reports. The engine goes on after some exceptions (of document(), for
- * one) that must end the operation: they are kept here, and thrown again at the next hook and at
- * the end.
+ * Collects what one operation reports, and ends it where it reaches a limit or is cancelled. The
+ * engine goes on after some exceptions (of document(), for one) that must end the operation: they
+ * are kept here, and thrown again at the next poll and at the end.
  */
 class Operation {
 public:
     /** @param options must live as long as the operation */
-    explicit Operation(const vexa::Options& options) : m_options(options) {}
+    explicit Operation(const vexa::Options& options);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
@@ -41,6 +45,66 @@ public:
 
     /** @throws the Error, with the diagnostics so far */
     [[noreturn]] void fail(vexa::ErrorKind kind, std::string text, vexa::Location where = {}) const;
+
+    /** Tells where the engine is, for errors that have no place of their own. */
+    using Place = std::function<vexa::Location()>;
+    void setPlace(Place place) { m_place = std::move(place); }
+    vexa::Location place() const { return m_place ? m_place() : vexa::Location(); }
+
+    /**
+     * Is called often, by all hooks into the engine.
+     * @throws vexa::Error: Limit, Cancelled; what was kept
+     */
+    void poll() {
+        if (m_needsPolls) {
+            checkBounds();
+        }
+    }
+
+    /** Begins and ends a level of templates or elements. @throws vexa::Error: Limit */
+    void enter() {
+        if (++m_depth > m_mostDepth) {
+            stopAtLimit("depth", m_options.limits.depth, "");
+        }
+    }
+    void leave() { --m_depth; }
+
+    /** Counts bytes of the result. @throws vexa::Error: Limit */
+    void takeOutput(std::size_t bytes) {
+        m_output += bytes;
+        if (m_output > m_mostOutput) {
+            stopAtLimit("output", m_options.limits.output, " bytes");
+        }
+    }
+
+    /**
+     * Counts bytes that are about to be held. A large piece may be refused, and is a poll: the
+     * parser takes one for each entity. At many small ones the engine would not survive an
+     * exception: the next poll throws it.
+     *
+     * @throws vexa::Error: Limit, Cancelled
+     */
+    void takeMemory(std::size_t bytes) {
+        m_memory += static_cast<std::ptrdiff_t>(bytes);
+        if (m_memory > m_mostMemory || bytes >= LARGE_PIECE) {
+            checkMemory(bytes);
+        }
+    }
+    void returnMemory(std::size_t bytes) { m_memory -= static_cast<std::ptrdiff_t>(bytes); }
+
+    /** Appends to a text that counts as memory. @throws vexa::Error: Limit, Cancelled */
+    template <typename Character>
+    void append(std::basic_string<Character>& text, const Character* more, std::size_t length) {
+        const std::size_t before = text.capacity();
+        if (before - text.size() < length) {
+            // For a moment there are two of them.
+            const std::size_t after = std::max(before * 2, text.size() + length);
+            takeMemory(after * sizeof(Character));
+            text.reserve(after);
+            returnMemory(before * sizeof(Character));
+        }
+        text.append(more, length);
+    }
 
     /**
      * Runs a piece of work that the engine may go on after. The first exception is kept; after it
@@ -88,6 +152,14 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr std::size_t LARGE_PIECE = std::size_t{32} * 1024;
+
+    void checkBounds();
+    void checkMemory(std::size_t bytes);
+    [[noreturn]] void stop(vexa::ErrorKind kind, std::string text);
+    [[noreturn]] void stopAtLimit(const char* limit, std::size_t value, const char* unit);
     void keepCurrentException();
     /** Throws the current exception, as an Error if it is the engine's. */
     [[noreturn]] void throwAsError() const;
@@ -96,4 +168,16 @@ private:
     vexa::ErrorKind m_kind = vexa::ErrorKind::Transform;
     std::vector<vexa::Diagnostic> m_diagnostics;
     std::exception_ptr m_kept;
+    Place m_place;
+
+    const std::ptrdiff_t m_mostMemory;
+    const std::size_t m_mostOutput;
+    const std::size_t m_mostDepth;
+    const Clock::time_point m_end;
+    std::ptrdiff_t m_memory = 0;
+    std::size_t m_output = 0;
+    std::size_t m_depth = 0;
+    unsigned m_polls = 0;
+    bool m_isOverMemory = false;
+    bool m_needsPolls;
 };

@@ -68,7 +68,7 @@ bool isOpenFile(const std::filesystem::path& path) {
 /** A file that appears, or replaces another, when it is whole. */
 class OutputWriter::File {
 public:
-    File(const std::filesystem::path& path, const Operation& operation)
+    File(const std::filesystem::path& path, Operation& operation)
         : m_path(path), m_operation(operation) {
         struct stat status {};
         if (m_path.native().find('\0') != std::string::npos) {
@@ -151,12 +151,12 @@ private:
     }
 
     std::filesystem::path m_path;
-    const Operation& m_operation;
+    Operation& m_operation;
     std::filesystem::path m_temporary;
     int m_file = -1;
 };
 
-OutputWriter::OutputWriter(const Output& output, const Operation& operation)
+OutputWriter::OutputWriter(const Output& output, Operation& operation)
     : m_operation(operation), m_output(output) {
     const OutputData& data = OutputAccess::data(m_output);
     if (data.kind == OutputData::Kind::File) {
@@ -169,6 +169,8 @@ OutputWriter::OutputWriter(const Output& output, const Operation& operation)
 OutputWriter::~OutputWriter() = default;
 
 void OutputWriter::write(const char* bytes, std::size_t size) {
+    m_operation.poll();
+    m_operation.takeOutput(size);
     const OutputData& data = OutputAccess::data(m_output);
     if (data.kind == OutputData::Kind::Stream) {
         data.stream->write(bytes, static_cast<std::streamsize>(size));
@@ -177,7 +179,7 @@ void OutputWriter::write(const char* bytes, std::size_t size) {
         }
         return;
     }
-    m_text.append(bytes, size);
+    m_operation.append(m_text, bytes, size);
     if (m_file && m_text.size() >= BUFFER_SIZE) {
         m_file->write(m_text.data(), m_text.size());
         m_text.clear();

@@ -41,7 +41,7 @@ using OutputData = OutputAccess::Data;
 class OutputWriter {
 public:
     /** @throws vexa::Error: Output where a file cannot be written */
-    OutputWriter(const vexa::Output& output, const Operation& operation);
+    OutputWriter(const vexa::Output& output, Operation& operation);
     OutputWriter(const OutputWriter&) = delete;
     OutputWriter& operator=(const OutputWriter&) = delete;
     ~OutputWriter();
@@ -66,7 +66,7 @@ private:
         OutputWriter& m_writer;
     };
 
-    const Operation& m_operation;
+    Operation& m_operation;
     const vexa::Output m_output;
     std::unique_ptr<File> m_file;
     std::string m_text;

@@ -5,6 +5,7 @@
 #include "engine/EngineMemory.h"
 
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include <xalanc/DOMSupport/DOMServices.hpp>
@@ -14,9 +15,10 @@
 using xalanc::DOMServices;
 using xalanc::XalanNode;
 
-ResultBuilder::ResultBuilder(std::string uri)
-    : FormatterListener(OUTPUT_METHOD_DOM),
+ResultBuilder::ResultBuilder(std::string uri, Operation& operation, Purpose purpose)
+    : FormatterListener(OUTPUT_METHOD_DOM), m_operation(operation), m_purpose(purpose),
       m_document(std::make_shared<vexa::DocumentData>(std::move(uri))) {
+    m_document->memory().setOperation(&operation);
     m_formatter.emplace(engineMemory(), m_document->tree());
 }
 
@@ -24,6 +26,13 @@ vexa::DocumentAccess::Ptr ResultBuilder::finish() {
     m_formatter.reset();
     m_document->seal();
     return m_document;
+}
+
+void ResultBuilder::take(size_type characters) {
+    m_operation.poll();
+    if (m_purpose == Purpose::Result) {
+        m_operation.takeOutput(characters);
+    }
 }
 
 DocumentFormatter& ResultBuilder::formatter() {
@@ -38,6 +47,7 @@ void ResultBuilder::continueBelowFragment() {
     m_formatter->endDocument();
     const auto begun = std::exchange(
         m_document, std::make_shared<vexa::DocumentData>(std::string(m_document->uri())));
+    m_document->memory().setOperation(&m_operation);
     auto* const fragment =
         new (m_document->memory().allocate(sizeof(xalanc::XalanSourceTreeDocumentFragment)))
             xalanc::XalanSourceTreeDocumentFragment(m_document->memory(), *m_document->tree());
@@ -61,6 +71,12 @@ void ResultBuilder::endDocument() {
 }
 
 void ResultBuilder::startElement(const XMLCh* name, xalanc::AttributeListType& attributes) {
+    size_type size = std::u16string_view(name).size();
+    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+        size += std::u16string_view(attributes.getName(i)).size() +
+                std::u16string_view(attributes.getValue(i)).size();
+    }
+    take(size);
     if (m_depth == 0) {
         startTopElement(name, attributes);
     } else {
@@ -91,9 +107,7 @@ void ResultBuilder::endElement(const XMLCh* name) {
 }
 
 void ResultBuilder::characters(const XMLCh* text, size_type length) {
-    if (length == 0) {
-        return;
-    }
+    take(length);
     if (m_depth == 0) {
         continueBelowFragment();
     }
@@ -113,6 +127,7 @@ void ResultBuilder::ignorableWhitespace(const XMLCh* text, size_type length) {
 }
 
 void ResultBuilder::comment(const XMLCh* text) {
+    take(std::u16string_view(text).size());
     formatter().comment(text);
 }
 
@@ -121,13 +136,14 @@ void ResultBuilder::entityReference(const XMLCh* name) {
 }
 
 void ResultBuilder::processingInstruction(const XMLCh* target, const XMLCh* data) {
+    take(std::u16string_view(target).size() + std::u16string_view(data).size());
     formatter().processingInstruction(target, data);
 }
 
 void ResultBuilder::resetDocument() {}
 
-vexa::DocumentAccess::Ptr copyTree(const XalanNode& root, const std::string& uri) {
-    ResultBuilder builder(uri);
+vexa::DocumentAccess::Ptr copyTree(const XalanNode& root, Operation& operation) {
+    ResultBuilder builder({}, operation, ResultBuilder::Purpose::Copy);
     builder.startDocument();
     TreeWalker(builder).traverseSubtree(&root);
     builder.endDocument();

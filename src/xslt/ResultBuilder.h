@@ -19,7 +19,10 @@
  */
 class ResultBuilder : public xalanc::FormatterListener {
 public:
-    explicit ResultBuilder(std::string uri);
+    /** Only a result counts as output. */
+    enum class Purpose { Result, Copy };
+
+    ResultBuilder(std::string uri, Operation& operation, Purpose purpose);
 
     /** The document, when all events have come. */
     vexa::DocumentAccess::Ptr finish();
@@ -41,9 +44,13 @@ public:
 private:
     DocumentFormatter& formatter();
     void startTopElement(const XMLCh* name, const xalanc::AttributeListType& attributes);
+    /** Counts what becomes a part of the document. */
+    void take(size_type characters);
     /** Before what a document cannot have. */
     void continueBelowFragment();
 
+    Operation& m_operation;
+    const Purpose m_purpose;
     std::shared_ptr<vexa::DocumentData> m_document;
     std::optional<DocumentFormatter> m_formatter;
     unsigned m_depth = 0;
@@ -51,4 +58,4 @@ private:
 };
 
 /** A copy of a node of a run, with its subtree, that outlives the run. */
-vexa::DocumentAccess::Ptr copyTree(const xalanc::XalanNode& root, const std::string& uri);
+vexa::DocumentAccess::Ptr copyTree(const xalanc::XalanNode& root, Operation& operation);

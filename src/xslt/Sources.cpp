@@ -24,11 +24,12 @@ using vexa::InputData;
  */
 class Sources::Stream : public xercesc::BinInputStream {
 public:
-    explicit Stream(Stream*& first) : m_next(first), m_self(&first) {
+    explicit Stream(Sources& sources)
+        : m_operation(sources.m_operation), m_next(sources.m_streams), m_self(&sources.m_streams) {
         if (m_next) {
             m_next->m_self = &m_next;
         }
-        first = this;
+        *m_self = this;
     }
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
@@ -42,6 +43,7 @@ public:
     XMLFilePos curPos() const override { return m_position; }
     const XMLCh* getContentType() const override { return nullptr; }
     XMLSize_t readBytes(XMLByte* target, XMLSize_t size) override {
+        m_operation.poll();
         const XMLSize_t count = read(target, size);
         m_position += count;
         return count;
@@ -49,6 +51,8 @@ public:
 
 protected:
     virtual XMLSize_t read(XMLByte* target, XMLSize_t size) = 0;
+
+    Operation& m_operation;
 
 private:
     Stream* m_next;
@@ -79,9 +83,8 @@ private:
 
 class FileStream : public Sources::Stream {
 public:
-    FileStream(Stream*& first, const std::filesystem::path& path, std::string uri,
-               const Operation& operation)
-        : Stream(first), m_uri(std::move(uri)), m_operation(operation), m_file(open(path)) {
+    FileStream(Sources& sources, const std::filesystem::path& path, std::string uri)
+        : Stream(sources), m_uri(std::move(uri)), m_file(open(path)) {
         if (m_file < 0) {
             fail("cannot open");
         }
@@ -118,15 +121,14 @@ private:
     }
 
     std::string m_uri;
-    const Operation& m_operation;
     int m_file;
 };
 
 /** A text, and the input that keeps it. */
 class TextStream : public Sources::Stream {
 public:
-    TextStream(Stream*& first, Input input, std::string_view text)
-        : Stream(first), m_input(std::move(input)), m_text(text) {}
+    TextStream(Sources& sources, Input input, std::string_view text)
+        : Stream(sources), m_input(std::move(input)), m_text(text) {}
 
 protected:
     XMLSize_t read(XMLByte* target, XMLSize_t size) override {
@@ -142,8 +144,8 @@ private:
 
 class HostStream : public Sources::Stream {
 public:
-    HostStream(Stream*& first, std::istream& stream, std::string uri, const Operation& operation)
-        : Stream(first), m_stream(stream), m_uri(std::move(uri)), m_operation(operation) {}
+    HostStream(Sources& sources, std::istream& stream, std::string uri)
+        : Stream(sources), m_stream(stream), m_uri(std::move(uri)) {}
 
 protected:
     XMLSize_t read(XMLByte* target, XMLSize_t size) override {
@@ -164,12 +166,11 @@ protected:
 private:
     std::istream& m_stream;
     std::string m_uri;
-    const Operation& m_operation;
 };
 
-Sources::Opened openFile(Sources::Stream*& streams, const std::filesystem::path& path,
-                         const std::string& uri, const Operation& operation) {
-    auto stream = std::make_unique<FileStream>(streams, path, uri, operation);
+Sources::Opened openFile(Sources& sources, const std::filesystem::path& path,
+                         const std::string& uri) {
+    auto stream = std::make_unique<FileStream>(sources, path, uri);
     return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
 }
 
@@ -234,11 +235,11 @@ Sources::Opened Sources::open(const std::string& uri, const std::string& base,
 Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
     InputData& data = InputAccess::data(input);
     if (data.kind == InputData::Kind::File) {
-        return openFile(m_streams, data.path, uri, m_operation);
+        return openFile(*this, data.path, uri);
     }
     if (data.kind == InputData::Kind::Text) {
         // The text stays where it is: with the input, which lives as long as the operation.
-        auto stream = std::make_unique<TextStream>(m_streams, input, data.text);
+        auto stream = std::make_unique<TextStream>(*this, input, data.text);
         return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
     }
     if (data.isStreamUsed.exchange(true)) {
@@ -247,7 +248,7 @@ Sources::Opened Sources::openOwn(const Input& input, const std::string& uri) {
     if (data.stream->fail()) {
         m_operation.fail(ErrorKind::Input, "the stream cannot be read", {uri, 0, 0});
     }
-    auto stream = std::make_unique<HostStream>(m_streams, *data.stream, uri, m_operation);
+    auto stream = std::make_unique<HostStream>(*this, *data.stream, uri);
     return {std::make_unique<OpenSource>(uri, std::move(stream)), uri};
 }
 
@@ -266,5 +267,5 @@ Sources::Opened Sources::openUnderPolicy(const std::string& uri) {
     if (access.folders && !isBelowOneOf(*path, *access.folders)) {
         m_operation.fail(ErrorKind::Denied, "file access denied: " + uri, {uri, 0, 0});
     }
-    return openFile(m_streams, *path, uri, m_operation);
+    return openFile(*this, *path, uri);
 }

@@ -126,6 +126,7 @@ public:
     xalanc::XPath* createXPath(const xercesc::Locator* locator, const XalanDOMString& text,
                                const xalanc::PrefixResolver& resolver, bool allowVariables,
                                bool allowKey) override {
+        m_operation->poll();
         rejectTooDeepExpression({text.c_str(), text.length()});
         return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
                                                                  allowVariables, allowKey);
@@ -135,6 +136,7 @@ public:
     xalanc::XPath* createMatchPattern(const xercesc::Locator* locator, const XalanDOMString& text,
                                       const xalanc::PrefixResolver& resolver, bool allowVariables,
                                       bool allowKey) override {
+        m_operation->poll();
         rejectTooDeepExpression({text.c_str(), text.length()});
         // The engine crashes at it.
         if (isIncompletePattern({text.c_str(), text.length()})) {
@@ -198,6 +200,7 @@ void Stylesheet::Data::compile(const Input& input, Operation& operation) {
     Compiler compiler(m_memory);
     OperationProblems problems(operation);
     compiler.processor.setProblemListener(&problems);
+    m_memory.setOperation(&operation);
     auto* const xpaths = new (m_memory.allocate(sizeof(xalanc::XPathFactoryDefault)))
         xalanc::XPathFactoryDefault(m_memory);
     auto* const construction = new (m_memory.allocate(sizeof(Construction)))

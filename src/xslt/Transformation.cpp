@@ -9,6 +9,7 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <exception>
 #include <memory>
 #include <utility>
 
@@ -27,11 +28,17 @@ public:
         : XalanOutputStream(engineMemory()), m_writer(writer) {}
 
 protected:
-    void writeData(const char* bytes, size_type size) override { m_writer.write(bytes, size); }
+    /** The engine's destructors flush: what is left of an abandoned result is dropped. */
+    void writeData(const char* bytes, size_type size) override {
+        if (std::uncaught_exceptions() == m_exceptions) {
+            m_writer.write(bytes, size);
+        }
+    }
     void doFlush() override {}
 
 private:
     OutputWriter& m_writer;
+    const int m_exceptions = std::uncaught_exceptions();
 };
 
 /** "name" or "{uri}name". @throws Error: Usage */
@@ -121,7 +128,7 @@ public:
     Document build(const Source& source) {
         return run(source,
                    [&](Operation& operation, const std::string& uri, const auto& transform) {
-                       ResultBuilder builder(uri);
+                       ResultBuilder builder(uri, operation, ResultBuilder::Purpose::Result);
                        xalanc::XSLTResultTarget target(builder, engineMemory());
                        transform(target);
                        operation.throwKept();

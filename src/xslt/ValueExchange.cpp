@@ -121,7 +121,7 @@ Node ValueExchange::toHost(const XalanNode& node) {
     const XalanNode& top = topOf(node);
     auto& copy = m_copies[&top];
     if (!copy) {
-        copy = copyTree(top, {});
+        copy = copyTree(top, m_environment.operation());
         m_environment.keep(copy);
     }
     return NodeAccess::make(copy, &counterpart(node, top, *copy->root()));

@@ -73,6 +73,11 @@ public:
         return m_values.toEngine(known->second, *this);
     }
 
+    xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
+        m_environment.operation().poll();
+        return XPathExecutionContextDefault::borrowMutableNodeRefList();
+    }
+
     void problem(eSource source, eClassification classification, const XalanDOMString& text,
                  const xalanc::Locator* locator, const xalanc::XalanNode* node) override {
         OperationProblems(m_environment.operation())
@@ -166,8 +171,9 @@ public:
     }
 
     Value evaluate(const Node& node, const Options& options, const Variables& variables) const {
-        MemoryPool memory;
         Operation operation(options);
+        MemoryPool memory;
+        memory.setOperation(&operation);
         return operation.run(ErrorKind::Transform, [&] {
             TreeSupport trees;
             DocumentParser parser;

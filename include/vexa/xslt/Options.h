@@ -30,25 +30,26 @@ struct Access {
 };
 
 /**
- * Bounds of one operation; 0 means none. Reaching one is an Error: Limit.
- *
- * Reserved: this version does not enforce them yet.
+ * Bounds of one operation; 0 means none. Reaching one is an Error: Limit, whose text names the
+ * limit and its value. The operation leaves no result, and its objects can be used again.
  */
 struct Limits {
-    /** Most bytes held at one time, the result included, the source not. */
+    /**
+     * Most bytes that the operation holds at one time, its result included. The bytes of an Input
+     * and a Document that the host has parsed do not count.
+     */
     std::size_t memory = 0;
-    /** Bytes of result; of transforms only. */
+    /** Most bytes of a result. Of a result in memory: most characters of its names and texts. */
     std::size_t output = 0;
-    /** By the clock. */
+    /** Most time, by the clock. */
     std::chrono::milliseconds time{0};
-    /** Of templates that call one another, and of elements while parsing. */
+    /** Most levels of templates that invoke one another, and of nested elements while parsing. */
     std::size_t depth = 0;
 };
 
 /**
- * Says whether an operation shall stop. A default token never does. Any thread may use it.
- *
- * Reserved: this version does not ask it yet.
+ * Says whether an operation shall stop: it ends with an Error: Cancelled. A default token never
+ * does. Any thread may use it.
  */
 class VEXA_XSLT_EXPORT CancelToken {
 public:
@@ -58,6 +59,7 @@ public:
     bool cancelled() const noexcept;
 
 private:
+    friend class CancelAccess;
     friend class CancelSource;
     struct VEXA_XSLT_LOCAL State;
     std::shared_ptr<const State> m_state;
@@ -95,8 +97,8 @@ using MessageHandler = std::function<void(const Diagnostic&)>;
 /** The settings of one operation, or of all operations of one Transformation. */
 struct Options {
     Access access;            ///< what documents and stylesheets may reach
-    Limits limits;            ///< reserved
-    CancelToken cancel;       ///< reserved
+    Limits limits;            ///< none by default
+    CancelToken cancel;       ///< never cancelled by default
     Resolver resolver;        ///< may be empty
     MessageHandler onMessage; ///< may be empty
 };

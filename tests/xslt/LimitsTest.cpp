@@ -1,0 +1,507 @@
+/**
+ * @file
+ * Limits and cancellation end every operation, and the same objects work on.
+ */
+#include "XsltTest.h"
+
+#include "support/MemoryChecker.h"
+#include "support/TestDocuments.h"
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <malloc.h>
+#include <random>
+#include <sstream>
+#include <thread>
+
+using std::chrono::milliseconds;
+using vexa::CancelSource;
+using vexa::Document;
+using vexa::Error;
+using vexa::ErrorKind;
+using vexa::Input;
+using vexa::Options;
+using vexa::Output;
+using vexa::Stylesheet;
+using vexa::Transformation;
+using vexa::XPath;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t MIB = std::size_t{1} << 20;
+
+std::string repeated(const std::string& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+/** Entities that stand for ten of the one before, and a reference to the last of them. */
+std::string entityBomb(const std::string& before, const std::string& after) {
+    std::string entities = "<!ENTITY e0 'lol'>";
+    for (int i = 1; i <= 9; ++i) {
+        entities += "<!ENTITY e" + std::to_string(i) + " '" +
+                    repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
+    }
+    return "<!DOCTYPE a [" + entities + "]>" + before + "&e9;" + after;
+}
+
+std::string manyItems() {
+    return "<a>" + repeated("<i/>", 1000) + "</a>";
+}
+
+/** Loops over the items, one inside the other. */
+std::string loops(const std::string& content) {
+    std::string nested = content;
+    for (int i = 0; i < 6; ++i) {
+        nested = "<xsl:for-each select='//i'>" + nested + "</xsl:for-each>";
+    }
+    return nested;
+}
+
+/** Work that does not end by itself. */
+struct Endless {
+    const char* name;
+    void (*run)(const Options&);
+};
+
+void transform(const std::string& rootTemplate, const std::string& source, const Options& options) {
+    Transformation(compiledRootTemplate(rootTemplate), options).toString(Input::text(source));
+}
+
+const Endless ALL_ENDLESS[] = {
+    {"EntitiesInText",
+     [](const Options& options) {
+         Document::parse(Input::text(entityBomb("<a>", "</a>")), options);
+     }},
+    {"EntitiesInAnAttribute",
+     [](const Options& options) {
+         Document::parse(Input::text(entityBomb("<a b='", "'/>")), options);
+     }},
+    {"EntitiesInAStylesheet",
+     [](const Options& options) {
+         Stylesheet::compile(Input::text(entityBomb("<a>", "</a>")), options);
+     }},
+    {"EntitiesInAnAttributeOfAStylesheet",
+     [](const Options& options) {
+         Stylesheet::compile(Input::text(entityBomb("<a b='", "'/>")), options);
+     }},
+    {"EntitiesInADocument",
+     [](const Options& given) {
+         Options options = given;
+         options.resolver = [](const std::string&, const std::string&) {
+             return Input::text(entityBomb("<a>", "</a>"));
+         };
+         transform("<xsl:copy-of select=\"document('mem:/d')\"/>", "<a/>", options);
+     }},
+    {"ACopyOfManyAttributes",
+     [](const Options& options) {
+         std::string attributes;
+         for (int i = 0; i < 30'000; ++i) {
+             attributes += " a" + std::to_string(i) + "=''";
+         }
+         transform("<xsl:copy-of select='.'/>", "<a" + attributes + "/>", options);
+     }},
+    {"LoopsWithAResult",
+     [](const Options& options) { transform(loops("x"), manyItems(), options); }},
+    {"LoopsWithoutAResult",
+     [](const Options& options) { transform(loops(""), manyItems(), options); }},
+    {"LoopsInAVariable",
+     [](const Options& options) {
+         transform("<xsl:variable name='v'>" + loops("<x/>") + "</xsl:variable>", manyItems(),
+                   options);
+     }},
+    {"Sorts",
+     [](const Options& options) {
+         transform(
+             loops("<xsl:for-each select='//i'><xsl:sort select='count(//i)'/></xsl:for-each>"),
+             manyItems(), options);
+     }},
+    {"ADocumentAsResult",
+     [](const Options& options) {
+         Transformation(compiledRootTemplate("<r>" + loops("<x/>") + "</r>"), options)
+             .toDocument(Input::text(manyItems()));
+     }},
+    {"PredicatesInPredicates",
+     [](const Options& options) {
+         XPath::compile("//i[//i[//i[//i[//i[. = 'x'] = 'x'] = 'x'] = 'x'] = 'x']")
+             .evaluate(parsed(manyItems()), options);
+     }},
+    {"AxesAfterAxes",
+     [](const Options& options) {
+         XPath::compile("count(//i/preceding::*/following::*/preceding::*)")
+             .evaluate(parsed(manyItems()), options);
+     }},
+};
+
+class EndlessTest : public ::testing::TestWithParam<Endless> {};
+
+/** Endless, and fills memory. */
+const std::string RECURSION = "\n<xsl:template match='/' name='again'>"
+                              "<xsl:call-template name='again'/></xsl:template>";
+
+double millisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+} // namespace
+
+TEST_P(EndlessTest, EndsAtTheTimeLimit) {
+    Options options;
+    options.limits.time = milliseconds(50);
+    const auto begin = Clock::now();
+    const Error error = failureOf([&] { GetParam().run(options); });
+    EXPECT_EQ(error.kind(), ErrorKind::Limit) << error.what();
+    EXPECT_EQ(error.text(), "the time limit of 50 ms was reached");
+    EXPECT_GE(millisecondsSince(begin), 50);
+}
+
+TEST_P(EndlessTest, EndsWhereItIsCancelled) {
+    CancelSource source;
+    Options options;
+    options.cancel = source.token();
+    std::thread other([&] {
+        std::this_thread::sleep_for(milliseconds(30));
+        source.cancel();
+    });
+    const Error error = failureOf([&] { GetParam().run(options); });
+    other.join();
+    EXPECT_EQ(error.kind(), ErrorKind::Cancelled) << error.what();
+    EXPECT_EQ(error.text(), "the operation was cancelled");
+}
+
+TEST_P(EndlessTest, DoesNotBeginWhereItIsCancelledBefore) {
+    CancelSource source;
+    source.cancel();
+    Options options;
+    options.cancel = source.token();
+    EXPECT_EQ(failureOf([&] { GetParam().run(options); }).kind(), ErrorKind::Cancelled);
+}
+
+INSTANTIATE_TEST_SUITE_P(, EndlessTest, ::testing::ValuesIn(ALL_ENDLESS),
+                         [](const auto& some) { return std::string(some.param.name); });
+
+TEST(LimitsTest, TheErrorNamesTheTemplate) {
+    Options options;
+    options.limits.depth = 100;
+    const auto sheet =
+        Stylesheet::compile(Input::text(stylesheet(RECURSION), "mem:/sheet"), options);
+    const Error error =
+        failureOf([&] { Transformation(sheet, options).toString(Input::text("<a/>")); });
+    EXPECT_EQ(error.kind(), ErrorKind::Limit);
+    EXPECT_EQ(error.text(), "the depth limit of 100 was reached");
+    EXPECT_EQ(error.where().uri, "mem:/sheet");
+    EXPECT_EQ(error.where().line, 2U);
+}
+
+/** Much of the language. */
+const std::string SOME_WORK =
+    "<xsl:template match='/'><r><xsl:for-each select='//i'><xsl:sort select='position()'/>"
+    "<xsl:variable name='v'><x><xsl:value-of select='count(preceding::i)'/></x></xsl:variable>"
+    "<xsl:copy-of select='$v'/><y><xsl:value-of select=\"concat('some text', position())\"/></y>"
+    "</xsl:for-each></r></xsl:template>";
+
+TEST(LimitsTest, DepthCountsElementsWhileParsing) {
+    Options options;
+    options.limits.depth = 3;
+    EXPECT_EQ(Document::parse(Input::text("<a><b><c/><d/></b><e/></a>"), options).xml(),
+              "<a><b><c/><d/></b><e/></a>");
+    expectFailure([&] { Document::parse(Input::text("<a><b><c><d/></c></b></a>"), options); },
+                  ErrorKind::Limit, "the depth limit of 3 was reached");
+    Stylesheet::compile(Input::text(stylesheetWithRootTemplate("<a/>")), options);
+    expectFailure(
+        [&] {
+            Stylesheet::compile(Input::text(stylesheetWithRootTemplate("<a><b/></a>")), options);
+        },
+        ErrorKind::Limit, "the depth limit of 3 was reached");
+}
+
+TEST(LimitsTest, DepthCountsTemplatesThatCallOneAnother) {
+    const std::string countdown =
+        "<xsl:param name='n'/><xsl:template match='/' name='c'><xsl:param name='l' select='$n'/>"
+        "<xsl:if test='$l > 0'><xsl:call-template name='c'><xsl:with-param name='l' "
+        "select='$l - 1'/></xsl:call-template></xsl:if><xsl:if test='$l = 0'>end</xsl:if>"
+        "</xsl:template>";
+    Options options;
+    options.limits.depth = 50;
+    Transformation run(compiled(countdown), options);
+    std::size_t deepest = 0;
+    for (int n = 0; n < 100; ++n) {
+        try {
+            EXPECT_NE(run.parameter("n", n).toString(parsed("<a/>")).find("end"),
+                      std::string::npos);
+            deepest = static_cast<std::size_t>(n);
+        } catch (const Error& error) {
+            EXPECT_EQ(error.text(), "the depth limit of 50 was reached");
+        }
+    }
+    EXPECT_GE(deepest, 45U);
+    EXPECT_LE(deepest, 50U);
+}
+
+TEST(LimitsTest, OutputCountsTheBytesOfTheResult) {
+    Options options;
+    options.limits.output = 10;
+    std::string text = "old";
+    for (const int length : {0, 1, 10, 11, 1'000'000}) {
+        Transformation run(compiled("<xsl:output method='text'/><xsl:template match='/'>" +
+                                    std::string(static_cast<std::size_t>(length), 'x') +
+                                    "</xsl:template>"),
+                           options);
+        if (length <= 10) {
+            EXPECT_EQ(run.toString(parsed("<a/>")).size(), static_cast<std::size_t>(length));
+            EXPECT_EQ(run.toDocument(parsed("<a/>")).xml().size(),
+                      static_cast<std::size_t>(length));
+            continue;
+        }
+        const auto fails = [&](auto work) {
+            expectFailure(work, ErrorKind::Limit, "the output limit of 10 bytes was reached");
+        };
+        fails([&] { run.toString(parsed("<a/>")); });
+        fails([&] { run.to(parsed("<a/>"), Output::text(text)); });
+        fails([&] { run.toDocument(parsed("<a/>")); });
+        const TemporaryFolder folder;
+        fails([&] { run.to(parsed("<a/>"), Output::file(folder.path("result"))); });
+        EXPECT_EQ(folder.list(), "");
+    }
+    EXPECT_EQ(text, "old");
+}
+
+namespace {
+
+/** Work that needs ever more memory. */
+const Endless FILLING_MEMORY[] = {
+    {"Recursion",
+     [](const Options& options) {
+         Transformation(compiled(RECURSION), options).toString(Input::text("<a/>"));
+     }},
+    {"ATreeInAVariable",
+     [](const Options& options) {
+         transform("<xsl:variable name='v'>" + loops("<x a='1'>text</x>") + "</xsl:variable>",
+                   manyItems(), options);
+     }},
+    {"AString",
+     [](const Options& options) {
+         Transformation(
+             compiled("<xsl:template match='/' name='d'><xsl:param name='s' select=\"'xxxxxxxx'\"/>"
+                      "<xsl:call-template name='d'><xsl:with-param name='s' "
+                      "select='concat($s, $s)'/></xsl:call-template></xsl:template>"),
+             options)
+             .toString(Input::text("<a/>"));
+     }},
+    {"TheResult",
+     [](const Options& options) {
+         transform(loops(std::string(10'000, 'x')), manyItems(), options);
+     }},
+    {"TheResultAsADocument",
+     [](const Options& options) {
+         Transformation(compiledRootTemplate("<r>" + loops("<x a='1'>text</x>") + "</r>"), options)
+             .toDocument(Input::text(manyItems()));
+     }},
+    {"ADocument",
+     [](const Options& options) {
+         Document::parse(Input::text("<a>" + repeated("<i x='1'>text</i>", 20'000) + "</a>"),
+                         options);
+     }},
+    {"ATextOfADocument",
+     [](const Options& options) {
+         Document::parse(Input::text("<a>" + repeated("text &amp; more", 100'000) + "</a>"),
+                         options);
+     }},
+    {"AStylesheet",
+     [](const Options& options) {
+         Stylesheet::compile(
+             Input::text(stylesheet(repeated("<xsl:template match='a/b[c=1]'/>", 5'000))), options);
+     }},
+    {"ANodeSet",
+     [](const Options& options) {
+         Document many = parsed("<a>" + repeated("<i/>", 100'000) + "</a>");
+         XPath::compile("//i | //a").evaluate(many, options);
+     }},
+};
+
+class FillingMemoryTest : public ::testing::TestWithParam<Endless> {};
+
+long statusKiB(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, name.size(), name) == 0) {
+            return std::stol(line.substr(name.size()));
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST_P(FillingMemoryTest, EndsAtTheMemoryLimit) {
+    Options options;
+    options.limits.memory = MIB;
+    const Error error = failureOf([&] { GetParam().run(options); });
+    EXPECT_EQ(error.kind(), ErrorKind::Limit) << error.what();
+    EXPECT_EQ(error.text(), "the memory limit of 1048576 bytes was reached");
+}
+
+INSTANTIATE_TEST_SUITE_P(, FillingMemoryTest, ::testing::ValuesIn(FILLING_MEMORY),
+                         [](const auto& some) { return std::string(some.param.name); });
+
+/** By what the system counts, from the limit on which the operation succeeds. */
+TEST(LimitsTest, MemoryIsExact) {
+    if (isUnderAMemoryChecker()) {
+        GTEST_SKIP() << "a memory checker has its own memory";
+    }
+    const std::string text = "<a>" + repeated("<i x='1'>text</i>", 100'000) + "</a>";
+    Document::parse(Input::text("<a/>"));
+    ::malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5"; // begins a new peak
+    const long before = statusKiB("VmRSS:");
+    Document::parse(Input::view(text));
+    const auto needed = static_cast<std::size_t>(statusKiB("VmHWM:") - before) * 1024;
+    ASSERT_GT(needed, 10 * MIB);
+    Options options;
+    options.limits.memory = needed + needed / 20;
+    EXPECT_NO_THROW(Document::parse(Input::view(text), options));
+    options.limits.memory = needed - needed / 20;
+    expectFailure([&] { Document::parse(Input::view(text), options); }, ErrorKind::Limit, "memory");
+}
+
+/** Each of the allocations of a transform may be the one that is too many. */
+TEST(LimitsTest, AMemoryLimitMayStrikeAnywhere) {
+    const Stylesheet sheet = compiled(SOME_WORK);
+    const Document source = parsed("<a>" + repeated("<i/>", 40) + "</a>");
+    Transformation unlimited(sheet);
+    const std::string expected = unlimited.toString(source);
+    std::size_t failures = 0;
+    bool hasSucceeded = false;
+    for (std::size_t limit = 1; !hasSucceeded; limit += 97) {
+        Options options;
+        options.limits.memory = limit;
+        Transformation run(sheet, options);
+        for (int i = 0; i < 2; ++i) {
+            try {
+                EXPECT_EQ(run.toString(source), expected);
+                hasSucceeded = true;
+            } catch (const Error& error) {
+                EXPECT_EQ(error.kind(), ErrorKind::Limit) << error.what();
+                ++failures;
+            }
+        }
+    }
+    EXPECT_GT(failures, 100U);
+    EXPECT_EQ(unlimited.toString(source), expected);
+}
+
+TEST(LimitsTest, ALimitIsOfOneOperation) {
+    const Document source = parsed(manyItems());
+    Options options;
+    options.limits.memory = 4 * MIB;
+    options.limits.output = 100'000;
+    options.limits.time = std::chrono::seconds(20);
+    options.limits.depth = 100;
+    Transformation run(compiled(SOME_WORK), options);
+    const std::string first = run.toString(source);
+    EXPECT_GT(first.size(), 20'000U);
+    for (int i = 0; i < 20; ++i) { // more than the limits, all together
+        ASSERT_EQ(run.toString(source), first);
+    }
+}
+
+/** Every time the error or the right result, and a right result afterwards. */
+TEST(LimitsTest, CancelledAtAnyMoment) {
+    const Stylesheet sheet = compiled(SOME_WORK);
+    const std::string source = "<a>" + repeated("<i/>", 20) + "</a>";
+    const std::string expected = Transformation(sheet).toString(Input::text(source));
+    std::minstd_rand random(1);
+    const int times = isUnderAMemoryChecker() ? 20 : 1000;
+    const auto begin = Clock::now();
+    Transformation(sheet).toString(Input::text(source));
+    const auto most = static_cast<unsigned>(millisecondsSince(begin) * 1000) + 2;
+    int cancelled = 0;
+    for (int i = 0; i < times; ++i) {
+        CancelSource cancel;
+        Options options;
+        options.cancel = cancel.token();
+        std::thread other([&cancel, wait = std::chrono::microseconds(random() % most)] {
+            const auto end = Clock::now() + wait;
+            while (Clock::now() < end) {
+            }
+            cancel.cancel();
+        });
+        Transformation run(sheet, options);
+        try {
+            EXPECT_EQ(run.toString(Input::text(source)), expected);
+        } catch (const Error& error) {
+            EXPECT_EQ(error.kind(), ErrorKind::Cancelled) << error.what();
+            ++cancelled;
+        }
+        other.join();
+        expectFailure([&] { run.toString(Input::text(source)); }, ErrorKind::Cancelled, "");
+    }
+    EXPECT_GT(cancelled, 0);
+    EXPECT_EQ(Transformation(sheet).toString(Input::text(source)), expected);
+}
+
+TEST(LimitsTest, EachOfEightThreadsHasItsOwn) {
+    const Stylesheet sheet = compiled(SOME_WORK);
+    const Document source = parsed("<a>" + repeated("<i/>", 100) + "</a>");
+    const std::string expected = Transformation(sheet).toString(source);
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < 8; ++number) {
+        threads.emplace_back([&, number] {
+            Options options;
+            // Every second thread has too little.
+            options.limits.output = number % 2 == 0 ? 100 * (number + 1) : 10 * MIB;
+            Transformation run(sheet, options);
+            for (int i = 0; i < (isUnderAMemoryChecker() ? 2 : 20); ++i) {
+                std::string result;
+                try {
+                    result = run.toString(source);
+                } catch (const Error& error) {
+                    result = error.text();
+                }
+                wrong += result != (number % 2 == 0 ? "the output limit of " +
+                                                          std::to_string(options.limits.output) +
+                                                          " bytes was reached"
+                                                    : expected);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+/** The engine flushes the beginning of the result when it is destroyed. */
+TEST(LimitsTest, WhatWasNotWrittenYetIsDropped) {
+    Options options;
+    options.limits.depth = 100;
+    Transformation run(compiled("<xsl:output method='text'/><xsl:template match='/'>begin"
+                                "<xsl:apply-templates select='.'/></xsl:template>"),
+                       options);
+    std::ostringstream stream;
+    expectFailure([&] { run.to(parsed("<a/>"), Output::stream(stream)); }, ErrorKind::Limit,
+                  "depth");
+    EXPECT_EQ(stream.str(), "");
+}
+
+TEST(LimitsTest, AnObjectIsUsedAgainAfterALimit) {
+    const Document small = parsed("<a><i/></a>");
+    const Document large = parsed(manyItems());
+    Options options;
+    options.limits.output = 1000;
+    Transformation run(compiled(SOME_WORK), options);
+    const std::string expected = run.toString(small);
+    for (int i = 0; i < 3; ++i) {
+        expectFailure([&] { run.toString(large); }, ErrorKind::Limit, "output");
+        EXPECT_EQ(run.toString(small), expected);
+        expectFailure([&] { run.toDocument(large); }, ErrorKind::Limit, "output");
+        EXPECT_EQ(run.toDocument(small).xml(), parsed(expected).xml());
+    }
+}
