@@ -24,7 +24,7 @@ public:
 
     void startElement(const XMLCh* const uri, const XMLCh* const localName, const XMLCh* const name,
                       const xalanc::AttributesType& attributes) override {
-        m_operation.enter();
+        m_operation.checkDepth(++m_depth);
         addText();
         XalanSourceTreeContentHandler::startElement(uri, localName, name, attributes);
     }
@@ -32,7 +32,7 @@ public:
                     const XMLCh* const name) override {
         addText();
         XalanSourceTreeContentHandler::endElement(uri, localName, name);
-        m_operation.leave();
+        --m_depth;
     }
     void characters(const XMLCh* const text, const size_type length) override {
         m_operation.poll();
@@ -66,6 +66,7 @@ private:
     }
 
     Operation& m_operation;
+    std::size_t m_depth = 0;
     std::u16string m_text;
 };
 

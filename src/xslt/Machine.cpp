@@ -39,17 +39,18 @@ public:
         m_parameters.clear();
         StylesheetExecutionContextDefault::reset();
         m_madeUpPrefixes = 0;
+        m_depth = 0;
     }
 
     void pushInvoker(const xalanc::ElemTemplateElement* invoker) override {
         m_invoker = invoker;
         operation().poll();
-        operation().enter();
+        operation().checkDepth(++m_depth);
         m_invoker = nullptr;
         StylesheetExecutionContextDefault::pushInvoker(invoker);
     }
     void popInvoker() override {
-        operation().leave();
+        --m_depth;
         StylesheetExecutionContextDefault::popInvoker();
     }
     void pushContextMarker() override {
@@ -135,6 +136,8 @@ private:
     const RunSettings& m_settings;
     Collation m_collation{*this};
     ParamVectorType m_parameters;
+    /** Of templates that invoke one another. */
+    std::size_t m_depth = 0;
     /** The instruction that is about to invoke a template. */
     const xalanc::ElemTemplateElement* m_invoker = nullptr;
     mutable unsigned m_madeUpPrefixes = 0;

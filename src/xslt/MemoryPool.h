@@ -77,14 +77,15 @@ private:
     void* allocateFromReserve(std::size_t size);
     std::byte* carve(std::size_t size);
 
+    /** An exception in a clean-up would end the process. */
     void take(std::size_t size) {
-        if (m_operation) {
+        if (m_operation && !m_isCleaningUp) {
             m_operation->takeMemory(size);
             m_counted += size;
         }
     }
     void giveBack(std::size_t size) {
-        if (m_operation) {
+        if (m_operation && !m_isCleaningUp) {
             m_operation->returnMemory(size);
             m_counted -= size;
         }

@@ -36,6 +36,8 @@ public:
         }
         --m_depth;
     }
+    /** How many elements are open. */
+    std::size_t depth() const { return m_depth; }
     /** @param prefix with a colon in front; empty for none */
     bool contain(std::u16string_view prefix) const {
         const auto declaration =
@@ -105,15 +107,14 @@ public:
     void startDocument() override { m_handler.startDocument(); }
     void endDocument() override { m_handler.endDocument(); }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
-        m_operation.enter();
         m_prefixes.startElement(attributes);
+        m_operation.checkDepth(m_prefixes.depth());
         refuseWrongAttribute(name, attributes);
         m_handler.startElement(name, attributes);
     }
     void endElement(const XMLCh* const name) override {
         m_handler.endElement(name);
         m_prefixes.endElement();
-        m_operation.leave();
     }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
         m_handler.characters(text, length);

@@ -61,13 +61,12 @@ public:
         }
     }
 
-    /** Begins and ends a level of templates or elements. @throws vexa::Error: Limit */
-    void enter() {
-        if (++m_depth > m_mostDepth) {
+    /** @param depth of templates, or of elements while parsing. @throws vexa::Error: Limit */
+    void checkDepth(std::size_t depth) {
+        if (depth > m_mostDepth) {
             stopAtLimit("depth", m_options.limits.depth, "");
         }
     }
-    void leave() { --m_depth; }
 
     /** Counts bytes of the result. @throws vexa::Error: Limit */
     void takeOutput(std::size_t bytes) {
@@ -176,7 +175,6 @@ private:
     const Clock::time_point m_end;
     std::ptrdiff_t m_memory = 0;
     std::size_t m_output = 0;
-    std::size_t m_depth = 0;
     unsigned m_polls = 0;
     bool m_isOverMemory = false;
     bool m_needsPolls;

@@ -244,6 +244,21 @@ TEST(LimitsTest, DepthCountsTemplatesThatCallOneAnother) {
     EXPECT_LE(deepest, 50U);
 }
 
+TEST(LimitsTest, DepthCountsEachDocumentAlone) {
+    Options options;
+    options.limits.depth = 6;
+    options.resolver = [](const std::string&, const std::string&) {
+        return Input::text("<a><a><a><a>not well-formed");
+    };
+    std::string documents;
+    for (int i = 0; i < 5; ++i) {
+        documents += "<xsl:copy-of select=\"document('mem:/" + std::to_string(i) + "')\"/>";
+    }
+    Transformation run(compiledRootTemplate("<r>" + documents + "</r>"), options);
+    EXPECT_EQ(run.toString(parsed("<a><b/></a>")), "<r/>");
+    EXPECT_EQ(run.toString(Input::text("<a><a><a><a><a><a/></a></a></a></a></a>")), "<r/>");
+}
+
 TEST(LimitsTest, OutputCountsTheBytesOfTheResult) {
     Options options;
     options.limits.output = 10;
