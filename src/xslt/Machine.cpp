@@ -1,6 +1,7 @@
 #include "xslt/Machine.h"
 
 #include "xslt/CallData.h"
+#include "xslt/ConstructionContext.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/Text.h"
 
@@ -12,6 +13,8 @@
 
 #include <xalanc/Include/XalanMemoryManagement.hpp>
 #include <xalanc/XPath/Function.hpp>
+#include <xalanc/XPath/XPath.hpp>
+#include <xalanc/XPath/XPathProcessorImpl.hpp>
 #include <xalanc/XPath/XalanQNameByValue.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
 #include <xalanc/XSLT/TopLevelArg.hpp>
@@ -60,6 +63,20 @@ public:
     xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
         operation().poll();
         return StylesheetExecutionContextDefault::borrowMutableNodeRefList();
+    }
+
+    /** For xsl:number. The engine's own prints errors, and is asked for "&name" at attributes. */
+    const xalanc::XPath* createMatchPattern(const XalanDOMString& pattern,
+                                            const xalanc::PrefixResolver& resolver) override {
+        XalanDOMString corrected(pattern, getMemoryManager());
+        if (!corrected.empty() && corrected[0] == u'&') {
+            corrected[0] = u'@';
+        }
+        xalanc::XPathProcessorImpl processor(getMemoryManager());
+        ConstructionContext construction(getMemoryManager());
+        xalanc::XPath* const compiled = m_machine.m_xpaths.create();
+        processor.initMatchPattern(*compiled, construction, corrected, resolver);
+        return compiled;
     }
 
     using StylesheetExecutionContextDefault::addResultAttribute;

@@ -144,6 +144,20 @@ TEST(NothingIsPrintedHereTest, WhereAStylesheetComposesAnExpression) {
     EXPECT_EQ(result, "0");
 }
 
+/** The engine composes a pattern from the name of the node, and a wrong one for attributes. */
+TEST(NothingIsPrintedHereTest, WhereAnAttributeIsNumbered) {
+    const auto number = [](const std::string& nodes) {
+        return transformed("<xsl:for-each select='" + nodes + "'><xsl:number/></xsl:for-each>",
+                           "<a x='1' y='2' n:z='3' xmlns:n='urn:n'/>");
+    };
+    CapturedDescriptor errors(STDERR_FILENO);
+    EXPECT_EQ(number("/a/@*"), "111");
+    const auto error = failureOf([&] { number("/a/namespace::n"); });
+    EXPECT_EQ(errors.finish(), "");
+    EXPECT_EQ(error.kind(), vexa::ErrorKind::Transform);
+    EXPECT_NE(error.text().find("'xmlns'"), std::string::npos) << error.what();
+}
+
 /** Without a handler they are with the error all the same. */
 TEST(NothingIsPrintedHereTest, MessagesAndWarningsAreWithTheErrorThatEndsTheOperation) {
     std::vector<std::string> heard;
