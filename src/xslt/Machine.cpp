@@ -1,7 +1,6 @@
 #include "xslt/Machine.h"
 
 #include "xslt/CallData.h"
-#include "xslt/ConstructionContext.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/Text.h"
 
@@ -73,9 +72,8 @@ public:
             corrected[0] = u'@';
         }
         xalanc::XPathProcessorImpl processor(getMemoryManager());
-        ConstructionContext construction(getMemoryManager());
         xalanc::XPath* const compiled = m_machine.m_xpaths.create();
-        processor.initMatchPattern(*compiled, construction, corrected, resolver);
+        processor.initMatchPattern(*compiled, m_machine.m_construction, corrected, resolver);
         return compiled;
     }
 
@@ -199,7 +197,7 @@ private:
 Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettings& settings,
                  DocumentParser& parser)
     : m_stylesheet(stylesheet), m_liaison(m_trees, m_memory), m_environment(m_memory, parser),
-      m_values(m_environment), m_objects(m_memory), m_xpaths(m_memory),
+      m_values(m_environment), m_objects(m_memory), m_construction(m_memory), m_xpaths(m_memory),
       m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
     m_environment.setProcessor(&m_processor);
     m_context = std::make_unique<Context>(*this, settings);

@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include "xslt/ConstructionContext.h"
 #include "xslt/DocumentParser.h"
 #include "xslt/Environment.h"
 #include "xslt/MemoryPool.h"
@@ -64,6 +65,8 @@ private:
     Environment m_environment;
     ValueExchange m_values;
     xalanc::XObjectFactoryDefault m_objects;
+    /** Has the names in the patterns that the factory holds. */
+    ConstructionContext m_construction;
     xalanc::XPathFactoryDefault m_xpaths;
     xalanc::XSLTEngineImpl m_processor;
     IcuNumberFormat m_numberFormat;

@@ -151,7 +151,8 @@ namespace vexa {
 class XPath::Data {
 public:
     explicit Data(const Namespaces& namespaces)
-        : m_prefixes(namespaces, m_memory), m_factory(m_memory), m_expression(m_factory.create()) {}
+        : m_prefixes(namespaces, m_memory), m_construction(m_memory), m_factory(m_memory),
+          m_expression(m_factory.create()) {}
 
     void compile(const std::string& expression, Operation& operation) {
         refuseNul(expression);
@@ -164,9 +165,8 @@ public:
         const XalanDOMString text = toEngineText(expression, m_memory);
         rejectTooDeepExpression({text.c_str(), text.length()});
         xalanc::XPathProcessorImpl processor(m_memory);
-        ConstructionContext context(m_memory);
         const MemoryPool::CleanUp cleanUp(m_memory);
-        processor.initXPath(*m_expression, context, text, m_prefixes);
+        processor.initXPath(*m_expression, m_construction, text, m_prefixes);
         m_memory.seal();
     }
 
@@ -217,6 +217,8 @@ private:
     EngineUse m_engines = useEngines();
     MemoryPool m_memory;
     HostPrefixes m_prefixes;
+    /** Has the names in the expression. */
+    ConstructionContext m_construction;
     xalanc::XPathFactoryDefault m_factory;
     /** Belongs to the factory. */
     xalanc::XPath* m_expression;
