@@ -441,13 +441,24 @@ TEST(LimitsTest, CancelledAtAnyMoment) {
         CancelSource cancel;
         Options options;
         options.cancel = cancel.token();
-        std::thread other([&cancel, wait = std::chrono::microseconds(random() % most)] {
+        std::atomic<bool> isReady{false};
+        std::atomic<bool> hasBegun{false};
+        std::thread other([&, wait = std::chrono::microseconds(random() % most)] {
+            isReady = true;
+            while (!hasBegun) {
+                std::this_thread::yield(); // a memory checker runs one thread at a time
+            }
             const auto end = Clock::now() + wait;
             while (Clock::now() < end) {
+                std::this_thread::yield();
             }
             cancel.cancel();
         });
         Transformation run(sheet, options);
+        while (!isReady) {
+            std::this_thread::yield();
+        }
+        hasBegun = true;
         try {
             EXPECT_EQ(run.toString(Input::text(source)), expected);
         } catch (const Error& error) {
