@@ -446,7 +446,7 @@ TEST(LimitsTest, CancelledAtAnyMoment) {
         std::thread other([&, wait = std::chrono::microseconds(random() % most)] {
             isReady = true;
             while (!hasBegun) {
-                std::this_thread::yield(); // a memory checker runs one thread at a time
+                std::this_thread::yield();
             }
             const auto end = Clock::now() + wait;
             while (Clock::now() < end) {
@@ -468,7 +468,9 @@ TEST(LimitsTest, CancelledAtAnyMoment) {
         other.join();
         expectFailure([&] { run.toString(Input::text(source)); }, ErrorKind::Cancelled, "");
     }
-    EXPECT_GT(cancelled, 0);
+    if (!isUnderAMemoryChecker()) { // which runs one thread at a time
+        EXPECT_GT(cancelled, 0);
+    }
     EXPECT_EQ(Transformation(sheet).toString(Input::text(source)), expected);
 }
 
