@@ -104,10 +104,9 @@ public:
     XalanDOMString& getURLStringFromString(const XalanDOMString& url, const XalanDOMString& base,
                                            XalanDOMString& result) override {
         const std::string asked = toUtf8(base);
-        const auto real = m_data.m_realUris.find(asked);
-        const bool isReal = real == m_data.m_realUris.end();
-        result = toEngineText(resolveUri(toUtf8(url), isReal ? asked : real->second),
-                              getMemoryManager());
+        const auto known = m_data.m_realUris.find(asked);
+        const std::string& real = known == m_data.m_realUris.end() ? asked : known->second;
+        result = toEngineText(resolveUri(toUtf8(url), real), getMemoryManager());
         return result;
     }
 
