@@ -1,5 +1,6 @@
 #include "xslt/DocumentParser.h"
 #include "xslt/ModuleParser.h"
+#include "xslt/NumberElement.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/StylesheetData.h"
 #include "xslt/Text.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <xalanc/PlatformSupport/XalanLocator.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
 #include <xalanc/XSLT/ProblemListener.hpp>
@@ -150,6 +152,13 @@ public:
     xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
                                                const xalanc::AttributeListType& attributes,
                                                const xercesc::Locator* locator) override {
+        if (token == ELEMNAME_NUMBER && !attributes.getValue(u"count") &&
+            !attributes.getValue(u"value")) {
+            return new (m_data.m_memory.allocate(sizeof(NumberElement))) NumberElement(
+                *this, stylesheet, attributes, xalanc::XalanLocator::getLineNumber(locator),
+                xalanc::XalanLocator::getColumnNumber(locator),
+                stylesheet.getStylesheetRoot().getNextElemNumberID());
+        }
         xalanc::ElemTemplateElement* const element =
             StylesheetConstructionContextDefault::createElement(token, stylesheet, attributes,
                                                                 locator);

@@ -1,0 +1,130 @@
+/**
+ * @file
+ * Functions of the engine that crash, and that no virtual function reaches, defined again. The
+ * dynamic linker prefers them to the engine's where this library comes before the engine in the
+ * program's list of libraries: it does unless the program itself names the engine first. Results
+ * are the engine's wherever that has one. Other versions of the engine may differ: they keep their
+ * own.
+ */
+#include <xalanc/Include/XalanVersion.hpp>
+
+#if XALAN_VERSION_MAJOR == 1 && XALAN_VERSION_MINOR == 12
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
+
+#include <xalanc/PlatformSupport/DOMStringHelper.hpp>
+#include <xalanc/XPath/XPath.hpp>
+#include <xalanc/XSLT/ElemNumber.hpp>
+#include <xalanc/XSLT/StylesheetExecutionContext.hpp>
+#include <xalanc/XalanDOM/XalanNode.hpp>
+
+#define STAND_IN __attribute__((visibility("default")))
+
+namespace {
+
+/** A number as the engine writes it. The engine has room for 100 characters only. */
+class NumberCharacters {
+public:
+    explicit NumberCharacters(double number) {
+        if (std::isnan(number)) {
+            assign("NaN");
+        } else if (std::isinf(number)) {
+            assign(number > 0 ? "Infinity" : "-Infinity");
+        } else if (number == 0) {
+            assign("0"); // minus zero too
+        } else if (number == std::trunc(number) && std::fabs(number) < 1e18) {
+            char text[20];
+            const auto end =
+                std::to_chars(text, std::end(text), static_cast<std::int64_t>(number)).ptr;
+            assign(std::string_view(text, static_cast<std::size_t>(end - text)));
+        } else {
+            assign(number);
+        }
+    }
+    const char16_t* characters() const { return m_characters; }
+    std::size_t length() const { return m_length; }
+
+private:
+    /** 309 digits before the point, 35 behind it, and a sign. */
+    static constexpr std::size_t MOST = 350;
+
+    void assign(std::string_view text) {
+        std::copy(text.begin(), text.end(), m_characters);
+        m_length = text.size();
+    }
+
+    /** With the fewest digits from 10 to 35 behind the point that give the number back. */
+    void assign(double number) {
+        char text[MOST];
+        char* end = text;
+        double back = 0;
+        for (int digits = 10; digits <= 35 && back != number; ++digits) {
+            end = std::to_chars(text, text + MOST, number, std::chars_format::fixed, digits).ptr;
+            std::from_chars(text, end, back);
+        }
+        while (end[-1] == '0') {
+            --end;
+        }
+        if (end[-1] == '.') {
+            --end;
+        }
+        assign(std::string_view(text, static_cast<std::size_t>(end - text)));
+    }
+
+    char16_t m_characters[MOST];
+    std::size_t m_length = 0;
+};
+
+} // namespace
+
+namespace XALAN_CPP_NAMESPACE {
+
+STAND_IN XalanDOMString& NumberToDOMString(double number, XalanDOMString& result) {
+    const NumberCharacters text(number);
+    return result.append(text.characters(), text.length());
+}
+
+STAND_IN void DOMStringHelper::NumberToCharacters(double number, FormatterListener& listener,
+                                                  MemberFunctionPtr function) {
+    const NumberCharacters text(number);
+    (listener.*function)(text.characters(), text.length());
+}
+
+/** The engine's goes on with the parent of a node that has none: of a root, or an attribute. */
+STAND_IN XalanNode* ElemNumber::getPreviousNode(StylesheetExecutionContext& context,
+                                                XalanNode* node) const {
+    const StylesheetExecutionContext::XPathGuard madeUp(
+        context, m_countMatchPattern ? nullptr : getCountMatchPattern(context, node));
+    const auto matches = [&](const XPath& pattern, XalanNode& tested) {
+        return pattern.getMatchScore(&tested, *this, context) != XPath::eMatchScoreNone;
+    };
+    const XPath* const count = m_countMatchPattern ? m_countMatchPattern : madeUp.get();
+    do {
+        XalanNode* next = node->getPreviousSibling();
+        if (m_level == eAny) {
+            if (next) {
+                while (XalanNode* const child = next->getLastChild()) {
+                    next = child;
+                }
+            } else {
+                next = node->getParentNode();
+                if (next && (next->getNodeType() == XalanNode::DOCUMENT_NODE ||
+                             (m_fromMatchPattern && matches(*m_fromMatchPattern, *next)))) {
+                    return nullptr;
+                }
+            }
+        }
+        node = next;
+    } while (node && count && !matches(*count, *node));
+    return node;
+}
+
+} // namespace XALAN_CPP_NAMESPACE
+
+#endif
