@@ -1,7 +1,9 @@
 #include "xslt/Machine.h"
 
+#include "xslt/BorrowedLists.h"
 #include "xslt/CallData.h"
 #include "xslt/OperationProblems.h"
+#include "xslt/StripAnswers.h"
 #include "xslt/Text.h"
 
 #include "engine/IcuCollation.h"
@@ -42,6 +44,10 @@ public:
         StylesheetExecutionContextDefault::reset();
         m_madeUpPrefixes = 0;
         m_depth = 0;
+        m_lists.clear();
+        if (m_machine.m_stylesheet.root().hasPreserveOrStripSpaceElements()) {
+            m_stripAnswers.clear();
+        }
     }
 
     void pushInvoker(const xalanc::ElemTemplateElement* invoker) override {
@@ -61,7 +67,18 @@ public:
     }
     xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
         operation().poll();
-        return StylesheetExecutionContextDefault::borrowMutableNodeRefList();
+        xalanc::MutableNodeRefList* const list =
+            StylesheetExecutionContextDefault::borrowMutableNodeRefList();
+        m_lists.add(list);
+        return list;
+    }
+    bool returnMutableNodeRefList(xalanc::MutableNodeRefList* list) override {
+        m_lists.remove(list);
+        return StylesheetExecutionContextDefault::returnMutableNodeRefList(list);
+    }
+
+    bool shouldStripSourceNode(const xalanc::XalanText& text) override {
+        return m_stripAnswers.isStripped(text, m_machine.m_stylesheet.root());
     }
 
     /** For xsl:number. The engine's own prints errors, and is asked for "&name" at attributes. */
@@ -151,6 +168,8 @@ private:
     const RunSettings& m_settings;
     Collation m_collation{*this};
     ParamVectorType m_parameters;
+    BorrowedLists m_lists;
+    StripAnswers m_stripAnswers;
     /** Of templates that invoke one another. */
     std::size_t m_depth = 0;
     /** The instruction that is about to invoke a template. */

@@ -1,5 +1,6 @@
 #include <vexa/xslt/XPath.h>
 
+#include "xslt/BorrowedLists.h"
 #include "xslt/ConstructionContext.h"
 #include "xslt/EngineUse.h"
 #include "xslt/Environment.h"
@@ -75,7 +76,14 @@ public:
 
     xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
         m_environment.operation().poll();
-        return XPathExecutionContextDefault::borrowMutableNodeRefList();
+        xalanc::MutableNodeRefList* const list =
+            XPathExecutionContextDefault::borrowMutableNodeRefList();
+        m_lists.add(list);
+        return list;
+    }
+    bool returnMutableNodeRefList(xalanc::MutableNodeRefList* list) override {
+        m_lists.remove(list);
+        return XPathExecutionContextDefault::returnMutableNodeRefList(list);
     }
 
     void problem(eSource source, eClassification classification, const XalanDOMString& text,
@@ -95,6 +103,7 @@ private:
     Environment& m_environment;
     ValueExchange& m_values;
     const vexa::Variables& m_variables;
+    BorrowedLists m_lists;
 };
 
 bool isNameCharacter(char c) {

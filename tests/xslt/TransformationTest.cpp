@@ -148,6 +148,38 @@ TEST(TransformationTest, OutputSettingsAreThoseOfTheStylesheet) {
               "<");
 }
 
+/** By the names of elements: of several documents, with and without namespaces, and in fragments.
+ */
+TEST(TransformationTest, WhiteSpaceIsStrippedByTheNameOfItsElement) {
+    Options options;
+    options.resolver = [](const std::string&, const std::string&) {
+        return Input::text("<d xmlns='urn:n'><strip> </strip><keep> </keep></d>", "mem:/other");
+    };
+    const auto counts = [](const std::string& nodes) {
+        return "<xsl:for-each select=\"" + nodes +
+               "\"><xsl:value-of select='name()'/><xsl:value-of select='count(text())'/>;"
+               "</xsl:for-each>";
+    };
+    Transformation run(
+        compiled("<xsl:strip-space xmlns:n='urn:n' elements='strip n:keep'/>"
+                 "<xsl:preserve-space xmlns:n='urn:n' elements='keep n:strip'/>"
+                 "<xsl:output method='text'/><xsl:template match='/'>"
+                 "<xsl:variable name='v'><strip><xsl:text> </xsl:text></strip></xsl:variable>" +
+                 counts("*/*") + "|" + counts("document('other')/*/*") + "|" +
+                 "<xsl:for-each xmlns:xalan='http://xml.apache.org/xalan' "
+                 "select='xalan:nodeset($v)'>" +
+                 counts("*") + "</xsl:for-each></xsl:template>"),
+        options);
+    const std::string others = "|strip1;keep0;|strip0;";
+    EXPECT_EQ(run.toString(Input::text("<a xmlns:n='urn:n'><strip> </strip><keep> </keep>"
+                                       "<n:strip> </n:strip><n:keep> </n:keep></a>")),
+              "strip0;keep1;n:strip1;n:keep0;" + others);
+    // The same names stand for others in the next source.
+    EXPECT_EQ(run.toString(Input::text("<a xmlns:n='urn:other'><strip xmlns='urn:n'> </strip>"
+                                       "<n:keep> </n:keep><strip> </strip><strip>x</strip></a>")),
+              "strip1;n:keep1;strip0;strip1;" + others);
+}
+
 TEST(TransformationTest, ItMayBeMoved) {
     Transformation run(compiledRootTemplate("<xsl:value-of select='f:f()' xmlns:f='urn:f'/>"));
     run.function("urn:f", "f", [](const Call&) { return "f"; });
