@@ -22,7 +22,7 @@ public:
         if (m_lists.size() > 1) {
             makeRoom(*(m_lists.end() - 2));
         }
-        m_lists.push_back({list, SMALL});
+        m_lists.emplace_back(list);
     }
 
     void remove(const xalanc::MutableNodeRefList* list) {
@@ -40,8 +40,10 @@ private:
     static constexpr std::size_t SMALL = 64;
 
     struct Borrowed {
+        explicit Borrowed(xalanc::MutableNodeRefList* borrowed) : list(borrowed) {}
+
         xalanc::MutableNodeRefList* list;
-        std::size_t room;
+        std::size_t room = SMALL;
     };
 
     static void makeRoom(Borrowed& borrowed) {

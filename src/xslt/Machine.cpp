@@ -77,6 +77,21 @@ public:
         return StylesheetExecutionContextDefault::returnMutableNodeRefList(list);
     }
 
+    void beginCreateXResultTreeFrag(xalanc::XalanNode* source) override {
+        xalanc::FormatterToSourceTree& writer = m_machine.m_fragments.begin(
+            *getSourceTreeFactory(getMemoryManager()), &m_machine.m_processor);
+        pushOutputContext(&writer);
+        writer.startDocument();
+        pushCurrentNode(source);
+    }
+    const XObjectPtr endCreateXResultTreeFrag() override {
+        getFormatterListener()->endDocument();
+        const XObjectPtr value(m_machine.m_fragments.end());
+        popCurrentNode();
+        popOutputContext();
+        return value;
+    }
+
     bool shouldStripSourceNode(const xalanc::XalanText& text) override {
         return m_stripAnswers.isStripped(text, m_machine.m_stylesheet.root());
     }
@@ -216,7 +231,8 @@ private:
 Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettings& settings,
                  DocumentParser& parser)
     : m_stylesheet(stylesheet), m_liaison(m_trees, m_memory), m_environment(m_memory, parser),
-      m_values(m_environment), m_objects(m_memory), m_construction(m_memory), m_xpaths(m_memory),
+      m_values(m_environment), m_fragments(m_memory, m_values), m_objects(m_memory),
+      m_construction(m_memory), m_xpaths(m_memory),
       m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
     m_environment.setProcessor(&m_processor);
     m_context = std::make_unique<Context>(*this, settings);

@@ -9,6 +9,7 @@
 #include "xslt/Environment.h"
 #include "xslt/MemoryPool.h"
 #include "xslt/OperationProblems.h"
+#include "xslt/ResultFragments.h"
 #include "xslt/StylesheetData.h"
 #include "xslt/ValueExchange.h"
 
@@ -64,6 +65,8 @@ private:
     xalanc::XalanSourceTreeParserLiaison m_liaison;
     Environment m_environment;
     ValueExchange m_values;
+    /** Outlives the values, which are fragments too. */
+    ResultFragments m_fragments;
     xalanc::XObjectFactoryDefault m_objects;
     /** Has the names in the patterns that the factory holds. */
     ConstructionContext m_construction;

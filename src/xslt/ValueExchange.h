@@ -24,6 +24,8 @@ public:
 
     /** Forgets the copies of the last run. */
     void reset() { m_copies.clear(); }
+    /** Another fragment may be where this one was. */
+    void forget(const xalanc::XalanNode& fragment) { m_copies.erase(&fragment); }
 
     xalanc::XObjectPtr toEngine(const vexa::Value& value, xalanc::XPathExecutionContext& context);
     vexa::Value toHost(const xalanc::XObject& object, xalanc::XPathExecutionContext& context);

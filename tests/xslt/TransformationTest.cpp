@@ -180,6 +180,27 @@ TEST(TransformationTest, WhiteSpaceIsStrippedByTheNameOfItsElement) {
               "strip1;n:keep1;strip0;strip1;" + others);
 }
 
+/** One fragment may be where another one was. */
+TEST(TransformationTest, KeysOfAFragmentAreItsOwn) {
+    Transformation run(
+        compiled("<xsl:output method='text'/><xsl:key name='k' match='x' use='@n'/>"
+                 "<xsl:template match='/'><xsl:for-each select='//i'>"
+                 "<xsl:variable name='n' select='string(.)'/>"
+                 "<xsl:variable name='v'><x n='{.}'/></xsl:variable>"
+                 "<xsl:for-each xmlns:xalan='http://xml.apache.org/xalan' "
+                 "select='xalan:nodeset($v)'><xsl:value-of select=\"key('k', $n)/@n\"/>,"
+                 "</xsl:for-each></xsl:for-each></xsl:template>"));
+    std::string source = "<a>";
+    std::string expected;
+    for (int i = 0; i < 100; ++i) {
+        source += "<i>" + std::to_string(i) + "</i>";
+        expected += std::to_string(i) + ",";
+    }
+    source += "</a>";
+    EXPECT_EQ(run.toString(Input::text(source)), expected);
+    EXPECT_EQ(run.toString(Input::text(source)), expected);
+}
+
 TEST(TransformationTest, ItMayBeMoved) {
     Transformation run(compiledRootTemplate("<xsl:value-of select='f:f()' xmlns:f='urn:f'/>"));
     run.function("urn:f", "f", [](const Call&) { return "f"; });
@@ -257,6 +278,18 @@ TEST(FunctionTest, AResultTreeFragmentIsANodeSetOfItsRoot) {
         return XPath::compile("string(b/@y)").evaluate(nodes[0]);
     });
     EXPECT_EQ(run.toString(Input::text("<a/>")), "1");
+}
+
+/** One fragment may be where another one was. */
+TEST(FunctionTest, EachResultTreeFragmentIsAnother) {
+    Transformation run(
+        compiled("<xsl:output method='text'/><xsl:template match='/'>"
+                 "<xsl:for-each select='//i'>"
+                 "<xsl:variable name='v'><x><xsl:value-of select='.'/></x></xsl:variable>"
+                 "<xsl:value-of select='f:f($v)' xmlns:f='urn:f'/>,"
+                 "</xsl:for-each></xsl:template>"));
+    run.function("urn:f", "f", [](const Call& call) { return call.argument(0); });
+    EXPECT_EQ(run.toString(Input::text("<a><i>1</i><i>2</i><i>3</i><i>4</i></a>")), "1,2,3,4,");
 }
 
 TEST(FunctionTest, ResultsHaveTheirTypes) {
