@@ -4,6 +4,7 @@
  */
 #include "XsltTest.h"
 
+#include "support/HostileWork.h"
 #include "support/MemoryChecker.h"
 #include "support/TestDocuments.h"
 
@@ -33,117 +34,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t MIB = std::size_t{1} << 20;
 
-std::string repeated(const std::string& text, int times) {
-    std::string all;
-    for (int i = 0; i < times; ++i) {
-        all += text;
-    }
-    return all;
-}
-
-/** Entities that stand for ten of the one before, and a reference to the last of them. */
-std::string entityBomb(const std::string& before, const std::string& after) {
-    std::string entities = "<!ENTITY e0 'lol'>";
-    for (int i = 1; i <= 9; ++i) {
-        entities += "<!ENTITY e" + std::to_string(i) + " '" +
-                    repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
-    }
-    return "<!DOCTYPE a [" + entities + "]>" + before + "&e9;" + after;
-}
-
-std::string manyItems() {
-    return "<a>" + repeated("<i/>", 1000) + "</a>";
-}
-
-/** Loops over the items, one inside the other. */
-std::string loops(const std::string& content) {
-    std::string nested = content;
-    for (int i = 0; i < 6; ++i) {
-        nested = "<xsl:for-each select='//i'>" + nested + "</xsl:for-each>";
-    }
-    return nested;
-}
-
-/** Work that does not end by itself. */
-struct Endless {
-    const char* name;
-    void (*run)(const Options&);
-};
-
-void transform(const std::string& rootTemplate, const std::string& source, const Options& options) {
-    Transformation(compiledRootTemplate(rootTemplate), options).toString(Input::text(source));
-}
-
-const Endless ALL_ENDLESS[] = {
-    {"EntitiesInText",
-     [](const Options& options) {
-         Document::parse(Input::text(entityBomb("<a>", "</a>")), options);
-     }},
-    {"EntitiesInAnAttribute",
-     [](const Options& options) {
-         Document::parse(Input::text(entityBomb("<a b='", "'/>")), options);
-     }},
-    {"EntitiesInAStylesheet",
-     [](const Options& options) {
-         Stylesheet::compile(Input::text(entityBomb("<a>", "</a>")), options);
-     }},
-    {"EntitiesInAnAttributeOfAStylesheet",
-     [](const Options& options) {
-         Stylesheet::compile(Input::text(entityBomb("<a b='", "'/>")), options);
-     }},
-    {"EntitiesInADocument",
-     [](const Options& given) {
-         Options options = given;
-         options.resolver = [](const std::string&, const std::string&) {
-             return Input::text(entityBomb("<a>", "</a>"));
-         };
-         transform("<xsl:copy-of select=\"document('mem:/d')\"/>", "<a/>", options);
-     }},
-    {"ACopyOfManyAttributes",
-     [](const Options& options) {
-         std::string attributes;
-         for (int i = 0; i < 30'000; ++i) {
-             attributes += " a" + std::to_string(i) + "=''";
-         }
-         transform("<xsl:copy-of select='.'/>", "<a" + attributes + "/>", options);
-     }},
-    {"LoopsWithAResult",
-     [](const Options& options) { transform(loops("x"), manyItems(), options); }},
-    {"LoopsWithoutAResult",
-     [](const Options& options) { transform(loops(""), manyItems(), options); }},
-    {"LoopsInAVariable",
-     [](const Options& options) {
-         transform("<xsl:variable name='v'>" + loops("<x/>") + "</xsl:variable>", manyItems(),
-                   options);
-     }},
-    {"Sorts",
-     [](const Options& options) {
-         transform(
-             loops("<xsl:for-each select='//i'><xsl:sort select='count(//i)'/></xsl:for-each>"),
-             manyItems(), options);
-     }},
-    {"ADocumentAsResult",
-     [](const Options& options) {
-         Transformation(compiledRootTemplate("<r>" + loops("<x/>") + "</r>"), options)
-             .toDocument(Input::text(manyItems()));
-     }},
-    {"PredicatesInPredicates",
-     [](const Options& options) {
-         XPath::compile("//i[//i[//i[//i[//i[. = 'x'] = 'x'] = 'x'] = 'x'] = 'x']")
-             .evaluate(parsed(manyItems()), options);
-     }},
-    {"AxesAfterAxes",
-     [](const Options& options) {
-         XPath::compile("count(//i/preceding::*/following::*/preceding::*)")
-             .evaluate(parsed(manyItems()), options);
-     }},
-};
-
-class EndlessTest : public ::testing::TestWithParam<Endless> {};
-
-/** Endless, and fills memory. */
-const std::string RECURSION = "\n<xsl:template match='/' name='again'>"
-                              "<xsl:call-template name='again'/></xsl:template>";
+class EndlessTest : public ::testing::TestWithParam<HostileWork> {};
 
 double millisecondsSince(Clock::time_point begin) {
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
@@ -183,14 +74,14 @@ TEST_P(EndlessTest, DoesNotBeginWhereItIsCancelledBefore) {
     EXPECT_EQ(failureOf([&] { GetParam().run(options); }).kind(), ErrorKind::Cancelled);
 }
 
-INSTANTIATE_TEST_SUITE_P(, EndlessTest, ::testing::ValuesIn(ALL_ENDLESS),
+INSTANTIATE_TEST_SUITE_P(, EndlessTest, ::testing::ValuesIn(endlessWork()),
                          [](const auto& some) { return std::string(some.param.name); });
 
 TEST(LimitsTest, TheErrorNamesTheTemplate) {
     Options options;
     options.limits.depth = 100;
     const auto sheet =
-        Stylesheet::compile(Input::text(stylesheet(RECURSION), "mem:/sheet"), options);
+        Stylesheet::compile(Input::text(stylesheet(endlessRecursion()), "mem:/sheet"), options);
     const Error error =
         failureOf([&] { Transformation(sheet, options).toString(Input::text("<a/>")); });
     EXPECT_EQ(error.kind(), ErrorKind::Limit);
@@ -294,58 +185,7 @@ TEST(LimitsTest, OutputCountsTheBytesOfTheResult) {
 
 namespace {
 
-/** Work that needs ever more memory. */
-const Endless FILLING_MEMORY[] = {
-    {"Recursion",
-     [](const Options& options) {
-         Transformation(compiled(RECURSION), options).toString(Input::text("<a/>"));
-     }},
-    {"ATreeInAVariable",
-     [](const Options& options) {
-         transform("<xsl:variable name='v'>" + loops("<x a='1'>text</x>") + "</xsl:variable>",
-                   manyItems(), options);
-     }},
-    {"AString",
-     [](const Options& options) {
-         Transformation(
-             compiled("<xsl:template match='/' name='d'><xsl:param name='s' select=\"'xxxxxxxx'\"/>"
-                      "<xsl:call-template name='d'><xsl:with-param name='s' "
-                      "select='concat($s, $s)'/></xsl:call-template></xsl:template>"),
-             options)
-             .toString(Input::text("<a/>"));
-     }},
-    {"TheResult",
-     [](const Options& options) {
-         transform(loops(std::string(10'000, 'x')), manyItems(), options);
-     }},
-    {"TheResultAsADocument",
-     [](const Options& options) {
-         Transformation(compiledRootTemplate("<r>" + loops("<x a='1'>text</x>") + "</r>"), options)
-             .toDocument(Input::text(manyItems()));
-     }},
-    {"ADocument",
-     [](const Options& options) {
-         Document::parse(Input::text("<a>" + repeated("<i x='1'>text</i>", 20'000) + "</a>"),
-                         options);
-     }},
-    {"ATextOfADocument",
-     [](const Options& options) {
-         Document::parse(Input::text("<a>" + repeated("text &amp; more", 100'000) + "</a>"),
-                         options);
-     }},
-    {"AStylesheet",
-     [](const Options& options) {
-         Stylesheet::compile(
-             Input::text(stylesheet(repeated("<xsl:template match='a/b[c=1]'/>", 5'000))), options);
-     }},
-    {"ANodeSet",
-     [](const Options& options) {
-         Document many = parsed("<a>" + repeated("<i/>", 100'000) + "</a>");
-         XPath::compile("//i | //a").evaluate(many, options);
-     }},
-};
-
-class FillingMemoryTest : public ::testing::TestWithParam<Endless> {};
+class FillingMemoryTest : public ::testing::TestWithParam<HostileWork> {};
 
 long statusKiB(const std::string& name) {
     std::ifstream status("/proc/self/status");
@@ -367,7 +207,7 @@ TEST_P(FillingMemoryTest, EndsAtTheMemoryLimit) {
     EXPECT_EQ(error.text(), "the memory limit of 1048576 bytes was reached");
 }
 
-INSTANTIATE_TEST_SUITE_P(, FillingMemoryTest, ::testing::ValuesIn(FILLING_MEMORY),
+INSTANTIATE_TEST_SUITE_P(, FillingMemoryTest, ::testing::ValuesIn(workThatFillsMemory()),
                          [](const auto& some) { return std::string(some.param.name); });
 
 /** By what the system counts, from the limit on which the operation succeeds. */
