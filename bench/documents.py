@@ -1,6 +1,7 @@
 """The documents for the measurements: written again for each run, and always the same."""
 
 import pathlib
+import re
 import shutil
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -61,6 +62,15 @@ def write_report(folder):
             text = text.replace("http://xml.apache.org/xalan", "http://exslt.org/common")
             text = text.replace("xalan:nodeset", "xalan:node-set")
         (folder / file.name).write_text(text)
+
+
+def book(chapters):
+    """A DocBook book, of the same text again and again."""
+    handbook = (PROJECT / "tests" / "data" / "handbook.xml").read_text()
+    text = handbook[handbook.index("<section"):handbook.rindex("</article>")]
+    parts = [f'<chapter id="c{number}"><title>Book {number}</title>'
+             + re.sub(r'\b(id|linkend)="', rf'\1="c{number}-', text) + "</chapter>" for number in range(chapters)]
+    return '<book lang="en"><title>A large book</title>' + "\n".join(parts) + "</book>\n"
 
 
 def entities(levels):
@@ -126,3 +136,4 @@ def write_documents(folder):
     for title, make in HOSTILE.items():
         (folder / hostile_file(title)).write_text(make())
     shutil.copy(PROJECT / "tests" / "data" / "handbook.xml", folder)
+    (folder / "book.xml").write_text(book(160))

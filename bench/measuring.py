@@ -17,7 +17,7 @@ DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbo
 # counted in its own process: the counts depend on the state of the heap.
 COUNTED = [("facade_cost", f"{who} {kind} large") for who in ("facade", "bare") for kind in ("files", "streams", "memory", "query", "serialise")] + [
     ("facade_cost", "medium"), ("facade_cost", "tiny"), ("chain_cost", ""), ("function_cost", ""),
-    ("lifecycle_cost", ""), ("xslt_cost", "")]
+    ("lifecycle_cost", ""), ("xslt_cost", "files"), ("xslt_cost", "compile"), ("xslt_cost", "parse")]
 
 # Seconds for each work, and the number of repetitions: the shortest time is taken.
 TIMED = {"facade_cost": (0.05, 4), "chain_cost": (0.1, 4), "function_cost": (0.03, 3),
@@ -61,6 +61,39 @@ def read_instructions(folder):
         if name and total:
             counts[name.group(1)] = int(total.group(1))
     return counts
+
+
+# The functions that ask whether an operation has to end, and the files whose lines do it.
+POLLING_FILES = ("xslt/Operation.h", "xslt/Machine.cpp")
+POLLING_FUNCTIONS = ("pushInvoker", "popInvoker", "pushContextMarker", "borrowMutableNodeRefList", "addResultAttribute",
+                     "Collation::operator()")
+
+
+def read_polling_share(folder, name):
+    """The share of a work's instructions that are spent on polling, in percent."""
+    file = next(file for file in folder.iterdir()
+                if f"desc: Trigger: Client Request: {name}\n" in file.read_text(errors="replace"))
+    names, place, function, polling, total, skips = {}, "", "", 0, 0, False
+    for line in file.read_text(errors="replace").splitlines():
+        key = re.match(r"(fl|fi|fe|fn|cfi|cfl|cfn|ob|cob)=\((\d+)\)(?: (.*))?$", line)
+        if key:
+            kind = {"fi": "fl", "fe": "fl", "cfi": "fl", "cfl": "fl", "cfn": "fn", "cob": "ob"}.get(key[1], key[1])
+            value = names.setdefault((kind, key[2]), key[3])
+            if key[1] in ("fl", "fi", "fe"):
+                place = value
+            elif key[1] == "fn":
+                function = value
+        elif line.startswith("calls="):
+            skips = True  # the next line has the cost of the callee
+        elif re.match(r"[+*\-\d]", line) and not skips:
+            cost = int(line.split()[1])
+            total += cost
+            if place.endswith(POLLING_FILES[0]) or (place.endswith(POLLING_FILES[1])
+                                                    and any(one in function for one in POLLING_FUNCTIONS)):
+                polling += cost
+        else:
+            skips = False
+    return 100 * polling / total
 
 
 def count_part(build, program, part):
@@ -200,6 +233,16 @@ def measure_hostile(build):
         for tree, options in (("engine", []), ("parser", ["--xerces-dom"])):
             words = run([*command, *options], cwd=build / "documents").split()
             results.setdefault(title, {})[tree] = {"s": float(words[1]), "mb": float(words[2]) * 1024 / 1e6}
+    return results
+
+
+def measure_limits(build):
+    """What `limits_cost` prints: by what was measured, then by the work."""
+    progress("limits")
+    results = {}
+    for line in run([build / "bin" / "limits_cost"]).splitlines():
+        one = json.loads(line)
+        results.setdefault(one["what"], {})[one["work"]] = one["value"]
     return results
 
 

@@ -79,7 +79,7 @@ CALLS = 1000  # rows of the document in which a stylesheet calls
 
 
 # The most that the second interface may cost, relative to the engine and to libxslt.
-XSLT_TASKS = {"files tiny": ("one row, 83 bytes", 0.75, 1.15), "files ten": ("ten rows with a sort, a key and a number format", 0.9, 0.95),
+XSLT_TASKS = {"files numbers": ("3,000 calls of format-number", 0.6, None), "files tiny": ("one row, 83 bytes", 0.75, 1.15), "files ten": ("ten rows with a sort, a key and a number format", 0.9, 0.95),
               "files medium": ("the same, 20 kB", 0.95, None), "compile": ("compiling that stylesheet", 1.0, None)}
 LEAST_SCALING = 1.9
 MOST_KEPT = 1.0
@@ -102,6 +102,44 @@ def xslt_sections(counts, times):
     kept = times["vexa files ten"]["kept"]
     other.add("bytes that one run keeps", number(kept, 2), target=f"≤ {MOST_KEPT:g}", met=kept <= MOST_KEPT)
     return [cost, other]
+
+
+# The most that limits may cost and let pass: in percent of instructions, in milliseconds, in percent of the limit.
+MOST_POLLING = 0.5
+MOST_LATE = 50
+MOST_OVER = 5
+# The most processor time of large work, relative to the engine or to libxslt.
+GROWTH_TASKS = {"book": ("a DocBook book of 900 kB to HTML", "bare", "engine", 0.4),
+                "nodes": ("counting the nodes of 10 MB: count(/rows/row/node())", "libxslt", "libxslt", 3)}
+# Twice as many references may take a little more than twice as long, and ten times as many than ten times.
+PARSES = (("100,000 &amp; in one text, relative to 50,000", "parse 50-000--amp--in-one-text", "parse 100-000--amp--in-one-text", 2.1),
+          ("entity expansion of 5 levels, relative to 4", "parse entity-expansion--4-levels", "parse entity-expansion--5-levels", 10.5))
+
+
+def limits_sections(counts, times, limits, polling):
+    stop = Section("The second interface: limits and cancellation", "", "", "")
+    stop.add("polling where no limit is set, share of the instructions, 20 kB", f"{polling:.2f} %", "",
+             target=f"≤ {MOST_POLLING:g} %", met=polling <= MOST_POLLING)
+    for what, title, most, unit in (("time", "from the time limit to the error", MOST_LATE, "ms"),
+                                    ("cancel", "from cancel() to the error", MOST_LATE, "ms"),
+                                    ("memory", "memory taken above a limit of 64 MiB", MOST_OVER, "%")):
+        work = max(limits[what], key=limits[what].get)
+        value = limits[what][work]
+        stop.add(f"{title}, the most of {len(limits[what])} works", f"{number(value, 1)} {unit}", work,
+                 target=f"≤ {most} {unit}", met=value <= most)
+    growth = Section("The second interface: work that the engine takes long for, milliseconds", "", "engine", "libxslt",
+                     "library", "of engine", "of libxslt")
+    for task, (title, of, name, most) in GROWTH_TASKS.items():
+        engine, libxslt, library = (times[f"{who} {task}"]["us"] / 1000 for who in ("bare", "libxslt", "vexa"))
+        ratio = library / (engine if of == "bare" else libxslt)
+        growth.add(title, *(number(value) for value in (engine, libxslt, library)), number(library / engine, 2),
+                   number(library / libxslt, 2), target=f"≤ {most:g} of {name}", met=ratio <= most)
+    parses = Section("The second interface: parsing that must not grow with the square, instructions", "", "small", "large", "ratio")
+    for title, small, large, most in PARSES:
+        costs = [counts[name]["instructions"] for name in (small, large)]
+        ratio = costs[1] / costs[0]
+        parses.add(title, *(number(cost) for cost in costs), number(ratio, 2), target=f"≤ {most:g}", met=ratio <= most)
+    return [stop, growth, parses]
 
 
 def functions_section(counts, times):
@@ -254,6 +292,7 @@ def hostile_section(hostile):
 def make_sections(figures):
     counts, times = figures["counts"], figures["times"]
     return [*xslt_sections(counts["xslt_cost"], times["xslt_cost"]),
+            *limits_sections(counts["xslt_cost"], times["xslt_cost"], figures["limits"], figures["polling"]),
             facade_section(counts["facade_cost"], times["facade_cost"]),
             functions_section(counts["function_cost"], times["function_cost"]),
             conversions_section(counts["function_cost"]), replay_section(counts["function_cost"]),

@@ -28,8 +28,10 @@ struct Files {
 // ---- The second interface ----
 
 Work::Call vexaFiles(const Files& files) {
+    vexa::Options options;
+    options.access.externalEntities = true; // the DocBook stylesheets have some
     const auto run = std::make_shared<vexa::Transformation>(
-        vexa::Stylesheet::compile(vexa::Input::file(files.stylesheet)));
+        vexa::Stylesheet::compile(vexa::Input::file(files.stylesheet), options), options);
     return
         [run, input = vexa::Input::file(files.source), output = vexa::Output::file(files.output)] {
             run->to(input, output);
@@ -40,6 +42,13 @@ Work::Call vexaFiles(const Files& files) {
 Work::Call vexaCompile(const Files& files) {
     return [input = vexa::Input::file(files.stylesheet)] {
         vexa::Stylesheet::compile(input);
+        return std::size_t{0};
+    };
+}
+
+Work::Call vexaParse(const std::string& file) {
+    return [input = vexa::Input::file(file)] {
+        vexa::Document::parse(input);
         return std::size_t{0};
     };
 }
@@ -123,23 +132,30 @@ constexpr Program PROGRAMS[] = {{"vexa", vexaFiles, vexaCompile},
 Works makeWorks(const std::string& folder) {
     struct Task {
         const char* name;
-        const char* source;
-        const char* stylesheet;
+        std::string source;
+        std::string stylesheet;
     };
-    constexpr Task TASKS[] = {{"tiny", "/rows-tiny.xml", "/row.xsl"},
-                              {"ten", "/rows-ten.xml", "/rows.xsl"},
-                              {"medium", "/rows-medium.xml", "/rows.xsl"}};
+    const Task tasks[] = {{"files tiny", folder + "/rows-tiny.xml", folder + "/row.xsl"},
+                          {"files ten", folder + "/rows-ten.xml", folder + "/rows.xsl"},
+                          {"files medium", folder + "/rows-medium.xml", folder + "/rows.xsl"},
+                          {"files numbers", folder + "/rows-calls.xml", folder + "/numbers.xsl"},
+                          {"nodes", folder + "/rows-large.xml", folder + "/nodes.xsl"},
+                          {"book", folder + "/book.xml", DOCBOOK_XSL}};
     Works works;
     for (const Program& program : PROGRAMS) {
-        for (const Task& task : TASKS) {
-            const Files files{folder + task.source, folder + task.stylesheet,
-                              folder + "/by-" + program.name + "-" + task.name};
-            works.push_back({program.name + std::string(" files ") + task.name,
+        for (const Task& task : tasks) {
+            const Files files{task.source, task.stylesheet, folder + "/by-" + program.name};
+            works.push_back({program.name + (" " + std::string(task.name)),
                              [files, program] { return program.files(files); }});
         }
         const Files files{"", folder + "/rows.xsl", ""};
         works.push_back({program.name + std::string(" compile"),
                          [files, program] { return program.compile(files); }});
+    }
+    for (const char* const title : {"50-000--amp--in-one-text", "100-000--amp--in-one-text",
+                                    "entity-expansion--4-levels", "entity-expansion--5-levels"}) {
+        const std::string file = folder + "/hostile-" + title + ".xml";
+        works.push_back({std::string("parse ") + title, [file] { return vexaParse(file); }});
     }
     const auto document = vexa::Document::parse(vexa::Input::file(folder + "/rows-medium.xml"));
     const auto stylesheet = vexa::Stylesheet::compile(vexa::Input::file(folder + "/rows.xsl"));
