@@ -282,6 +282,14 @@ private:
 
 } // namespace
 
+bool hasStackFor(std::size_t bytes) {
+    if (bytes <= MIN_STACK) {
+        return true;
+    }
+    const std::size_t remaining = remainingStack();
+    return remaining >= RESERVE && remaining - RESERVE >= bytes;
+}
+
 bool isTooDeepExpression(std::u16string_view expression) {
     // remainingStack() is slow in the main thread: call it only for a deep expression.
     if (!StackCounter(expression).needsMoreThan(MIN_STACK)) {

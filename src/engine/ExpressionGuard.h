@@ -1,10 +1,14 @@
 /**
  * @file
- * Expressions that are nested too deeply for the stack.
+ * What is nested too deeply for the stack.
  */
 #pragma once
 
+#include <cstddef>
 #include <string_view>
+
+/** Whether the calling thread's stack has so many bytes left, and a reserve. It may be slow. */
+bool hasStackFor(std::size_t bytes);
 
 /**
  * Whether an XPath expression would overflow the remaining stack of the calling thread. The engine

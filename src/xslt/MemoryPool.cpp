@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <sys/mman.h>
 #include <utility>
 
 #include <xercesc/util/PlatformUtils.hpp>
@@ -18,9 +19,34 @@ constexpr std::size_t LARGEST_BLOCK = std::size_t{512} * 1024;
 constexpr std::size_t RESERVE = std::size_t{4} * 1024;
 /** More is out of memory at once: sums with it would wrap around. */
 constexpr std::size_t LARGEST_PIECE = static_cast<std::size_t>(-1) / 2;
+/**
+ * Pieces from this size on are mapped: what comes back goes to the system. The heap would keep the
+ * holes that a growing piece leaves, and a process would have more memory than is counted.
+ */
+constexpr std::size_t MAPPED = std::size_t{1} * 1024 * 1024;
 /** In place of a size: where the piece came from. */
 constexpr std::size_t LARGE = static_cast<std::size_t>(-1);
 constexpr std::size_t SEPARATE = static_cast<std::size_t>(-2);
+
+void* takeFromSystem(std::size_t size) {
+    if (size < MAPPED) {
+        return ::operator new(size);
+    }
+    void* const memory =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void returnToSystem(void* memory, std::size_t size) {
+    if (size < MAPPED) {
+        ::operator delete(memory);
+    } else {
+        ::munmap(memory, size);
+    }
+}
 
 } // namespace
 
@@ -44,7 +70,7 @@ MemoryPool::~MemoryPool() {
     giveBack(m_counted);
     while (m_large) {
         LargeHeader* const next = m_large->next;
-        ::operator delete(m_large);
+        returnToSystem(m_large, m_large->size);
         m_large = next;
     }
 }
@@ -102,7 +128,7 @@ std::byte* MemoryPool::carve(std::size_t size) {
 void* MemoryPool::allocateLarge(std::size_t size) {
     constexpr std::size_t HEADERS = sizeof(LargeHeader) + sizeof(Header);
     take(HEADERS + size);
-    auto* const large = static_cast<LargeHeader*>(::operator new(HEADERS + size));
+    auto* const large = static_cast<LargeHeader*>(takeFromSystem(HEADERS + size));
     *large = {nullptr, m_large, HEADERS + size};
     if (m_large) {
         m_large->previous = large;
@@ -146,7 +172,7 @@ void MemoryPool::deallocate(void* pointer) {
         }
         m_size -= large->size;
         giveBack(large->size);
-        ::operator delete(large);
+        returnToSystem(large, large->size);
     } else {
         giveBack(sizeof(Header) + header->sizeIndex * ALIGNMENT);
         header->next = m_returned[header->sizeIndex];

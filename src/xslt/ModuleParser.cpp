@@ -1,8 +1,9 @@
 #include "xslt/ModuleParser.h"
 
 #include "xslt/MemoryPool.h"
-
 #include "xslt/Text.h"
+
+#include "engine/ExpressionGuard.h"
 
 #include <algorithm>
 #include <string>
@@ -109,6 +110,7 @@ public:
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
         m_prefixes.startElement(attributes);
         m_operation.checkDepth(m_prefixes.depth());
+        refuseDeepNesting();
         refuseWrongAttribute(name, attributes);
         m_handler.startElement(name, attributes);
     }
@@ -166,6 +168,20 @@ public:
     }
 
 private:
+    /** The engine recurses for each open element once the stylesheet is read. */
+    void refuseDeepNesting() {
+        constexpr std::size_t STEP = 100;
+        constexpr std::size_t STACK_OF_ELEMENT = 160; // 65 were measured
+        if (m_prefixes.depth() <= m_possibleDepth) {
+            return;
+        }
+        m_possibleDepth += STEP;
+        if (!hasStackFor(m_possibleDepth * STACK_OF_ELEMENT)) {
+            m_operation.fail(vexa::ErrorKind::Compile, "the elements are nested too deeply",
+                             toLocation(this));
+        }
+    }
+
     /**
      * The engine crashes at xsl:text with a wrong attribute, and at an encoding whose name is
      * longer in UTF-8 than it can be in ASCII.
@@ -193,6 +209,8 @@ private:
     xercesc::DocumentHandler& m_handler;
     Operation& m_operation;
     XsltPrefixes m_prefixes;
+    /** So many elements may be open at once. */
+    std::size_t m_possibleDepth = 0;
     const xercesc::Locator* m_parser = nullptr;
     XMLFileLoc m_line = 1;
     XMLFileLoc m_column = 1;

@@ -194,6 +194,14 @@ TEST_P(UntrustedInputTest, IsRefusedStoppedOrDoneInASmallStack) {
 INSTANTIATE_TEST_SUITE_P(, UntrustedInputTest, ::testing::ValuesIn(ALL_HOSTILE),
                          [](const auto& some) { return std::string(some.param.name); });
 
+TEST(UntrustedStylesheetTest, NestedElementsAreRefusedWithoutALimitToo) {
+    inASmallStack([] {
+        EXPECT_NO_THROW(run(nested(3'000), "<a/>", {}));
+        expectFailure([] { run(nested(20'000), "<a/>", {}); }, ErrorKind::Compile,
+                      "the elements are nested too deeply");
+    });
+}
+
 /** Each by all roads on which a URI comes in. */
 TEST(NetworkTest, NothingConnectsUnlessAllowed) {
     const Listener server(std::map<std::string, std::string>{});
