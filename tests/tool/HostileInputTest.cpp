@@ -153,7 +153,11 @@ TEST_F(HostileInputTest, ANumberThatTheEngineCannotWrite) {
 
 TEST_F(HostileInputTest, StylesheetsThatCrashTheEngine) {
     constexpr const char* REASON = ": the engine crashed (Segmentation fault)\n";
-    for (const char* content : {"<xsl:text unknown='x'>y</xsl:text>",
+    for (const char* content : {"<xsl:number level='any' from='x'/>",
+                                "<xsl:variable name='v'><a/></xsl:variable><xsl:for-each "
+                                "xmlns:xalan='http://xml.apache.org/xalan' "
+                                "select='xalan:nodeset($v)'><xsl:number/></xsl:for-each>",
+                                "<xsl:text unknown='x'>y</xsl:text>",
                                 "<xsl:text disable-output-escaping='perhaps'>y</xsl:text>"}) {
         writeSheet(content);
         expectSurvived("sheet.xsl ok.xml --max-seconds 30", REASON);
