@@ -182,8 +182,9 @@ private:
     Machine& m_machine;
     const RunSettings& m_settings;
     Collation m_collation{*this};
-    ParamVectorType m_parameters;
+    /** Outlives the parameters, which return lists. */
     BorrowedLists m_lists;
+    ParamVectorType m_parameters;
     StripAnswers m_stripAnswers;
     /** Of templates that invoke one another. */
     std::size_t m_depth = 0;

@@ -46,9 +46,6 @@ namespace {
 constexpr std::size_t MOST_OBJECTS = 6; // of each class
 constexpr std::size_t LARGEST_RESULT = std::size_t{32} * 1024;
 
-/** The engine overflows a buffer when it makes text of a number from 1e90 on. */
-constexpr double LARGEST_NUMBER = 1e80;
-
 constexpr const char* SOURCES[] = {
     "<a/>",
     "<a x='1'><b>t</b><b>u</b></a>",
@@ -225,7 +222,7 @@ Outcome attempt(Usage usage, Operation operation) {
     g_callbacks.haveThrown = false;
     g_callbacks.mayBeWrong = false;
     const Outcome outcome = outcomeOf(operation);
-    if (outcome.end == Outcome::End::OutOfMemory) {
+    if (outcome.end == Outcome::End::OutOfResources) {
         return outcome;
     }
     require((outcome.end == Outcome::End::HostFailure) == g_callbacks.haveThrown,
@@ -627,7 +624,7 @@ private:
             case 4:
                 return m_input.ConsumeIntegral<int>();
             case 5:
-                return m_input.ConsumeFloatingPointInRange(-LARGEST_NUMBER, LARGEST_NUMBER);
+                return m_input.ConsumeFloatingPoint<double>();
             case 6:
                 return "it's \"\x01\xFF\xED\xA0\x80 \xF0\x9F\x98\x80";
             default:
@@ -644,7 +641,7 @@ private:
             add<Value>({make()});
             return std::string();
         });
-        require(outcome.end == Outcome::End::OutOfMemory ||
+        require(outcome.end == Outcome::End::OutOfResources ||
                     (outcome.end == Outcome::End::Usage) == isWrong,
                 "a value of something empty is refused");
     }
@@ -821,6 +818,7 @@ private:
         if (m_input.ConsumeBool()) {
             options.access.folders.emplace();
         }
+        options.limits = fuzzingLimits();
         options.resolver = anyResolver();
         options.onMessage = anyHandler();
         return options;

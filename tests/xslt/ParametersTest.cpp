@@ -232,3 +232,14 @@ TEST(ParametersTest, ADefaultIsNotEvaluatedWhereThereIsAValue) {
     expectFailure([&] { written(run); }, ErrorKind::Terminated, "no");
     EXPECT_EQ(written(run.parameter("p", "x")), "x");
 }
+
+/** Its nodes are given back to the engine as the engine is thrown away. */
+TEST(ParametersTest, ANodeSetOfARunThatFails) {
+    const Document document = parsed("<a><b/><b/></a>");
+    Transformation run(
+        compiled("<xsl:param name='p'/><xsl:template match='/'><xsl:value-of select='count($p)'/>"
+                 "<xsl:if test='fail'><xsl:message terminate='yes'/></xsl:if></xsl:template>"));
+    run.parameter("p", XPath::compile("//b").evaluate(document));
+    expectFailure([&] { run.toString(parsed("<fail/>")); }, ErrorKind::Terminated, "");
+    EXPECT_EQ(run.toString(parsed("<a/>")), R"(<?xml version="1.0" encoding="UTF-8"?>2)");
+}

@@ -99,8 +99,3 @@ bool killsAsStylesheet(std::string_view document) {
 bool killsAsExpression(std::string_view expression) {
     return canMakeHugeNumbers(expression);
 }
-
-bool killsAsXsltStylesheet(std::string_view document) {
-    // The interface refuses the rest itself.
-    return isInAForeignEncoding(document) || hasLongRunOfDigits(asciiOf(document));
-}

@@ -1,7 +1,7 @@
 /**
  * @file
- * Inputs that kill the engine from inside. No library around it can catch that, so the fuzzers do
- * not try them: they look for faults of ours. README.md has a reproduction of each.
+ * Inputs that kill the engine from inside. The classic interface cannot catch that, so its fuzzers
+ * do not try them: they look for faults of ours. README.md has a reproduction of each.
  */
 #pragma once
 
@@ -15,6 +15,3 @@ bool killsAsStylesheet(std::string_view document);
 
 /** Whether evaluating this expression is known to kill the engine. */
 bool killsAsExpression(std::string_view expression);
-
-/** Whether compiling or running this stylesheet with the second interface kills the engine. */
-bool killsAsXsltStylesheet(std::string_view document);

@@ -5,7 +5,10 @@
 #pragma once
 
 #include <vexa/xslt/Error.h>
+#include <vexa/xslt/Options.h>
 
+#include <chrono>
+#include <cstddef>
 #include <new>
 #include <string>
 
@@ -13,18 +16,29 @@
 struct HostFailure {};
 
 struct Outcome {
-    enum class End { Success, Failure, Usage, HostFailure, OutOfMemory };
+    enum class End { Success, Failure, Usage, HostFailure, OutOfResources };
 
     End end = End::Success;
     /** The result; of a failure all that it says. */
     std::string text;
 
-    /** Whether it is the same as another. Running out of memory may come earlier or later. */
+    /** Whether it is the same as another. Memory may end, and a limit be reached, earlier or later.
+     */
     bool isLike(const Outcome& other) const {
-        return end == End::OutOfMemory || other.end == End::OutOfMemory ||
+        return end == End::OutOfResources || other.end == End::OutOfResources ||
                (end == other.end && text == other.text);
     }
 };
+
+/** With these, no input hangs, and none ends the process. */
+inline vexa::Limits fuzzingLimits() {
+    vexa::Limits limits;
+    limits.memory = std::size_t{32} << 20;
+    limits.output = std::size_t{1} << 20;
+    limits.time = std::chrono::seconds(5);
+    limits.depth = 500;
+    return limits;
+}
 
 /** An error of the interface, which says what is wrong. */
 Outcome failure(const vexa::Error& error);
@@ -39,6 +53,6 @@ Outcome outcomeOf(Operation operation) {
     } catch (const HostFailure&) {
         return {Outcome::End::HostFailure, ""};
     } catch (const std::bad_alloc&) {
-        return {Outcome::End::OutOfMemory, ""};
+        return {Outcome::End::OutOfResources, ""};
     }
 }
