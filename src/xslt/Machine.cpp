@@ -12,6 +12,7 @@
 #include <vexa/VEXAConfig.h>
 #include <vexa/xslt/Error.h>
 
+#include <xalanc/DOMSupport/DOMServices.hpp>
 #include <xalanc/Include/XalanMemoryManagement.hpp>
 #include <xalanc/XPath/Function.hpp>
 #include <xalanc/XPath/XPath.hpp>
@@ -116,6 +117,62 @@ public:
         StylesheetExecutionContextDefault::addResultAttribute(name, value);
     }
 
+    /** For xsl:copy-of. The engine's own cannot be stopped. */
+    void cloneToResultTree(const xalanc::XalanNode& top, const xalanc::Locator* locator) override {
+        if (top.getNodeType() == xalanc::XalanNode::DOCUMENT_FRAGMENT_NODE ||
+            getCopyTextNodesOnly()) {
+            StylesheetExecutionContextDefault::cloneToResultTree(top, locator);
+            return;
+        }
+        const xalanc::XalanNode* node = &top;
+        while (node) {
+            operation().poll();
+            const auto type = node->getNodeType();
+            if (type != xalanc::XalanNode::ATTRIBUTE_NODE) {
+                flushPending();
+            }
+            cloneToResultTree(*node, type, false, true, locator);
+            const xalanc::XalanNode* next = node->getFirstChild();
+            while (!next) {
+                if (node->getNodeType() == xalanc::XalanNode::ELEMENT_NODE) {
+                    endElement(node->getNodeName().c_str());
+                }
+                if (node == &top) {
+                    break;
+                }
+                next = node->getNextSibling();
+                if (!next) {
+                    node = node->getParentNode();
+                }
+            }
+            node = next;
+        }
+    }
+    void cloneToResultTree(const xalanc::XalanNode& node, xalanc::XalanNode::NodeType type,
+                           bool overridesStrip, bool clonesAttributes,
+                           const xalanc::Locator* locator) override {
+        const auto* const attributes = clonesAttributes && type == xalanc::XalanNode::ELEMENT_NODE
+                                           ? node.getAttributes()
+                                           : nullptr;
+        if (!attributes || attributes->getLength() < MANY_ATTRIBUTES) {
+            StylesheetExecutionContextDefault::cloneToResultTree(node, type, overridesStrip,
+                                                                 clonesAttributes, locator);
+            return;
+        }
+        StylesheetExecutionContextDefault::cloneToResultTree(node, type, overridesStrip, false,
+                                                             locator);
+        copyNamespaceAttributes(node);
+        for (XMLSize_t i = 0; i < attributes->getLength(); ++i) {
+            // Each one is compared with all others of its element.
+            operation().poll();
+            const xalanc::XalanNode& attribute = *attributes->item(i);
+            if (attribute.getNamespaceURI() != xalanc::DOMServices::s_XMLNamespacePrefixURI) {
+                StylesheetExecutionContextDefault::cloneToResultTree(
+                    attribute, xalanc::XalanNode::ATTRIBUTE_NODE, overridesStrip, true, locator);
+            }
+        }
+    }
+
     void pushTopLevelVariables(const ParamVectorType& /*parameters*/) override {
         // The engine keeps pointers to them for the whole run.
         m_parameters.reserve(m_settings.parameters.size());
@@ -157,6 +214,8 @@ public:
     }
 
 private:
+    static constexpr XMLSize_t MANY_ATTRIBUTES = 1000;
+
     Operation& operation() const { return m_machine.m_environment.operation(); }
 
     /** A long sort is nothing but comparisons. */

@@ -49,9 +49,9 @@ public:
         MemoryPool& m_pool;
     };
 
-    /** Counts what is allocated against the limit of an operation, until it is null again. */
+    /** Counts what is allocated against the limits of an operation, until it is null again. */
     void setOperation(Operation* operation) {
-        m_operation = operation;
+        m_operation = operation && operation->isBounded() ? operation : nullptr;
         m_counted = 0;
     }
     /** What is allocated from now on may come from any thread, and must be deallocated. */

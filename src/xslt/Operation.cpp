@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <sstream>
+#include <time.h>
 
 #include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/XSLT/ElemMessage.hpp>
@@ -25,8 +26,13 @@ std::size_t toNumber(XMLFileLoc number) {
     return number == static_cast<XMLFileLoc>(-1) ? 0 : static_cast<std::size_t>(number);
 }
 
-/** The clock is asked at one of so many polls. */
-constexpr unsigned POLLS_FOR_CLOCK = 16;
+/** Some milliseconds behind the steady clock, but asked in some nanoseconds. */
+std::chrono::steady_clock::time_point coarseNow() {
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    return std::chrono::steady_clock::time_point(std::chrono::seconds(now.tv_sec) +
+                                                 std::chrono::nanoseconds(now.tv_nsec));
+}
 
 template <typename Number>
 Number boundOf(std::size_t limit) {
@@ -84,7 +90,7 @@ void Operation::checkBounds() {
     if (m_options.cancel.cancelled()) {
         stop(ErrorKind::Cancelled, "the operation was cancelled");
     }
-    if (++m_polls % POLLS_FOR_CLOCK == 0 && Clock::now() >= m_end) {
+    if (m_end != Clock::time_point::max() && coarseNow() >= m_end) {
         stopAtLimit("time", static_cast<std::size_t>(m_options.limits.time.count()), " ms");
     }
 }

@@ -61,6 +61,9 @@ public:
         }
     }
 
+    /** Whether anything can end it between polls. */
+    bool isBounded() const { return m_needsPolls; }
+
     /** @param depth of templates, or of elements while parsing. @throws vexa::Error: Limit */
     void checkDepth(std::size_t depth) {
         if (depth > m_mostDepth) {
@@ -175,7 +178,6 @@ private:
     const Clock::time_point m_end;
     std::ptrdiff_t m_memory = 0;
     std::size_t m_output = 0;
-    unsigned m_polls = 0;
     bool m_isOverMemory = false;
     bool m_needsPolls;
 };

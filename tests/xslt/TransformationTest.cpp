@@ -180,6 +180,32 @@ TEST(TransformationTest, WhiteSpaceIsStrippedByTheNameOfItsElement) {
               "strip1;n:keep1;strip0;strip1;" + others);
 }
 
+TEST(TransformationTest, ManyAttributesAreCopiedWithTheirNamespaces) {
+    std::string attributes = " n:x='1' xml:lang='en'";
+    for (int i = 0; i < 2000; ++i) {
+        attributes += " a" + std::to_string(i) + "='" + std::to_string(i) + "'";
+    }
+    const Document source = parsed("<r xmlns='urn:d' xmlns:n='urn:n'><n:a" + attributes +
+                                   "><b>text</b><!--c--><?p i?></n:a><c/></r>");
+    Transformation copy(compiledRootTemplate("<xsl:copy-of select='*/*[1]'/>"));
+    const Document result = copy.toDocument(source);
+    const auto same = [&](const std::string& expression) {
+        EXPECT_EQ(XPath::compile(expression).evaluate(result).string(),
+                  XPath::compile(expression).evaluate(source).string())
+            << expression;
+    };
+    same("count(//@*)");
+    same("sum(//@*[not(namespace-uri())])");
+    same("concat(namespace-uri(//@*[local-name() = 'x']), //@xml:lang)");
+    same("concat(namespace-uri(//*[@a1]), namespace-uri(//*[@a1]/*))");
+    same("string(//*[@a1])");
+    same("count(//*[@a1]/node())");
+    const std::string text = copy.toString(source);
+    EXPECT_EQ(parsed(text).xml(), result.xml());
+    const std::string end = " a1999=\"1999\"><b>text</b><!--c--><?p i?></n:a>";
+    EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
 /** One fragment may be where another one was. */
 TEST(TransformationTest, KeysOfAFragmentAreItsOwn) {
     Transformation run(
