@@ -63,36 +63,34 @@ def read_instructions(folder):
     return counts
 
 
-# The functions that ask whether an operation has to end, and the files whose lines do it.
-POLLING_FILES = ("xslt/Operation.h", "xslt/Machine.cpp")
-POLLING_FUNCTIONS = ("pushInvoker", "popInvoker", "pushContextMarker", "borrowMutableNodeRefList", "addResultAttribute",
-                     "Collation::operator()")
+def polling_lines():
+    """The lines that ask whether an operation has to end, by the end of the file's name. None: all lines."""
+    machine = (documents.PROJECT / "src" / "xslt" / "Machine.cpp").read_text().splitlines()
+    return {"xslt/Operation.h": None,
+            "xslt/Machine.cpp": {number for number, text in enumerate(machine, 1) if "operation()" in text}}
 
 
 def read_polling_share(folder, name):
     """The share of a work's instructions that are spent on polling, in percent."""
     file = next(file for file in folder.iterdir()
                 if f"desc: Trigger: Client Request: {name}\n" in file.read_text(errors="replace"))
-    names, place, function, polling, total, skips = {}, "", "", 0, 0, False
+    lines_of, files, lines, polling, total, number, is_call = polling_lines(), {}, set(), 0, 0, 0, False
     for line in file.read_text(errors="replace").splitlines():
-        key = re.match(r"(fl|fi|fe|fn|cfi|cfl|cfn|ob|cob)=\((\d+)\)(?: (.*))?$", line)
-        if key:
-            kind = {"fi": "fl", "fe": "fl", "cfi": "fl", "cfl": "fl", "cfn": "fn", "cob": "ob"}.get(key[1], key[1])
-            value = names.setdefault((kind, key[2]), key[3])
-            if key[1] in ("fl", "fi", "fe"):
-                place = value
-            elif key[1] == "fn":
-                function = value
+        place = re.match(r"(fl|fi|fe|cfi|cfl)=\((\d+)\)(?: (.*))?$", line)
+        cost = re.match(r"([+-]?)(\d+|\*) (\d+)$", line)
+        if place:
+            path = files.setdefault(place[2], place[3])
+            if place[1][0] == "f":
+                lines = next((of for end, of in lines_of.items() if path.endswith(end)), set())
         elif line.startswith("calls="):
-            skips = True  # the next line has the cost of the callee
-        elif re.match(r"[+*\-\d]", line) and not skips:
-            cost = int(line.split()[1])
-            total += cost
-            if place.endswith(POLLING_FILES[0]) or (place.endswith(POLLING_FILES[1])
-                                                    and any(one in function for one in POLLING_FUNCTIONS)):
-                polling += cost
-        else:
-            skips = False
+            is_call = True  # the next line has the cost of the callee
+        elif cost:
+            if cost[2] != "*":  # numbers are relative to the last one where they have a sign
+                number = {"": 0, "+": number, "-": number}[cost[1]] + int(cost[1] + cost[2])
+            if not is_call:
+                total += int(cost[3])
+                polling += int(cost[3]) if lines is None or number in lines else 0
+            is_call = False
     return 100 * polling / total
 
 
