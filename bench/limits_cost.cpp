@@ -1,13 +1,12 @@
 // How long an operation goes on after a limit is reached or it is cancelled, and how much more
 // memory it takes than it may. Prints a line of JSON for each work.
 #include "support/HostileWork.h"
+#include "support/ProcessMemory.h"
 
 #include <vexa/xslt.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <malloc.h>
 #include <thread>
 
@@ -69,23 +68,13 @@ void measureCancellation(const HostileWork& work) {
     }
 }
 
-double statusKiB(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, name.size(), name) == 0) {
-            return std::stod(line.substr(name.size()));
-        }
-    }
-    return 0;
-}
-
 /** By what the system counts: in percent of the limit. */
 void measureMemoryLimit(const HostileWork& work) {
     vexa::Options options;
     options.limits.memory = MEMORY / 64;
     endOf(work, options); // loads what stays
     ::malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5"; // begins a new peak
+    beginNewPeak();
     const double before = statusKiB("VmRSS:");
     options.limits.memory = MEMORY;
     if (endOf(work, options) == vexa::ErrorKind::Limit) {

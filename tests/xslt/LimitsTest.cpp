@@ -6,11 +6,11 @@
 
 #include "support/HostileWork.h"
 #include "support/MemoryChecker.h"
+#include "support/ProcessMemory.h"
 #include "support/TestDocuments.h"
 
 #include <atomic>
 #include <chrono>
-#include <fstream>
 #include <malloc.h>
 #include <random>
 #include <sstream>
@@ -187,16 +187,6 @@ namespace {
 
 class FillingMemoryTest : public ::testing::TestWithParam<HostileWork> {};
 
-long statusKiB(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, name.size(), name) == 0) {
-            return std::stol(line.substr(name.size()));
-        }
-    }
-    return 0;
-}
-
 } // namespace
 
 TEST_P(FillingMemoryTest, EndsAtTheMemoryLimit) {
@@ -218,8 +208,8 @@ TEST(LimitsTest, MemoryIsExact) {
     const std::string text = "<a>" + repeated("<i x='1'>text</i>", 100'000) + "</a>";
     Document::parse(Input::text("<a/>"));
     ::malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5"; // begins a new peak
-    const long before = statusKiB("VmRSS:");
+    beginNewPeak();
+    const double before = statusKiB("VmRSS:");
     Document::parse(Input::view(text));
     const auto needed = static_cast<std::size_t>(statusKiB("VmHWM:") - before) * 1024;
     ASSERT_GT(needed, 10 * MIB);

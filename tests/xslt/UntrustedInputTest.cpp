@@ -202,13 +202,13 @@ TEST(UntrustedStylesheetTest, NestedElementsAreRefusedWithoutALimitToo) {
     });
 }
 
-/** Each by all roads on which a URI comes in. */
+/** Wherever a URI comes in. */
 TEST(NetworkTest, NothingConnectsUnlessAllowed) {
     const Listener server(std::map<std::string, std::string>{});
     const std::string uri = server.address() + "/x";
     const std::string dtd = "<!DOCTYPE a SYSTEM '" + uri + "'><a/>";
     const std::string entity = "<!DOCTYPE a [<!ENTITY e SYSTEM '" + uri + "'>]><a>&e;</a>";
-    const std::function<void(const Options&)> roads[] = {
+    const std::function<void(const Options&)> operations[] = {
         [&](const Options& options) { Document::parse(Input::uri(uri), options); },
         [&](const Options& options) { Stylesheet::compile(Input::uri(uri), options); },
         [&](const Options& options) { parse(dtd, options); },
@@ -229,9 +229,9 @@ TEST(NetworkTest, NothingConnectsUnlessAllowed) {
     };
     Options withEntities = limited();
     withEntities.access.externalEntities = true;
-    for (const auto& road : roads) {
-        expectFailure([&] { road(limited()); }, ErrorKind::Denied, uri);
-        expectFailure([&] { road(withEntities); }, ErrorKind::Denied, uri);
+    for (const auto& operation : operations) {
+        expectFailure([&] { operation(limited()); }, ErrorKind::Denied, uri);
+        expectFailure([&] { operation(withEntities); }, ErrorKind::Denied, uri);
     }
     EXPECT_EQ(server.requests(), 0);
 }
