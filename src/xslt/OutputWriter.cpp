@@ -49,11 +49,13 @@ namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
 
-/** A name next to a file that nobody else uses. */
+/** How many names are tried that may be taken. */
+constexpr int MOST_TRIES = 100;
+
+/** A name in the folder of a file that nobody else uses; short, as the file's own may be long. */
 std::filesystem::path temporaryName(const std::filesystem::path& path) {
     static std::atomic<unsigned> count{0};
-    const auto name = "." + path.filename().native() + "." + std::to_string(::getpid()) + "-" +
-                      std::to_string(count++);
+    const auto name = ".vexa-" + std::to_string(::getpid()) + "-" + std::to_string(count++);
     return path.parent_path() / name;
 }
 
@@ -65,7 +67,11 @@ bool isOpenFile(const std::filesystem::path& path) {
 
 } // namespace
 
-/** A file that appears, or replaces another, when it is whole. */
+/**
+ * A file that appears, or replaces another, when it is whole. Until then it has no name, so that
+ * nothing is left behind however the process ends; where a file system has no such files, it has a
+ * temporary name.
+ */
 class OutputWriter::File {
 public:
     File(const std::filesystem::path& path, Operation& operation)
@@ -75,12 +81,13 @@ public:
             errno = EINVAL;
         } else if (::stat(m_path.c_str(), &status) != 0) {
             if (errno == ENOENT && m_path.has_filename()) {
-                openTemporary(nullptr);
+                openTemporary();
             }
-        } else if (S_ISREG(status.st_mode) && !isOpenFile(m_path)) {
-            openTemporary(&status.st_mode);
-        } else {
+        } else if (!S_ISREG(status.st_mode) || isOpenFile(m_path)) {
             m_file = ::open(m_path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+        } else if (::access(m_path.c_str(), W_OK) == 0) {
+            openTemporary();
+            takeAttributes(status);
         }
         if (m_file < 0) {
             fail("cannot open");
@@ -111,6 +118,9 @@ public:
     }
 
     void commit() {
+        if (m_hasNoName) {
+            giveName();
+        }
         if (::close(std::exchange(m_file, -1)) != 0) {
             fail("cannot write");
         }
@@ -123,7 +133,7 @@ public:
     }
 
 private:
-    void openTemporary(const mode_t* mode) {
+    void openTemporary() {
         // A symbolic link stays; what it names is replaced, or appears.
         std::error_code noLink;
         for (;;) {
@@ -133,15 +143,46 @@ private:
             }
             m_path = m_path.parent_path() / target;
         }
-        do {
+        // A file without a name gets one by way of this folder.
+        if (::access("/proc/self/fd", X_OK) == 0) {
+            m_file = ::open(m_path.parent_path().c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+        }
+        m_hasNoName = m_file >= 0;
+        for (int tries = 1; m_file < 0; ++tries) {
             m_temporary = temporaryName(m_path);
             m_file = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        } while (m_file < 0 && errno == EEXIST);
-        if (m_file < 0) {
-            m_temporary.clear();
-        } else if (mode) {
-            ::fchmod(m_file, *mode & 07777);
+            if (m_file < 0 && (errno != EEXIST || tries == MOST_TRIES)) {
+                m_temporary.clear();
+                fail("cannot create");
+            }
         }
+    }
+
+    /** Owner and permissions of the file that is to be replaced, as far as they may be given. */
+    void takeAttributes(const struct stat& original) const {
+        if (::fchown(m_file, original.st_uid, original.st_gid) != 0) {
+            [[maybe_unused]] const int isGroupKept =
+                ::fchown(m_file, static_cast<uid_t>(-1), original.st_gid);
+        }
+        ::fchmod(m_file, original.st_mode & 07777);
+    }
+
+    void giveName() {
+        const std::string file = "/proc/self/fd/" + std::to_string(m_file);
+        std::filesystem::path name = m_path;
+        for (int tries = 0;
+             ::linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0;
+             ++tries) {
+            if (errno != EEXIST || tries == MOST_TRIES) {
+                fail("cannot create");
+            }
+            // Only a rename replaces a file.
+            name = temporaryName(m_path);
+        }
+        if (name != m_path) {
+            m_temporary = name;
+        }
+        m_hasNoName = false;
     }
 
     [[noreturn]] void fail(const char* what) const {
@@ -154,6 +195,7 @@ private:
     Operation& m_operation;
     std::filesystem::path m_temporary;
     int m_file = -1;
+    bool m_hasNoName = false;
 };
 
 OutputWriter::OutputWriter(const Output& output, Operation& operation)

@@ -2,11 +2,13 @@
 
 #include "support/FailingStreams.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -74,6 +76,23 @@ TEST_F(OutputTest, AFileIsAsItWasAfterAFailure) {
     writeAndFail(Output::file(path));
     writeAndFail(Output::file(m_folder.path("new.xml")));
     EXPECT_EQ(readFile(path), "old");
+    EXPECT_EQ(m_folder.list(), "old.xml");
+}
+
+/** A file has no name before it is whole. */
+TEST_F(OutputTest, NothingIsLeftOfAProcessThatIsKilled) {
+    m_folder.write("old.xml", "old");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        Transformation run(compiledRootTemplate("<b/><xsl:message>now</xsl:message>"));
+        run.onMessage([](const vexa::Diagnostic&) { ::raise(SIGKILL); });
+        run.to(Input::text("<a/>"), Output::file(m_folder.path("old.xml")));
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(readFile(m_folder.path("old.xml")), "old");
     EXPECT_EQ(m_folder.list(), "old.xml");
 }
 
