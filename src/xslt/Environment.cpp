@@ -70,16 +70,12 @@ xalanc::XalanDocument* Environment::find(const std::string& reference, const std
 /** @return null where the language lets the transform go on: with a warning */
 Environment::DocumentPtr Environment::parse(const std::string& uri, const std::string& base) {
     try {
-        const Sources::Opened opened = m_sources->open(uri, base, Reference::Document);
+        const Sources::Opened opened =
+            m_sources->open(uri, base, Reference::Document, m_operation->place());
         return m_parser.parse(*opened.source, opened.uri, *m_operation, *m_sources);
     } catch (const vexa::Error& error) {
         switch (error.kind()) {
-        case vexa::ErrorKind::Denied:
-            m_operation->fail(vexa::ErrorKind::Denied, error.text(), m_operation->place());
         case vexa::ErrorKind::Input:
-            m_operation->report(vexa::Severity::Warning, uri + ": " + error.text(),
-                                m_operation->place());
-            return nullptr;
         case vexa::ErrorKind::Parse:
             m_operation->report(vexa::Severity::Warning, error.text(), error.where());
             return nullptr;

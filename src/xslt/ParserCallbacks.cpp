@@ -3,14 +3,17 @@
 #include "xslt/Text.h"
 #include "xslt/Uri.h"
 
+#include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
 namespace {
 
-vexa::Location toLocation(const xercesc::SAXParseException& exception) {
-    return {toUtf8(exception.getSystemId()), static_cast<std::size_t>(exception.getLineNumber()),
-            static_cast<std::size_t>(exception.getColumnNumber())};
+/** @param place a locator or an exception */
+template <typename Place>
+vexa::Location toLocation(const Place& place) {
+    return {toUtf8(place.getSystemId()), static_cast<std::size_t>(place.getLineNumber()),
+            static_cast<std::size_t>(place.getColumnNumber())};
 }
 
 } // namespace
@@ -35,7 +38,10 @@ void ParserErrors::report(vexa::Severity severity, const xercesc::SAXParseExcept
 xercesc::InputSource* ExternalEntities::resolveEntity(xercesc::XMLResourceIdentifier* identifier) {
     const std::string base = toUtf8(identifier->getBaseURI());
     const std::string uri = resolveUri(toUtf8(identifier->getSystemId()), base);
-    Sources::Opened opened = m_sources.open(uri, base, Reference::ExternalEntity);
+    const xercesc::Locator* const locator = identifier->getLocator();
+    Sources::Opened opened =
+        m_sources.open(uri, base, Reference::ExternalEntity,
+                       locator ? toLocation(*locator) : vexa::Location{base, 0, 0});
     m_onRead(opened.uri);
     return opened.source.release();
 }

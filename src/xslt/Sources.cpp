@@ -210,12 +210,27 @@ bool isBelowOneOf(const std::filesystem::path& path,
 Sources::Opened Sources::open(const Input& input) {
     const InputData& data = InputAccess::data(input);
     return data.kind == InputData::Kind::Uri
-               ? open(resolveUri(data.uri, {}), {}, Reference::Document)
+               ? openReference(resolveUri(data.uri, {}), {}, Reference::Document)
                : openOwn(input, data.uri);
 }
 
-Sources::Opened Sources::open(const std::string& uri, const std::string& base,
-                              Reference reference) {
+Sources::Opened Sources::open(const std::string& uri, const std::string& base, Reference reference,
+                              const vexa::Location& place) {
+    try {
+        return openReference(uri, base, reference);
+    } catch (const vexa::Error& error) {
+        if (error.kind() == ErrorKind::Input) {
+            m_operation.fail(ErrorKind::Input, uri + ": " + error.text(), place);
+        }
+        if (error.kind() == ErrorKind::Denied) {
+            m_operation.fail(ErrorKind::Denied, error.text(), place);
+        }
+        throw;
+    }
+}
+
+Sources::Opened Sources::openReference(const std::string& uri, const std::string& base,
+                                       Reference reference) {
     const auto& options = m_operation.options();
     if (reference == Reference::ExternalEntity && !options.access.externalEntities) {
         m_operation.fail(ErrorKind::Denied, "external entity access denied: " + uri, {base, 0, 0});

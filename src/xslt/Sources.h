@@ -34,14 +34,17 @@ public:
     Opened open(const vexa::Input& input);
 
     /**
-     * What the parser reads for a reference, which is absolute by now.
+     * What the parser reads for a reference, which is absolute by now. What cannot be read is the
+     * fault of the place that refers to it.
      * @throws vexa::Error: Input, Denied, Usage; what the resolver throws
      */
-    Opened open(const std::string& uri, const std::string& base, Reference reference);
+    Opened open(const std::string& uri, const std::string& base, Reference reference,
+                const vexa::Location& place);
 
     class Stream;
 
 private:
+    Opened openReference(const std::string& uri, const std::string& base, Reference reference);
     Opened openOwn(const vexa::Input& input, const std::string& uri);
     Opened openUnderPolicy(const std::string& uri);
 

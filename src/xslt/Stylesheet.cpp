@@ -116,7 +116,8 @@ public:
                                     xalanc::XalanDocument* /*document*/,
                                     xalanc::ErrorHandler* /*errors*/) override {
         const std::string uri = toUtf8(url);
-        const Sources::Opened opened = openModule(uri, toLocation(getLocatorFromStack()));
+        const Location place = toLocation(getLocatorFromStack());
+        const Sources::Opened opened = m_sources->open(uri, place.uri, Reference::Module, place);
         m_data.m_realUris.emplace(uri, opened.uri);
         addModule(opened.uri);
         parse(opened, *handler);
@@ -178,21 +179,6 @@ private:
         auto& modules = m_data.m_modules;
         if (std::find(modules.begin(), modules.end(), uri) == modules.end()) {
             modules.push_back(uri);
-        }
-    }
-
-    /** What cannot be read is the fault of the module that wants it. */
-    Sources::Opened openModule(const std::string& uri, const Location& reference) {
-        try {
-            return m_sources->open(uri, reference.uri, Reference::Module);
-        } catch (const Error& error) {
-            if (error.kind() == ErrorKind::Input) {
-                m_operation->fail(ErrorKind::Input, uri + ": " + error.text(), reference);
-            }
-            if (error.kind() == ErrorKind::Denied) {
-                m_operation->fail(ErrorKind::Denied, error.text(), reference);
-            }
-            throw;
         }
     }
 

@@ -299,3 +299,20 @@ TEST(ResultDocumentTest, OutlivesEverythingThatMadeIt) {
     }
     EXPECT_EQ(document.xml(), "<b><a>x</a></b>");
 }
+
+/** What is missing is the fault of the place that refers to it. */
+TEST(DocumentTest, AMissingEntityOrDtdIsAnErrorOfItsReference) {
+    vexa::Options options;
+    options.access.externalEntities = true;
+    const std::pair<const char*, std::size_t> documents[] = {
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///none/e'>]>\n\n<a>&e;</a>", 3},
+        {"\n<!DOCTYPE a SYSTEM 'file:///none/e'><a/>", 2}};
+    for (const auto& [text, line] : documents) {
+        const vexa::Error error = failureOf(
+            [&, source = text] { Document::parse(Input::text(source, "mem:/d"), options); });
+        EXPECT_EQ(error.kind(), ErrorKind::Input);
+        EXPECT_EQ(error.text(), "file:///none/e: cannot open: No such file or directory");
+        EXPECT_EQ(error.where().uri, "mem:/d");
+        EXPECT_EQ(error.where().line, line);
+    }
+}
