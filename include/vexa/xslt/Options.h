@@ -30,8 +30,9 @@ struct Access {
 };
 
 /**
- * Bounds of one operation; 0 means none. Reaching one is an Error: Limit, whose text names the
- * limit and its value. The operation leaves no result, and its objects can be used again.
+ * Bounds of one operation; 0 means none. Reaching one is an Error: Limit, whose text begins with
+ * "the memory limit" (output, time, depth), and names the value. The operation leaves no result,
+ * and its objects can be used again.
  */
 struct Limits {
     /**
