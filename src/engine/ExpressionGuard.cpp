@@ -290,7 +290,41 @@ bool hasStackFor(std::size_t bytes) {
     return remaining >= RESERVE && remaining - RESERVE >= bytes;
 }
 
+namespace {
+
+/**
+ * More than a character can need: a bracket; an operator, and one before it that is a word. 0 for
+ * those that are part of a name or a number.
+ */
+constexpr std::array<std::uint16_t, 128> mostOfCharacters() {
+    constexpr std::uint16_t OF_OPERATORS = 480;
+    constexpr std::uint16_t OF_BRACKET = 1200;
+    std::array<std::uint16_t, 128> most{};
+    for (const char16_t c : std::u16string_view(u" \t\r\n'\"-@|/*+=,\\^!$<>")) {
+        most[c] = OF_OPERATORS;
+    }
+    for (const char16_t c : std::u16string_view(u"()[]")) {
+        most[c] = OF_BRACKET;
+    }
+    return most;
+}
+
+/** Whether one look says that an expression needs little stack: of nearly all it does. */
+bool isSimple(std::u16string_view expression) {
+    static constexpr auto MOST = mostOfCharacters();
+    std::size_t sum = 0;
+    for (const char16_t c : expression) {
+        sum += c < MOST.size() ? MOST[c] : 0;
+    }
+    return withTolerance(sum) <= MIN_STACK;
+}
+
+} // namespace
+
 bool isTooDeepExpression(std::u16string_view expression) {
+    if (isSimple(expression)) {
+        return false;
+    }
     // remainingStack() is slow in the main thread: call it only for a deep expression.
     if (!StackCounter(expression).needsMoreThan(MIN_STACK)) {
         return false;
