@@ -49,7 +49,8 @@ class XSLTResultTarget;
  * exceptions of strings, of the memory allocation, of extension functions, and those that the
  * engine does not report itself, pass to the caller.
  *
- * The engine prints some diagnostics on std::cerr: texts of xsl:message, warnings and parse errors.
+ * In file and stream transforms the engine prints some diagnostics on std::cerr: texts of
+ * xsl:message, warnings and parse errors. The in-memory transform prints nothing.
  */
 class VEXA_EXPORT VEXAXslTransformer {
 public:

@@ -11,13 +11,10 @@
 
 #include <vexa/Dom2Dom.h>
 
-#include <iostream>
-
 #include <xalanc/XSLT/StylesheetConstructionContextDefault.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XSLT/XSLTResultTarget.hpp>
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
-#include <xalanc/XalanTransformer/XalanTransformerProblemListener.hpp>
 
 using xalanc::XalanDOMString;
 using xalanc::XSLTInputSource;
@@ -75,15 +72,12 @@ int VEXAXslTransformer::doTransform(Dom2Dom& in, const I18NString& stylesheet, D
 void VEXAXslTransformer::transformInMemory(Dom2Dom& in, const I18NString& stylesheet,
                                            Dom2Dom& out) {
     const SourceDocument document(in.GetDocument());
-    // Writes xsl:message texts to std::cerr, like the engine in file and stream transforms.
-    xalanc::XalanTransformerProblemListener messages(engineMemory(), &std::cerr, nullptr);
     PrivateEngine engine([this](xalanc::XSLTProcessorEnvSupportDefault& environment) {
         installFunctions(m_mapFunctions,
                          [&](const auto& namespaceUri, const auto& name, const auto& function) {
                              environment.installExternalFunctionLocal(namespaceUri, name, function);
                          });
     });
-    engine.processor.setProblemListener(&messages);
     const PrefixResolverGuard resolverGuard(out.m_pFormatter.get());
 
     XSLTInputSource source;

@@ -147,7 +147,8 @@ TEST_P(InMemoryTransformTest, SupportsIdsKeysAndStrippedSpace) {
     EXPECT_EQ(transformed(*in, file), "2one0");
 }
 
-TEST_P(InMemoryTransformTest, WritesMessagesToStandardErrorLikeTheOtherTransforms) {
+/** The other transforms print what the engine prints by itself. */
+TEST_P(InMemoryTransformTest, PrintsNothingByItself) {
     const Dom2DomPtr in = parsed("<a/>");
     const std::string file = sheet("<b/><xsl:message>a message</xsl:message>");
     ::testing::internal::CaptureStderr();
@@ -159,7 +160,7 @@ TEST_P(InMemoryTransformTest, WritesMessagesToStandardErrorLikeTheOtherTransform
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(m_transformer.doTransform(source, file.c_str(), output), 0);
     const std::string streamed = ::testing::internal::GetCapturedStderr();
-    EXPECT_EQ(inMemory.rfind("XSLT message: a message", 0), 0U) << inMemory;
+    EXPECT_EQ(inMemory, "");
     EXPECT_EQ(streamed.rfind("XSLT message: a message", 0), 0U) << streamed;
 }
 
