@@ -1,21 +1,24 @@
-#include "batch/BatchCommand.h"
-
-#include "ChainCommand.h"
-#include "Failure.h"
-#include "Help.h"
-#include "TransformCommand.h"
-#include "UsageReason.h"
-#include "VersionText.h"
-#include "XPathCommand.h"
+#include "base/Errors.h"
+#include "cli/Help.h"
+#include "cli/UsageMessage.h"
+#include "cli/VersionText.h"
+#include "commands/BatchCommand.h"
+#include "commands/ChainCommand.h"
+#include "commands/TransformCommand.h"
+#include "commands/XPathCommand.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <exception>
 #include <fcntl.h>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -41,16 +44,16 @@ Exit status:
   1  a transform, a query or a file failed
   2  the command line is wrong
 
-'vexa-xslt COMMAND --help' tells all about a command, 'man vexa-xslt' the rest.)";
+'vexa-xslt COMMAND --help' describes a command, 'man vexa-xslt' the rest.)";
 
 /** One line, in the form of every other error, and where to read on. */
-int tellWrongUsage(const CLI::App& app, const std::string& reason) {
+int reportWrongUsage(const CLI::App& app, const std::string& cause) {
     const auto commands = app.get_subcommands();
     std::string helper = app.get_name();
     if (!commands.empty()) {
         helper += " " + commands.front()->get_name();
     }
-    tellFailure(foldLines(reason) + " (see '" + helper + " --help')");
+    printError(oneLine(cause) + " (see '" + helper + " --help')");
     return EXIT_USAGE;
 }
 
@@ -58,7 +61,7 @@ int tellWrongUsage(const CLI::App& app, const std::string& reason) {
  * Standard streams that are closed from outside: without this, the next file to be opened would
  * take their place. Each is opened so that using it fails.
  */
-void holdStandardStreams() {
+void occupyStandardStreams() {
     for (int descriptor = 0; descriptor <= 2; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) == -1) {
             [[maybe_unused]] const int opened =
@@ -67,34 +70,53 @@ void holdStandardStreams() {
     }
 }
 
-int runCommand(const CLI::App& app, const std::function<void()>& command) {
-    try {
-        command();
-        return EXIT_DONE;
-    } catch (const WrongUsage& wrong) {
-        return tellWrongUsage(app, wrong.what());
-    } catch (const std::exception& failure) {
-        tellFailure(failure.what());
-    } catch (...) {
-        tellFailure("the engine gave up without a reason");
-    }
-    return EXIT_FAILED;
-}
-
 int printHelp(const CLI::App& app, const CLI::ParseError& request) {
     const bool isVersion = request.get_name() == "CallForVersion";
     std::cout << (isVersion ? request.what() + std::string("\n") : helpText(app));
     if (std::cout.flush()) {
         return EXIT_DONE;
     }
-    tellFailure("standard output: " + systemReason(errno));
+    printError("standard output: " + systemMessage(errno));
+    return EXIT_FAILED;
+}
+
+/** Only what is asked for gets its options: to define those of all takes time. */
+void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run) {
+    const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND, &XPATH_COMMAND,
+                                       &BATCH_COMMAND};
+    const auto isNamed = [&](const Command* command) {
+        return std::find(argv, argv + argc, std::string_view(command->name)) != argv + argc;
+    };
+    const bool isNoneNamed = std::none_of(std::begin(commands), std::end(commands), isNamed);
+    for (const Command* command : commands) {
+        CLI::App* const definition = app.add_subcommand(command->name, command->description);
+        if (isNoneNamed || isNamed(command)) {
+            command->define(*definition, run);
+        }
+    }
+}
+
+int parseAndRun(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
+    try {
+        app.parse(argc, argv);
+        return command();
+    } catch (const CLI::ParseError& error) {
+        const bool isRequest = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+        return isRequest ? printHelp(app, error) : reportWrongUsage(app, usageMessage(app, error));
+    } catch (const UsageError& error) {
+        return reportWrongUsage(app, error.what());
+    } catch (const std::exception& error) {
+        printError(oneLine(error.what()));
+    }
     return EXIT_FAILED;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    holdStandardStreams();
+    occupyStandardStreams();
+    // A file that grows too large is to be an error like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
     std::ios::sync_with_stdio(false);
 
     CLI::App app("Run XSLT 1.0 stylesheets and XPath expressions over XML documents", "vexa-xslt");
@@ -104,17 +126,7 @@ int main(int argc, char** argv) {
     app.footer(MORE_HELP);
     app.require_subcommand(1);
 
-    std::function<void()> command;
-    addTransformCommand(app, command);
-    addChainCommand(app, command);
-    addXPathCommand(app, command);
-    addBatchCommand(app, command);
-
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        const bool asked = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        return asked ? printHelp(app, error) : tellWrongUsage(app, usageReason(app, error));
-    }
-    return runCommand(app, command);
+    std::function<int()> command;
+    addCommands(app, argc, argv, command);
+    return parseAndRun(app, argc, argv, command);
 }

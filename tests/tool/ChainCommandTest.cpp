@@ -19,7 +19,6 @@ TEST_F(ChainCommandTest, RunsStylesheetAfterStylesheet) {
     EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl").output, "<c n=\"2\">x</c>");
     EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl three.xsl").output, "[x \xCE\xB1]");
     EXPECT_EQ(tool("chain - one.xsl two.xsl <ok.xml").output, "<c n=\"2\">x</c>");
-    EXPECT_EQ(tool("chain ok.xml one.xsl two.xsl --xerces-dom").output, "<c n=\"2\">x</c>");
     EXPECT_EQ(tool("chain file://" + m_folder.path("ok.xml") + " one.xsl two.xsl").output,
               "<c n=\"2\">x</c>");
 }
@@ -34,13 +33,12 @@ TEST_F(ChainCommandTest, EqualsTheStepsDoneThroughFiles) {
             .status,
         0);
     EXPECT_EQ(tool("transform copy.xsl '" + sample + "orders.xml' -o step.xml").status, 0);
-    // The same way through memory, as the order of attributes differs from the file road's.
-    EXPECT_EQ(tool("chain step.xml '" + sample + "report.xsl' -o stepped.html").status, 0);
+    EXPECT_EQ(tool("transform '" + sample + "report.xsl' step.xml -o stepped.html").status, 0);
     EXPECT_GT(file("chained.html").size(), 10'000U);
     EXPECT_TRUE(sameBytes(file("chained.html"), file("stepped.html")));
 }
 
-TEST_F(ChainCommandTest, TellsOfAFailureWithALongText) {
+TEST_F(ChainCommandTest, ReportsAFailureWithALongText) {
     m_folder.write("long.xml", "<a>(" + std::string(200'000, 'x') + "</a>");
     m_folder.write("end.xsl",
                    stylesheetWithRootTemplate("<xsl:message terminate='yes'>"
@@ -72,31 +70,39 @@ TEST_F(ChainCommandTest, PassesParametersToEveryStylesheet) {
     EXPECT_EQ(tool("chain ok.xml p.xsl p.xsl p.xsl -p p=y").output, "<a>xyyy</a>");
 }
 
-TEST_F(ChainCommandTest, TellsWhichFileFailed) {
+/** The parameters are those of the source, whatever a stylesheet has made of it. */
+TEST_F(ChainCommandTest, EvaluatesExpressionsOverTheSource) {
+    m_folder.write("p.xsl",
+                   stylesheet("<xsl:output omit-xml-declaration='yes'/>"
+                              "<xsl:param name='p'/><xsl:template match='/'><c>"
+                              "<xsl:value-of select='concat(name(*), $p)'/></c></xsl:template>"));
+    EXPECT_EQ(tool("chain ok.xml p.xsl p.xsl --expression 'p=name(/*)'").output, "<c>ca</c>");
+}
+
+TEST_F(ChainCommandTest, NamesTheFileThatFailed) {
     m_folder.write("bad.xml", "<a>");
     m_folder.write("bad.xsl", "<x>\n</y>");
     m_folder.write("fault.xsl", stylesheetWithRootTemplate("<xsl:value-of select='a['/>"));
     m_folder.write("text.xsl", stylesheetWithRootTemplate("only text"));
-    expectFailure(tool("chain bad.xml one.xsl two.xsl"), 1, "bad.xml: SAXParseException: ");
-    expectFailure(tool("chain - one.xsl <bad.xml"), 1, "standard input: SAXParseException: ");
-    expectFailure(tool("chain ok.xml one.xsl bad.xsl"), 1,
-                  "bad.xsl: SAXParseException: ", "line 2");
-    expectFailure(tool("chain ok.xml fault.xsl one.xsl"), 1, "fault.xsl: XSLException ", "a[");
-    expectFailure(tool("chain ok.xml one.xsl fault.xsl"), 1, "fault.xsl: XSLException ", "a[");
-    expectFailure(tool("chain ok.xml text.xsl one.xsl"), 1,
-                  "text.xsl: XalanDOMException[3] occured.");
-    expectFailure(tool("chain none.xml one.xsl"), 1, "none.xml: No such file or directory");
-    expectFailure(tool("chain ok.xml one.xsl none.xsl"), 1, "none.xsl: No such file or directory");
+    expectFailure(tool("chain bad.xml one.xsl two.xsl"), 1, "bad.xml:1:4: ");
+    expectFailure(tool("chain - one.xsl <bad.xml"), 1, "-:1:4: ");
+    expectFailure(tool("chain ok.xml one.xsl bad.xsl"), 1, "bad.xsl:2:");
+    expectFailure(tool("chain ok.xml fault.xsl one.xsl"), 1, "fault.xsl:1:", "a[");
+    expectFailure(tool("chain ok.xml one.xsl fault.xsl"), 1, "fault.xsl:1:", "a[");
+    expectFailure(tool("chain none.xml one.xsl"), 1,
+                  "none.xml: cannot open: No such file or directory\n");
+    expectFailure(tool("chain ok.xml one.xsl none.xsl"), 1,
+                  "none.xsl: cannot open: No such file or directory, did you mean 'one.xsl'?\n");
     expectFailure(tool("chain ok.xml"), 2, "", "STYLESHEET");
-    expectFailure(tool("chain http://none.example/a.xml one.xsl"), 2,
-                  "http://none.example/a.xml: ");
+    expectFailure(tool("chain ok.xml text.xsl three.xsl"), 1,
+                  "text.xsl: the result has no document element\n");
+    EXPECT_NE(tool("chain ok.xml text.xsl").output.find("only text"), std::string::npos);
 }
 
-TEST_F(ChainCommandTest, HandsMessagesToStandardError) {
+TEST_F(ChainCommandTest, PrintsMessages) {
     m_folder.write("m.xsl", stylesheetWithRootTemplate("<a/><xsl:message>a message</xsl:message>"));
     const auto outcome = tool("chain ok.xml m.xsl m.xsl");
     EXPECT_EQ(outcome.output, "<a/>");
-    const auto first = outcome.error.find("a message");
-    EXPECT_NE(outcome.error.find("a message", first + 1), std::string::npos) << outcome.error;
+    EXPECT_EQ(outcome.error, "a message\na message\n");
     EXPECT_EQ(tool("chain ok.xml m.xsl m.xsl --quiet").error, "");
 }

@@ -79,7 +79,7 @@ TEST_F(SandboxTest, RefusesToReadAFileThroughAnEntity) {
          {"transform sheets/ok.xsl sources/entity.xml", "chain sources/entity.xml sheets/ok.xsl",
           "xpath / sources/entity.xml"}) {
         expectFailure(tool(std::string(command) + " --sandbox"), 1,
-                      "sources/entity.xml: ", "unable to open external entity");
+                      "sources/entity.xml:1:", "file access denied: file://");
     }
 }
 
@@ -87,16 +87,17 @@ TEST_F(SandboxTest, RefusesToReadTheSystemsFiles) {
     m_folder.write("sources/entity.xml",
                    "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>");
     expectFailure(tool("transform sheets/ok.xsl sources/entity.xml --sandbox"), 1,
-                  "sources/entity.xml: ", "/etc/passwd");
+                  "sources/entity.xml:1:", "file access denied: file:///etc/passwd\n");
 }
 
 TEST_F(SandboxTest, GivesAStylesheetNoDocumentFromElsewhere) {
     const std::string content =
         "<b><xsl:value-of select=\"document('../secrets/secret.xml')\"/></b>";
-    EXPECT_EQ(transform(content).output, "<b/>");
+    expectFailure(transform(content), 1, "sheets/sheet.xsl:1:", "file access denied: file://");
     EXPECT_EQ(tool("transform sheets/sheet.xsl sources/ok.xml").output, "<b>secret</b>");
     shell("ln -s ../secrets/secret.xml sheets/link.xml");
-    EXPECT_EQ(transform("<b><xsl:value-of select=\"document('link.xml')\"/></b>").output, "<b/>");
+    expectFailure(transform("<b><xsl:value-of select=\"document('link.xml')\"/></b>"), 1,
+                  "sheets/sheet.xsl:1:", "file access denied: file://");
 }
 
 TEST_F(SandboxTest, ReadsANamedFileThatIsALink) {
@@ -106,7 +107,7 @@ TEST_F(SandboxTest, ReadsANamedFileThatIsALink) {
 
 TEST_F(SandboxTest, UsesNoNetwork) {
     expectFailure(tool("transform sheets/ok.xsl http://127.0.0.1:9/a.xml --sandbox"), 1,
-                  "http://127.0.0.1:9/a.xml: the network is not to be used\n");
+                  "http://127.0.0.1:9/a.xml: network access denied: http://127.0.0.1:9/a.xml\n");
 }
 
 TEST_F(SandboxTest, KnowsTheTimeZone) {
@@ -124,9 +125,9 @@ TEST_F(SandboxTest, KnowsTheTimeZone) {
     EXPECT_TRUE(told == before || told == after) << outcome.output;
 }
 
-TEST_F(SandboxTest, TellsOfAPlaceThatCannotBeWritten) {
+TEST_F(SandboxTest, ReportsAPlaceThatCannotBeWritten) {
     expectFailure(tool("transform sheets/ok.xsl sources/ok.xml --sandbox -o none/out"), 1,
-                  "none/out: No such file or directory\n");
+                  "none/out: cannot create: No such file or directory\n");
 }
 
 TEST_F(SandboxTest, KeepsToTheFilesOnEarlierKernels) {
@@ -140,7 +141,7 @@ TEST_F(SandboxTest, KeepsToTheFilesOnEarlierKernels) {
             {SYS_landlock_create_ruleset, 2, ~0U, LANDLOCK_CREATE_RULESET_VERSION}, version, [&] {
                 const std::string sandboxed = "transform sheets/ok.xsl --sandbox -o results/out ";
                 expectFailure(tool(sandboxed + "sources/entity.xml"), 1,
-                              "sources/entity.xml: ", "unable to open external entity");
+                              "sources/entity.xml:1:", "file access denied: file://");
                 EXPECT_EQ(file("results/out"), "earlier");
                 EXPECT_EQ(tool(sandboxed + "sources/ok.xml").error, "");
                 EXPECT_EQ(file("results/out"), "<b>x</b>");
@@ -155,10 +156,10 @@ TEST_F(SandboxTest, NeverGoesOnOutsideOfIt) {
                           "--sandbox: " + reason + ": Cannot allocate memory\n");
         });
     };
-    expectRefused({SYS_landlock_create_ruleset, 2, ~0U, 0}, "no sandbox can be made");
-    expectRefused({SYS_landlock_add_rule}, m_folder.path("sources/ok.xml"));
-    expectRefused({SYS_prctl, 0, ~0U, PR_SET_NO_NEW_PRIVS}, "the sandbox cannot be entered");
-    expectRefused({SYS_landlock_restrict_self}, "the sandbox cannot be entered");
+    expectRefused({SYS_landlock_create_ruleset, 2, ~0U, 0}, "cannot create a sandbox");
+    expectRefused({SYS_landlock_add_rule}, "sheets/ok.xsl");
+    expectRefused({SYS_prctl, 0, ~0U, PR_SET_NO_NEW_PRIVS}, "cannot enter the sandbox");
+    expectRefused({SYS_landlock_restrict_self}, "cannot enter the sandbox");
 }
 
 using SandboxWithoutLandlockTest = ToolTest;
@@ -166,7 +167,7 @@ using SandboxWithoutLandlockTest = ToolTest;
 TEST_F(SandboxWithoutLandlockTest, Fails) {
     withAnsweredCall({SYS_landlock_create_ruleset}, -ENOSYS, [&] {
         expectFailure(tool("xpath / ok.xml --sandbox"), 1,
-                      "--sandbox: this system's kernel offers no Landlock: "
+                      "--sandbox: the kernel has no Landlock: "
                       "Function not implemented\n");
     });
 }

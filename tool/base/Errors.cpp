@@ -1,8 +1,7 @@
-#include "Failure.h"
+#include "base/Errors.h"
 
-#include "TerminalStyle.h"
+#include "base/Terminal.h"
 
-#include <algorithm>
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <iostream>
@@ -13,12 +12,14 @@ namespace {
 
 int g_nErrorDescriptor = STDERR_FILENO;
 
+bool isControl(char c) {
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == 0x7F;
+}
+
 } // namespace
 
-void tellFailure(const std::string& text) {
-    std::cout.flush();
-    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " +
-                     printable(foldLines(text)) + "\n";
+void printError(const std::string& text) {
+    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " + text + "\n";
 }
 
 void silenceSystemLibraries() {
@@ -33,27 +34,26 @@ void silenceSystemLibraries() {
     }
 }
 
-std::string foldLines(const std::string& text) {
-    constexpr const char* BLANKS = " \t\r\n";
-    std::string folded;
-    std::string::size_type begin = text.find_first_not_of(BLANKS);
-    while (begin != std::string::npos) {
-        const auto end = text.find_first_of("\r\n", begin);
-        std::string line = text.substr(begin, end - begin);
-        line.erase(line.find_last_not_of(BLANKS) + 1);
-        folded += folded.empty() ? line : " " + line;
-        begin = end == std::string::npos ? end : text.find_first_not_of(BLANKS, end);
+std::string oneLine(const std::string& text) {
+    constexpr const char* SPACES = " \t\r\n";
+    std::string line;
+    bool isAfterBreak = false;
+    for (const char c : text.substr(0, text.find_last_not_of(SPACES) + 1)) {
+        const bool isSpace = std::string(SPACES).find(c) != std::string::npos;
+        isAfterBreak = isAfterBreak || c == '\r' || c == '\n';
+        if (isSpace && (line.empty() || isAfterBreak)) {
+            continue;
+        }
+        if (isAfterBreak && !line.empty()) {
+            line.erase(line.find_last_not_of(SPACES) + 1);
+            line += ' ';
+        }
+        isAfterBreak = false;
+        line += isControl(c) ? '?' : c;
     }
-    return folded;
+    return line;
 }
 
-std::string printable(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(),
-        [](unsigned char c) { return (c < ' ' && c != '\t') || c == 0x7F; }, '?');
-    return text;
-}
-
-std::string systemReason(int errorNumber) {
+std::string systemMessage(int errorNumber) {
     return std::generic_category().message(errorNumber);
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * How the program tells of a failure: one line on standard error, and an exit status.
+ * Exit statuses, and how errors are reported: one line on standard error, an excerpt may follow.
  */
 #pragma once
 
@@ -11,34 +11,31 @@ constexpr int EXIT_DONE = 0;
 constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_USAGE = 2;
 
-/** Something failed; `name` is the file (or the like) that the reason is about. */
+/** Something failed; `name` is the file (or the like) at fault. */
 class Failure : public std::runtime_error {
 public:
-    Failure(const std::string& name, const std::string& reason)
-        : std::runtime_error(name + ": " + reason) {}
+    Failure(const std::string& name, const std::string& cause)
+        : std::runtime_error(name + ": " + cause) {}
 };
 
-/** The command line asks for something that cannot be. */
-class WrongUsage : public std::runtime_error {
+/** The command line is wrong; `name` is the argument at fault. */
+class UsageError : public std::runtime_error {
 public:
-    WrongUsage(const std::string& name, const std::string& reason)
-        : std::runtime_error(name + ": " + reason) {}
+    UsageError(const std::string& name, const std::string& cause)
+        : std::runtime_error(name + ": " + cause) {}
 };
 
-/** Writes "vexa-xslt: TEXT" as one line to standard error. */
-void tellFailure(const std::string& text);
+/** Prints "vexa-xslt: TEXT" and a newline on standard error. */
+void printError(const std::string& text);
 
 /**
- * Leaves standard error to this program's own texts: what the system libraries write there when
- * they end the process is lost from now on.
+ * Leaves standard error to this program's own texts: what system libraries write there when they
+ * end the process is discarded from now on.
  */
 void silenceSystemLibraries();
 
-/** The text without blanks at its ends, and with each run of line ends inside as one blank. */
-std::string foldLines(const std::string& text);
-
-/** The text with ? for what would reach into a terminal. */
-std::string printable(std::string text);
+/** The text on one line, without white space at its ends, with ? for control characters. */
+std::string oneLine(const std::string& text);
 
 /** What the operating system says of an errno value. */
-std::string systemReason(int errorNumber);
+std::string systemMessage(int errorNumber);

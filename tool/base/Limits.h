@@ -1,19 +1,27 @@
 /**
  * @file
- * What a run may take, and what it may reach.
+ * What the work on one source may take.
  */
 #pragma once
 
+#include <string>
+
+/** 0: no limit; of the depth, the usual one. */
 struct Limits {
-    /** The most address space, in MiB; 0 for no limit. */
-    unsigned maxMemory = 0;
-    /** The longest time by the clock; 0 for no limit. */
-    unsigned maxSeconds = 0;
-    bool noNetwork = false;
-    bool sandbox = false;
+    unsigned maxMemory = 0;  ///< MiB
+    unsigned maxSeconds = 0; ///< by the clock
+    unsigned maxOutput = 0;  ///< MiB
+    unsigned maxDepth = 0;   ///< levels of templates and elements
 
-    /** Whether the work belongs into a process of its own, whose end can be told in words. */
-    bool needChild() const { return maxMemory != 0 || maxSeconds != 0 || sandbox; }
-
-    bool forbidNetwork() const { return noNetwork || sandbox; }
+    bool areSet() const {
+        return maxMemory != 0 || maxSeconds != 0 || maxOutput != 0 || maxDepth != 0;
+    }
 };
+
+inline std::string timeLimitText(const Limits& limits) {
+    return "time limit of " + std::to_string(limits.maxSeconds) + " s exceeded (--max-seconds)";
+}
+
+inline std::string outputLimitText(const Limits& limits) {
+    return "output limit of " + std::to_string(limits.maxOutput) + " MiB exceeded (--max-output)";
+}

@@ -1,4 +1,4 @@
-#include "Suggestion.h"
+#include "base/Suggestion.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,13 +1,22 @@
-#include "TerminalStyle.h"
+#include "base/Terminal.h"
 
 #include <cstdlib>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
 
-bool showsStyles(int descriptor) {
-    return !std::getenv("NO_COLOR") && isSmartTerminal(descriptor);
+const char* codeOf(Style style) {
+    switch (style) {
+    case Style::Heading:
+        return "\033[1m";
+    case Style::Error:
+        return "\033[1;31m";
+    case Style::Caret:
+        break;
+    }
+    return "\033[1;32m";
 }
 
 } // namespace
@@ -17,12 +26,13 @@ bool isSmartTerminal(int descriptor) {
     return terminal && std::string_view(terminal) != "dumb" && isatty(descriptor) == 1;
 }
 
+std::size_t terminalColumns(int descriptor) {
+    constexpr std::size_t USUAL = 80;
+    winsize size{};
+    return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : USUAL;
+}
+
 std::string styled(const std::string& text, Style style, int descriptor) {
-    constexpr const char* BOLD = "\033[1m";
-    constexpr const char* BOLD_RED = "\033[1;31m";
-    constexpr const char* PLAIN = "\033[0m";
-    if (!showsStyles(descriptor)) {
-        return text;
-    }
-    return (style == Style::Error ? BOLD_RED : BOLD) + text + PLAIN;
+    const bool isShown = !std::getenv("NO_COLOR") && isSmartTerminal(descriptor);
+    return isShown ? codeOf(style) + text + "\033[0m" : text;
 }

@@ -1,15 +1,19 @@
 /**
  * @file
- * Colour and weight, for people only.
+ * What a terminal can show.
  */
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /** Whether the stream is a terminal that can do more than print one line after another. */
 bool isSmartTerminal(int descriptor);
 
-enum class Style { Heading, Error };
+/** How many columns a terminal has; 80 if it does not say. */
+std::size_t terminalColumns(int descriptor);
+
+enum class Style { Heading, Error, Caret };
 
 /**
  * The text in a style, or as it is where nobody would see it: where the stream is no terminal, the

@@ -1,9 +1,8 @@
-#include "BatchPlan.h"
+#include "batch/BatchPlan.h"
 
-#include "../Failure.h"
-#include "../FileNames.h"
-#include "../OutputFile.h"
-#include "../Source.h"
+#include "base/Errors.h"
+#include "files/InputArgument.h"
+#include "files/OutputPlace.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -24,62 +23,56 @@ std::vector<std::string> readNames(std::istream& list, const std::string& listNa
     std::vector<std::string> names;
     for (std::string name; std::getline(list, name, separatedByNul ? '\0' : '\n');) {
         if (name.find('\0') != std::string::npos) {
-            throw WrongUsage(listName, "its names are separated by NUL; give -0");
+            throw UsageError(listName, "the names are separated by NUL: give -0");
         }
         if (!name.empty()) {
             names.push_back(name);
         }
     }
     if (list.bad()) {
-        throw Failure(listName, "it cannot be read");
+        throw Failure(listName, systemMessage(EIO));
     }
     return names;
 }
 
 std::vector<std::string> namesFrom(const BatchOptions& options) {
-    Source list(options.filesFrom);
-    list.checkReadable();
-    return readNames(list.open(), list.name(), options.separatedByNul);
+    const std::string& name = options.filesFrom;
+    if (name == STANDARD_STREAM) {
+        return readNames(std::cin, name, options.separatedByNul);
+    }
+    std::ifstream file(name, std::ios::binary);
+    if (!file) {
+        throw Failure(name, systemMessage(errno));
+    }
+    return readNames(file, name, options.separatedByNul);
 }
 
 /** The file name of a source: of a URI, what stands last in its path. */
 std::string fileName(const std::string& source) {
-    const InputName name(source);
-    std::string path = displayName(name.uri());
-    if (!name.isLocal()) {
-        path.erase(std::min(path.find_first_of("?#"), path.size()));
-    }
-    return fs::path(path).filename().string();
+    const InputArgument argument(source);
+    const auto path = argument.path();
+    return path ? path->filename().string()
+                : fs::path(source.substr(0, source.find_first_of("?#"))).filename().string();
 }
 
 BatchJob planJob(const std::string& source, const BatchOptions& options) {
     if (source == STANDARD_STREAM) {
-        throw WrongUsage(source, "a batch does not read a source from standard input");
+        throw UsageError(source, "batch cannot read a source from standard input");
     }
     const std::string name = fs::path(fileName(source)).stem().string();
     if (name.empty()) {
-        throw WrongUsage(source.empty() ? "''" : source,
-                         "it has no file name that a result could be named by");
+        throw UsageError(source, "no file name to name the result by");
     }
     return {source, (fs::path(options.directory) / (name + options.suffix)).string()};
-}
-
-/** Links followed; the name itself where they lead nowhere, which is told later. */
-std::string place(const std::string& output) {
-    try {
-        return outputPlace(output);
-    } catch (const Failure&) {
-        return output;
-    }
 }
 
 void refuseSharedOutputs(const std::vector<BatchJob>& jobs) {
     std::unordered_map<std::string, const BatchJob*> byPlace;
     for (const BatchJob& job : jobs) {
-        const auto [earlier, isFirst] = byPlace.emplace(place(job.output), &job);
+        const auto [earlier, isFirst] = byPlace.emplace(outputPlace(job.output).string(), &job);
         if (!isFirst) {
-            throw WrongUsage(job.source, "its result would go to " + job.output + ", as that of " +
-                                             earlier->second->source + " does");
+            throw UsageError(job.source, "its result would go to " + job.output + ", as that of " +
+                                             earlier->second->source);
         }
     }
 }
@@ -100,11 +93,12 @@ void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& 
         }
     }
     const auto check = [&](const std::string& input) {
-        const auto id = idOf(displayName(InputName(input).uri()));
+        const auto path = InputArgument(input).path();
+        const auto id = path ? idOf(path->string()) : std::nullopt;
         const auto replacing = id ? byOutput.find(*id) : byOutput.end();
         if (replacing != byOutput.end()) {
-            throw WrongUsage(input, "the result of " + replacing->second->source +
-                                        " would take its place");
+            throw UsageError(input,
+                             "the result of " + replacing->second->source + " would replace it");
         }
     };
     if (!byOutput.empty()) {
@@ -114,17 +108,6 @@ void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& 
 }
 
 } // namespace
-
-BatchFiles::BatchFiles(const Batch& batch)
-    : m_named(batch.options.stylesheet, batch.options.directory) {
-    m_inputs.emplace_back(batch.options.stylesheet);
-    for (const BatchJob& job : batch.jobs) {
-        m_inputs.emplace_back(job.source);
-    }
-    for (const InputName& input : m_inputs) {
-        m_named.inputs.push_back(&input);
-    }
-}
 
 std::vector<BatchJob> planBatch(const BatchOptions& options) {
     std::vector<BatchJob> jobs;

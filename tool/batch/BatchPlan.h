@@ -4,8 +4,7 @@
  */
 #pragma once
 
-#include "../CommonOptions.h"
-#include "../NamedFiles.h"
+#include "cli/RunOptions.h"
 
 #include <string>
 #include <vector>
@@ -19,11 +18,7 @@ struct BatchOptions {
     std::string directory;
     std::string suffix = ".out";
     unsigned jobs = 0;
-    bool isolate = false;
-    CommonOptions common;
-
-    /** Whether each worker is a process of its own; limits are those of a process. */
-    bool needProcesses() const { return isolate || common.limits.needChild(); }
+    RunOptions run;
 };
 
 struct BatchJob {
@@ -33,29 +28,10 @@ struct BatchJob {
     std::string output;
 };
 
-struct Batch {
-    BatchOptions options;
-    Parameters parameters;
-    std::vector<BatchJob> jobs;
-};
-
-/** The files that a batch names. */
-class BatchFiles {
-public:
-    explicit BatchFiles(const Batch& batch);
-
-    /** As long as this lives. */
-    const NamedFiles& named() const { return m_named; }
-
-private:
-    std::vector<InputName> m_inputs;
-    NamedFiles m_named;
-};
-
 /**
- * The jobs in the order of the command line, those of the list behind.
+ * The jobs in the order of the command line, those of the list after them.
  *
- * @throws WrongUsage where two results would go to one file, or one would replace a source
+ * @throws UsageError where two results would go to one file, or one would replace a source
  * @throws Failure where the list cannot be read
  */
 std::vector<BatchJob> planBatch(const BatchOptions& options);

@@ -1,4 +1,4 @@
-#include "Channel.h"
+#include "batch/Channel.h"
 
 #include <cerrno>
 #include <cstring>
@@ -13,7 +13,7 @@ struct Head {
     std::uint32_t length;
 };
 
-/** What cannot be sent is for nobody: the other one is gone, and the next receipt tells. */
+/** What cannot be sent is dropped: the other process is gone, and the next receipt shows it. */
 void sendAll(int socket, const char* bytes, std::size_t length) {
     while (length > 0) {
         const ssize_t sent = send(socket, bytes, length, MSG_NOSIGNAL);
@@ -25,19 +25,19 @@ void sendAll(int socket, const char* bytes, std::size_t length) {
     }
 }
 
-/** The first report of the bytes received, which it is taken from; none if it is not complete. */
-std::optional<Report> takeReport(std::string& received) {
+/** Takes the complete reports from the bytes received. */
+void takeReports(std::string& received, std::vector<Report>& reports) {
     Head head{};
-    if (received.size() < sizeof head) {
-        return std::nullopt;
+    std::size_t taken = 0;
+    while (received.size() - taken >= sizeof head) {
+        std::memcpy(&head, received.data() + taken, sizeof head);
+        if (received.size() - taken - sizeof head < head.length) {
+            break;
+        }
+        reports.push_back({head.kind, received.substr(taken + sizeof head, head.length)});
+        taken += sizeof head + head.length;
     }
-    std::memcpy(&head, received.data(), sizeof head);
-    if (received.size() - sizeof head < head.length) {
-        return std::nullopt;
-    }
-    Report report{head.kind, received.substr(sizeof head, head.length)};
-    received.erase(0, sizeof head + head.length);
-    return report;
+    received.erase(0, taken);
 }
 
 } // namespace
@@ -58,36 +58,34 @@ std::optional<std::uint32_t> WorkerChannel::nextJob() const {
     return received == sizeof job ? std::optional<std::uint32_t>(job) : std::nullopt;
 }
 
-ForemanChannel::~ForemanChannel() {
-    hangUp();
+SchedulerChannel::~SchedulerChannel() {
+    close();
 }
 
-void ForemanChannel::handOver(std::uint32_t job) const {
+void SchedulerChannel::send(std::uint32_t job) const {
     sendAll(m_socket.get(), reinterpret_cast<const char*>(&job), sizeof job);
 }
 
-void ForemanChannel::hangUp() const {
+void SchedulerChannel::close() const {
     // Not by closing: other workers may have inherited this end.
     shutdown(m_socket.get(), SHUT_WR);
 }
 
-bool ForemanChannel::receive(std::vector<Report>& reports) {
+bool SchedulerChannel::receive(std::vector<Report>& reports) {
     char bytes[16 * 1024];
     const ssize_t received = recv(m_socket.get(), bytes, sizeof bytes, MSG_DONTWAIT);
     if (received < 0) {
         return errno == EAGAIN || errno == EINTR;
     }
     m_strReceived.append(bytes, static_cast<std::size_t>(received));
-    while (auto report = takeReport(m_strReceived)) {
-        reports.push_back(std::move(*report));
-    }
+    takeReports(m_strReceived, reports);
     return received > 0;
 }
 
 Connection openConnection() {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
-        throw std::system_error(errno, std::generic_category(), "a connection to a worker");
+        throw std::system_error(errno, std::generic_category(), "cannot connect to a worker");
     }
-    return {ForemanChannel(Descriptor(sockets[0])), WorkerChannel(Descriptor(sockets[1]))};
+    return {SchedulerChannel(Descriptor(sockets[0])), WorkerChannel(Descriptor(sockets[1]))};
 }

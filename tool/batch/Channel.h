@@ -1,11 +1,10 @@
 /**
  * @file
- * The connection between the one who gives out work and a worker: a thread, or a process that may
- * end at any time.
+ * The connection between the scheduler and a worker, a process that may end at any time.
  */
 #pragma once
 
-#include "../Descriptor.h"
+#include "base/Descriptor.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,11 +12,11 @@
 #include <utility>
 #include <vector>
 
-/** What a worker tells. */
+/** What a worker reports. */
 struct Report {
     enum class Kind : std::uint32_t {
-        Ready,   ///< it wants a job
-        Message, ///< what the engine prints, in whole lines
+        Started, ///< it can do jobs
+        Message, ///< a message about the job
         Done,    ///< the job's result is in its place
         Failed,  ///< there is no result; the text says why
         GivenUp, ///< it can do no job at all; the text says why
@@ -34,7 +33,7 @@ public:
 
     void send(Report::Kind kind, const std::string& text = "") const;
 
-    /** Waits for the number of the next job; none when there will be no more. */
+    /** Waits for the number of the next job; nothing when there will be no more. */
     std::optional<std::uint32_t> nextJob() const;
 
 private:
@@ -42,21 +41,21 @@ private:
 };
 
 /** The other end. */
-class ForemanChannel {
+class SchedulerChannel {
 public:
-    /** Hangs up: the worker ends when its job is done. */
-    ~ForemanChannel();
-    explicit ForemanChannel(Descriptor socket = Descriptor()) : m_socket(std::move(socket)) {}
-    ForemanChannel(ForemanChannel&&) = default;
-    ForemanChannel& operator=(ForemanChannel&&) = default;
+    /** Closes: the worker ends when its jobs are done. */
+    ~SchedulerChannel();
+    explicit SchedulerChannel(Descriptor socket = Descriptor()) : m_socket(std::move(socket)) {}
+    SchedulerChannel(SchedulerChannel&&) = default;
+    SchedulerChannel& operator=(SchedulerChannel&&) = default;
 
     /** To be polled for what can be received. */
     int descriptor() const { return m_socket.get(); }
 
-    void handOver(std::uint32_t job) const;
+    void send(std::uint32_t job) const;
 
     /** There will be no more jobs. */
-    void hangUp() const;
+    void close() const;
 
     /**
      * Receives what is there, without waiting.
@@ -71,7 +70,7 @@ private:
 
 /** Both ends of a connection. */
 struct Connection {
-    ForemanChannel foremansEnd;
+    SchedulerChannel schedulersEnd;
     WorkerChannel workersEnd;
 };
 

@@ -1,23 +1,16 @@
-#include "ProgressBar.h"
+#include "batch/ProgressBar.h"
 
-#include "../TerminalStyle.h"
+#include "base/Terminal.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iostream>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr const char* CLEAR_LINE = "\r\033[K";
-
-std::size_t terminalColumns() {
-    constexpr std::size_t USUAL = 80;
-    winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : USUAL;
-}
 
 /** "1:05:09", "0:07" */
 std::string clockTime(double seconds) {
@@ -32,7 +25,7 @@ std::string clockTime(double seconds) {
     return text;
 }
 
-/** Small rates with a digit behind the point. */
+/** Small rates with a decimal. */
 std::string rateText(double perSecond) {
     char text[64];
     std::snprintf(text, sizeof text, perSecond < 10 ? "%.1f/s" : "%.0f/s", perSecond);
@@ -78,11 +71,12 @@ ProgressBar::ProgressBar(bool wanted) : m_bShown(wanted && isSmartTerminal(STDER
 void ProgressBar::draw(const Tally& tally) {
     constexpr auto MOMENT = std::chrono::milliseconds(100);
     const Clock::time_point now = Clock::now();
-    if (!m_bShown || (m_bOnScreen && now - m_lastDrawn < MOMENT)) {
+    if (!m_bShown || now - m_begin < DELAY || (m_bOnScreen && now - m_lastDrawn < MOMENT)) {
         return;
     }
     const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    std::cerr << CLEAR_LINE + progressLine(tally, seconds, terminalColumns()) << std::flush;
+    std::cerr << CLEAR_LINE + progressLine(tally, seconds, terminalColumns(STDERR_FILENO))
+              << std::flush;
     m_bOnScreen = true;
     m_lastDrawn = now;
 }

@@ -35,6 +35,9 @@ public:
     Clock::duration interval() const;
 
 private:
+    /** What takes no longer needs no progress bar. */
+    static constexpr auto DELAY = std::chrono::seconds(1);
+
     bool m_bShown;
     bool m_bOnScreen = false;
     Clock::time_point m_begin = Clock::now();

@@ -1,8 +1,6 @@
-#include "Foreman.h"
+#include "batch/Scheduler.h"
 
-#include "../ChildProcess.h"
-#include "../Failure.h"
-#include "../UnfinishedFile.h"
+#include "base/Errors.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,54 +9,55 @@
 #include <sstream>
 #include <sys/signalfd.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace {
 
 /** Not where the reader of a pipe waits, or a terminal is stopped. */
-bool canTellAtOnce() {
+bool canPrintAtOnce() {
     pollfd standardError{STDERR_FILENO, POLLOUT, 0};
     return poll(&standardError, 1, 0) == 1;
 }
 
 /** To be polled for signals. */
-Descriptor openSignalSource(const HeldSignals& signals) {
+Descriptor openSignalSource(const BlockedSignals& signals) {
     Descriptor source(signalfd(-1, &signals.set(), SFD_NONBLOCK | SFD_CLOEXEC));
     if (source.get() < 0) {
-        throw std::system_error(errno, std::generic_category(), "signals");
+        throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
     }
     return source;
 }
 
 } // namespace
 
-Foreman::Foreman(const Batch& batch, const HeldSignals& signals)
-    : m_batch(batch), m_signals(signals), m_signalSource(openSignalSource(signals)),
-      m_progress(!batch.options.common.quiet) {
-    m_tally.total = batch.jobs.size();
+Scheduler::Scheduler(const BatchOptions& options, const std::vector<BatchJob>& jobs,
+                     const BlockedSignals& signals, Work work)
+    : m_options(options), m_jobs(jobs), m_signals(signals), m_work(std::move(work)),
+      m_signalSource(openSignalSource(signals)), m_progress(!options.run.quiet) {
+    m_tally.total = jobs.size();
 }
 
-Tally Foreman::run(std::vector<std::unique_ptr<Worker>> workers) {
-    for (auto& worker : workers) {
-        Post& post = m_posts.emplace_back();
-        post.worker = std::move(worker);
+Tally Scheduler::run(std::size_t workers) {
+    for (std::size_t i = 0; i < workers; ++i) {
+        m_slots.push_back(std::make_unique<Slot>());
     }
     try {
-        haveAllDone();
-    } catch (const std::exception& failure) {
+        runAll();
+    } catch (const std::exception& error) {
         m_progress.clear();
         if (m_tally.finished() == 0) {
             throw;
         }
         waitForStandardError();
-        tellFailure(failure.what());
+        printError(error.what());
     }
     return m_tally;
 }
 
-void Foreman::haveAllDone() {
-    std::for_each(m_posts.begin(), m_posts.end(), [this](Post& post) { man(post); });
-    while (isAnyManned()) {
-        if (canTellAtOnce()) {
+void Scheduler::runAll() {
+    std::for_each(m_slots.begin(), m_slots.end(), [this](const auto& slot) { start(*slot); });
+    while (isAnyRunning()) {
+        if (canPrintAtOnce()) {
             m_progress.draw(m_tally);
         }
         wait();
@@ -66,45 +65,47 @@ void Foreman::haveAllDone() {
     m_progress.clear();
 }
 
-void Foreman::man(Post& post) {
+void Scheduler::start(Slot& slot) {
     Connection connection = openConnection();
-    post.channel = std::move(connection.foremansEnd);
-    post.wasReady = false;
-    post.isLate = false;
+    slot.channel = std::move(connection.schedulersEnd);
+    slot.hasStarted = false;
     try {
-        post.worker->start(std::move(connection.workersEnd));
-        post.isManned = true;
-    } catch (const Failure&) {
-        if (!isAnyManned()) {
-            throw;
+        slot.process.start([&] {
+            m_signals.unblock();
+            return m_work(connection.workersEnd);
+        });
+    } catch (const std::system_error& error) {
+        if (!isAnyRunning()) {
+            throw Failure(m_options.stylesheet, error.what());
         }
     }
 }
 
-void Foreman::wait() {
+void Scheduler::wait() {
     std::vector<pollfd> sources{{m_signalSource.get(), POLLIN, 0}};
-    for (const Post& post : m_posts) {
-        sources.push_back({post.isManned ? post.channel.descriptor() : -1, POLLIN, 0});
+    for (const auto& slot : m_slots) {
+        sources.push_back({slot->process.isRunning() ? slot->channel.descriptor() : -1, POLLIN, 0});
     }
     if (poll(sources.data(), sources.size(), millisecondsToWait()) > 0) {
         if (sources.front().revents != 0) {
             endOnSignal();
         }
-        for (std::size_t i = 0; i < m_posts.size(); ++i) {
+        for (std::size_t i = 0; i < m_slots.size(); ++i) {
             if (sources[i + 1].revents != 0) {
-                takeReports(m_posts[i]);
+                receiveFrom(*m_slots[i]);
             }
         }
     }
-    stopLateWorkers();
+    std::for_each(m_slots.begin(), m_slots.end(),
+                  [](const auto& slot) { slot->process.killIfLate(); });
 }
 
 /** Until something is to be done that nobody reports; -1 where there is no such thing. */
-int Foreman::millisecondsToWait() const {
+int Scheduler::millisecondsToWait() const {
     Clock::duration left = m_progress.interval();
-    for (const Post& post : m_posts) {
-        if (post.deadline) {
-            left = std::min(left, std::max(*post.deadline - Clock::now(), Clock::duration::zero()));
+    for (const auto& slot : m_slots) {
+        if (const auto& deadline = slot->process.deadline()) {
+            left = std::min(left, std::max(*deadline - Clock::now(), Clock::duration::zero()));
         }
     }
     const bool forever = left == Clock::duration::max();
@@ -113,88 +114,82 @@ int Foreman::millisecondsToWait() const {
     return forever ? -1 : static_cast<int>(std::min(milliseconds, LONGEST).count());
 }
 
-void Foreman::takeReports(Post& post) {
+void Scheduler::receiveFrom(Slot& slot) {
     std::vector<Report> reports;
-    const bool isThere = post.channel.receive(reports);
+    const bool isThere = slot.channel.receive(reports);
     for (const Report& report : reports) {
-        take(post, report);
+        take(slot, report);
     }
     if (!isThere) {
-        takeEnd(post);
+        takeEnd(slot);
     }
 }
 
-void Foreman::take(Post& post, const Report& report) {
+void Scheduler::take(Slot& slot, const Report& report) {
     switch (report.kind) {
-    case Report::Kind::Ready:
-        giveJob(post);
+    case Report::Kind::Started:
+        slot.hasStarted = true;
         break;
     case Report::Kind::Message:
-        tellMessage(post, report.text);
-        break;
+        printMessage(slot, report.text);
+        return;
     case Report::Kind::Done:
         ++m_tally.done;
-        post.endJob();
+        endJob(slot);
         break;
     case Report::Kind::Failed:
-        tellFailed(report.text);
-        post.endJob();
+        printFailed(report.text);
+        endJob(slot);
         break;
     case Report::Kind::GivenUp:
         throw std::runtime_error(report.text);
     }
+    giveJobs(slot);
 }
 
-void Foreman::giveJob(Post& post) {
-    post.wasReady = true;
-    if (post.isLate) {
+void Scheduler::endJob(Slot& slot) {
+    slot.jobs.pop_front();
+    slot.process.setTimeLimit(slot.jobs.empty() ? 0 : m_options.run.limits.maxSeconds);
+}
+
+/** A few ahead, so that no worker has to wait; fewer near the end, so that all end together. */
+void Scheduler::giveJobs(Slot& slot) {
+    if (slot.process.isLate()) {
         return; // it had finished just in time, but is no more
     }
-    if (m_nNextJob == m_batch.jobs.size()) {
-        post.channel.hangUp();
-        return;
+    constexpr std::size_t MOST_AHEAD = 8;
+    const std::size_t ahead =
+        std::clamp<std::size_t>(jobsLeft() / (2 * m_slots.size()), 1, MOST_AHEAD);
+    while (slot.jobs.size() < ahead && jobsLeft() != 0) {
+        slot.jobs.push_back(takeNextJob());
+        slot.channel.send(slot.jobs.back());
+        if (slot.jobs.size() == 1) {
+            slot.process.setTimeLimit(m_options.run.limits.maxSeconds);
+        }
     }
-    post.job = m_nNextJob++;
-    const unsigned maxSeconds = m_batch.options.common.limits.maxSeconds;
-    if (maxSeconds != 0) {
-        post.deadline = Clock::now() + std::chrono::seconds(maxSeconds);
+    if (slot.jobs.empty()) {
+        slot.channel.close();
     }
-    post.channel.handOver(*post.job);
 }
 
 /** The worker is gone. Another takes its place while there is work. */
-void Foreman::takeEnd(Post& post) {
-    std::string reason = post.worker->end();
-    if (post.isLate) {
-        reason = lackOfTime(m_batch.options.common.limits);
-    } else if (reason.empty()) {
-        reason = "the engine gave up without a reason";
+void Scheduler::takeEnd(Slot& slot) {
+    const std::string cause = slot.process.wait().cause(m_options.run.limits);
+    if (!slot.hasStarted) {
+        throw Failure(m_options.stylesheet, cause);
     }
-    post.isManned = false;
-    if (!post.wasReady) {
-        throw Failure(m_batch.options.stylesheet, reason);
+    if (!slot.jobs.empty()) {
+        printFailed(oneLine(sourceOf(slot)) + ": " + cause);
+        m_returned.insert(m_returned.end(), slot.jobs.begin() + 1, slot.jobs.end());
+        slot.jobs.clear();
     }
-    if (post.job) {
-        tellFailed(sourceOf(post) + ": " + reason);
-        post.endJob();
-    }
-    if (m_nNextJob < m_batch.jobs.size()) {
-        man(post);
+    if (jobsLeft() != 0) {
+        start(slot);
     }
 }
 
-void Foreman::stopLateWorkers() {
-    for (Post& post : m_posts) {
-        if (post.deadline && *post.deadline <= Clock::now()) {
-            post.isLate = true;
-            post.deadline.reset();
-            post.worker->stop();
-        }
-    }
-}
-
-/** Signals are held: nobody could end a process that is stuck in writing to a reader who waits. */
-void Foreman::waitForStandardError() {
+/** Signals are blocked: nobody could end a process that is stuck in writing to a pipe. */
+void Scheduler::waitForStandardError() {
     pollfd either[] = {{m_signalSource.get(), POLLIN, 0}, {STDERR_FILENO, POLLOUT, 0}};
     while (either[1].revents == 0) {
         poll(either, std::size(either), -1);
@@ -202,57 +197,52 @@ void Foreman::waitForStandardError() {
     }
 }
 
-void Foreman::tellMessage(const Post& post, const std::string& text) {
-    waitForStandardError();
+void Scheduler::printMessage(const Slot& slot, const std::string& text) {
     m_progress.clear();
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        if (!line.empty()) {
-            waitForStandardError();
-            std::cerr << (post.job ? printable(sourceOf(post)) + ": " : "") + line + "\n";
-        }
+        waitForStandardError();
+        std::cerr << (slot.jobs.empty() ? "" : oneLine(sourceOf(slot)) + ": ") + line + "\n";
     }
-    std::cerr.flush();
 }
 
-void Foreman::tellFailed(const std::string& text) {
+void Scheduler::printFailed(const std::string& text) {
     ++m_tally.failed;
     waitForStandardError();
     m_progress.clear();
-    tellFailure(text);
+    printError(text);
 }
 
-void Foreman::endOnSignal() {
+void Scheduler::endOnSignal() {
     signalfd_siginfo signal{};
     while (read(m_signalSource.get(), &signal, sizeof signal) == sizeof signal) {
         const int signalNumber = static_cast<int>(signal.ssi_signo);
-        if (isOuterSignal(signalNumber)) {
+        if (isFromOutside(signalNumber)) {
             interrupt(signalNumber);
         }
     }
 }
 
-void Foreman::interrupt(int signalNumber) {
-    const bool canTell = canTellAtOnce();
-    // Kept to the end, so that no thread finishes anything, or makes another file.
-    const auto lock = lockUnfinishedFiles();
-    for (Post& post : m_posts) {
-        post.worker->stop();
-        countLastReports(post);
+void Scheduler::interrupt(int signalNumber) {
+    const bool canPrint = canPrintAtOnce();
+    for (const auto& slot : m_slots) {
+        if (slot->process.isRunning()) {
+            slot->process.send(SIGKILL);
+            slot->process.wait();
+            countLastReports(*slot);
+        }
     }
-    if (canTell) {
+    if (canPrint) {
         m_progress.clear();
-        tellFailure("interrupted: " + summary(m_tally));
+        printError("interrupted: " + summary(m_tally));
     }
-    removeUnfinishedFiles(lock); // last, as nothing can be opened after it
     m_signals.endBy(signalNumber);
 }
 
-/** What was in its place already, but not taken note of. */
-void Foreman::countLastReports(Post& post) {
+/** What was in its place already, but not counted. */
+void Scheduler::countLastReports(Slot& slot) {
     std::vector<Report> reports;
-    if (post.isManned) {
-        post.channel.receive(reports);
+    while (slot.channel.receive(reports)) {
     }
     for (const Report& report : reports) {
         m_tally.done += report.kind == Report::Kind::Done ? 1 : 0;
@@ -260,13 +250,26 @@ void Foreman::countLastReports(Post& post) {
     }
 }
 
-bool Foreman::isAnyManned() const {
-    return std::any_of(m_posts.begin(), m_posts.end(),
-                       [](const Post& post) { return post.isManned; });
+bool Scheduler::isAnyRunning() const {
+    return std::any_of(m_slots.begin(), m_slots.end(),
+                       [](const auto& slot) { return slot->process.isRunning(); });
 }
 
-const std::string& Foreman::sourceOf(const Post& post) const {
-    return m_batch.jobs[*post.job].source;
+std::size_t Scheduler::jobsLeft() const {
+    return m_jobs.size() - m_nNextJob + m_returned.size();
+}
+
+std::uint32_t Scheduler::takeNextJob() {
+    if (m_returned.empty()) {
+        return m_nNextJob++;
+    }
+    const std::uint32_t job = m_returned.front();
+    m_returned.pop_front();
+    return job;
+}
+
+const std::string& Scheduler::sourceOf(const Slot& slot) const {
+    return m_jobs[slot.jobs.front()].source;
 }
 
 std::string summary(const Tally& tally) {

@@ -1,85 +1,86 @@
 /**
  * @file
- * The one who gives out the jobs of a batch, and tells what comes of them.
+ * Distributes the jobs of a batch to workers, and reports what becomes of them.
  */
 #pragma once
 
-#include "BatchPlan.h"
-#include "Channel.h"
-#include "ProgressBar.h"
-#include "Worker.h"
+#include "base/Limits.h"
+#include "batch/BatchPlan.h"
+#include "batch/Channel.h"
+#include "batch/ProgressBar.h"
+#include "process/BlockedSignals.h"
+#include "process/ChildProcess.h"
 
-#include "../HeldSignals.h"
-
-#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
-/**
- * Only this one writes to standard error, so that lines stay whole, and only in one thread.
- */
-class Foreman {
+/** Only the scheduler writes to standard error, so that lines stay whole. */
+class Scheduler {
 public:
-    /** @param batch,signals borrowed */
-    Foreman(const Batch& batch, const HeldSignals& signals);
-    Foreman(const Foreman&) = delete;
-    Foreman& operator=(const Foreman&) = delete;
+    /** What a worker does, in a process of its own. @return its exit status */
+    using Work = std::function<int(const WorkerChannel&)>;
+
+    /** @param options,jobs,signals borrowed */
+    Scheduler(const BatchOptions& options, const std::vector<BatchJob>& jobs,
+              const BlockedSignals& signals, Work work);
+    Scheduler(const Scheduler&) = delete;
+    Scheduler& operator=(const Scheduler&) = delete;
 
     /**
-     * Has all jobs done. Each failure is told at once. When a signal comes, unfinished results are
-     * removed, a last line is told, and the process ends by that signal.
+     * Has all jobs done. Each failure is printed at once. When a signal comes, the workers are
+     * killed, a last line is printed, and the process ends by that signal.
      *
-     * Where workers can no longer be made, the rest is left undone, and the reason told.
+     * Where no more workers can be started, the rest is left undone, and the cause printed.
      *
-     * @param workers at least one; of these, as many work as the system allows
+     * @param workers how many, at least one; as many of these work as the system allows
      * @throws Failure where the workers cannot do any job
      */
-    Tally run(std::vector<std::unique_ptr<Worker>> workers);
+    Tally run(std::size_t workers);
 
 private:
-    using Clock = HeldSignals::Clock;
+    using Clock = ChildProcess::Clock;
 
-    /** A worker, and what it does. */
-    struct Post {
-        std::unique_ptr<Worker> worker;
-        ForemanChannel channel;
-        bool isManned = false;
-        bool wasReady = false;
-        bool isLate = false;
-        std::optional<std::uint32_t> job;
-        std::optional<Clock::time_point> deadline;
-
-        void endJob() {
-            job.reset();
-            deadline.reset();
-        }
+    /** A worker, and the jobs that it has not finished, the current one first. */
+    struct Slot {
+        ChildProcess process;
+        SchedulerChannel channel;
+        bool hasStarted = false;
+        std::deque<std::uint32_t> jobs;
     };
 
-    void haveAllDone();
-    void man(Post& post);
+    void runAll();
+    void start(Slot& slot);
     void wait();
     int millisecondsToWait() const;
-    void takeReports(Post& post);
-    void take(Post& post, const Report& report);
-    void giveJob(Post& post);
-    void takeEnd(Post& post);
-    void stopLateWorkers();
+    void receiveFrom(Slot& slot);
+    void take(Slot& slot, const Report& report);
+    void endJob(Slot& slot);
+    void giveJobs(Slot& slot);
+    void takeEnd(Slot& slot);
     void waitForStandardError();
-    void tellMessage(const Post& post, const std::string& text);
-    void tellFailed(const std::string& text);
+    void printMessage(const Slot& slot, const std::string& text);
+    void printFailed(const std::string& text);
     void endOnSignal();
     [[noreturn]] void interrupt(int signalNumber);
-    void countLastReports(Post& post);
+    void countLastReports(Slot& slot);
 
-    bool isAnyManned() const;
-    const std::string& sourceOf(const Post& post) const;
+    bool isAnyRunning() const;
+    std::size_t jobsLeft() const;
+    std::uint32_t takeNextJob();
+    const std::string& sourceOf(const Slot& slot) const;
 
-    const Batch& m_batch;
-    const HeldSignals& m_signals;
+    const BatchOptions& m_options;
+    const std::vector<BatchJob>& m_jobs;
+    const BlockedSignals& m_signals;
+    Work m_work;
     Descriptor m_signalSource;
-    std::vector<Post> m_posts;
+    std::vector<std::unique_ptr<Slot>> m_slots;
     std::uint32_t m_nNextJob = 0;
+    /** Given to a worker that ended before it came to them. */
+    std::deque<std::uint32_t> m_returned;
     Tally m_tally;
     ProgressBar m_progress;
 };

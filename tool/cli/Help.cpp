@@ -1,6 +1,6 @@
-#include "Help.h"
+#include "cli/Help.h"
 
-#include "TerminalStyle.h"
+#include "base/Terminal.h"
 
 #include <CLI/CLI.hpp>
 
@@ -90,7 +90,7 @@ private:
                     return option->nonpositional() && option->get_type_size() > 0;
                 })
                  .empty();
-        const std::size_t column = hasValues ? 28 : 19;
+        const std::size_t column = hasValues ? 31 : 19;
         std::string text;
         for (const std::string& group : app.get_groups()) {
             Options members = app.get_options([&](const CLI::Option* option) {

@@ -1,25 +1,15 @@
-#include "CommonOptions.h"
-
-#include "Failure.h"
+#include "cli/RunOptions.h"
 
 #include <CLI/CLI.hpp>
 
 #include <string>
 
-#include <xercesc/util/XMLChar.hpp>
-
 namespace {
 
-/** A name without a prefix: for a prefix there is no place to declare it. */
-bool isName(const I18NString& text) {
-    const auto* const utf16 = static_cast<const char16_t*>(text.getExternalBuffer());
-    return xercesc::XMLChar1_0::isValidNCName(utf16, std::char_traits<char16_t>::length(utf16));
-}
-
-constexpr const char* LIMITS = "Against hostile input";
+constexpr const char* LIMITS = "Limits for each source";
 
 /** Without a description, which would show in the help. */
-CLI::Validator wholeNumberUpTo(unsigned largest) {
+CLI::Validator integerUpTo(unsigned largest) {
     return CLI::Validator(
         [largest](const std::string& text) {
             const bool isNumber = !text.empty() && text.size() <= std::to_string(largest).size() &&
@@ -27,9 +17,26 @@ CLI::Validator wholeNumberUpTo(unsigned largest) {
             const unsigned long number = isNumber ? std::stoul(text) : 0;
             return number >= 1 && number <= largest
                        ? std::string()
-                       : text + " is no whole number from 1 to " + std::to_string(largest);
+                       : "expected an integer from 1 to " + std::to_string(largest) + ", got '" +
+                             text + "'";
         },
         "");
+}
+
+void addParameters(CLI::App& command, RunOptions& options, const std::string& names,
+                   Parameter::Kind kind, const std::string& form, const std::string& description) {
+    const std::string first = names.substr(0, names.find(','));
+    command
+        .add_option_function<std::vector<std::string>>(
+            names,
+            [&options, kind, first](const std::vector<std::string>& arguments) {
+                for (const std::string& argument : arguments) {
+                    options.parameters.push_back(parseParameter(first, kind, argument));
+                }
+            },
+            description)
+        ->type_name(form)
+        ->allow_extra_args(false);
 }
 
 } // namespace
@@ -46,41 +53,58 @@ void addOutputOption(CLI::App& command, std::string& output) {
         ->type_name("OUTPUT");
 }
 
-void addParameterOption(CLI::App& command, CommonOptions& options) {
-    command
-        .add_option(
-            "-p,--param", options.parameters,
-            "Set the stylesheet parameter NAME to the string VALUE; once for each parameter")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false);
+void addParameterOptions(CLI::App& command, RunOptions& options) {
+    addParameters(command, options, "-p,--param", Parameter::Kind::String, "NAME=VALUE",
+                  "Set a stylesheet parameter to a string, any text; once for each parameter");
+    addParameters(command, options, "--number", Parameter::Kind::Number, "NAME=VALUE",
+                  "Set a parameter to a number");
+    addParameters(command, options, "--expression", Parameter::Kind::Expression, "NAME=XPATH",
+                  "Set a parameter to what an expression gives over the source");
 }
 
-void addEngineOptions(CLI::App& command, CommonOptions& options) {
+void addRunOptions(CLI::App& command, RunOptions& options) {
+    constexpr const char* ACCESS = "What documents and stylesheets may reach";
     constexpr const char* MESSAGES = "Messages, on standard error";
-    command.add_flag("--xerces-dom", options.useXercesDom,
-                     "Parse the source into the XML parser's own tree, which takes more memory");
-    command.add_flag("--timing", options.timing, "Tell where the time went")->group(MESSAGES);
+    constexpr unsigned MOST = 1'000'000;
     command
-        .add_flag("--quiet", options.quiet,
-                  "Tell of errors only: no texts of xsl:message, no timing")
+        .add_flag("--network", options.network, "Fetch over the network what is asked for there")
+        ->group(ACCESS);
+    command
+        .add_flag("--no-entities", options.noEntities,
+                  "Read no DTD and no entity from outside of a document")
+        ->group(ACCESS);
+    command
+        .add_flag("--sandbox", options.sandbox,
+                  "Reach no files but the output and those in the folders of the stylesheets and "
+                  "of the sources; needs Landlock in the kernel")
+        ->group(ACCESS);
+    addNumberOption(command, "--max-memory", options.limits.maxMemory, MOST, "MIB",
+                    "Fail where more memory is needed, in MiB")
+        .group(LIMITS);
+    addNumberOption(command, "--max-seconds", options.limits.maxSeconds, MOST, "N",
+                    "Fail where it takes longer")
+        .group(LIMITS);
+    addNumberOption(command, "--max-output", options.limits.maxOutput, MOST, "MIB",
+                    "Fail where the result is larger, in MiB")
+        .group(LIMITS);
+    addNumberOption(command, "--max-depth", options.limits.maxDepth, MOST, "N",
+                    "Fail where templates or elements are nested deeper (100000)")
+        .group(LIMITS);
+    command
+        .add_flag("--excerpt", options.excerpt,
+                  "Show the line that an error is about, as on a terminal")
+        ->group(MESSAGES);
+    command.add_flag("--timing", options.timing, "Report where the time went")->group(MESSAGES);
+    command
+        .add_flag("--quiet", options.quiet, "Report errors only: no messages, progress or timing")
         ->group(MESSAGES);
 }
 
-void addLimitOptions(CLI::App& command, Limits& limits) {
-    constexpr unsigned MOST_MEBIBYTES = 1'000'000;
-    constexpr unsigned MOST_SECONDS = 1'000'000;
-    addNumberOption(command, "--max-memory", limits.maxMemory, MOST_MEBIBYTES, "MIB",
-                    "Fail where more memory would be needed: address space, in MiB")
-        .group(LIMITS);
-    addNumberOption(command, "--max-seconds", limits.maxSeconds, MOST_SECONDS, "N",
-                    "Fail where it would take longer")
-        .group(LIMITS);
-    command.add_flag("--no-network", limits.noNetwork, "Fetch nothing over the network")
-        ->group(LIMITS);
+void addIsolateOption(CLI::App& command, RunOptions& options) {
     command
-        .add_flag("--sandbox", limits.sandbox,
-                  "Reach no files but the output and those in the folders of the stylesheets and "
-                  "of the sources, and no network; needs Landlock in the kernel")
+        .add_flag("--isolate", options.isolate,
+                  "Work in a process of its own, so that even a crash is an error like any other; "
+                  "so it is with a limit or --sandbox, too")
         ->group(LIMITS);
 }
 
@@ -88,38 +112,6 @@ CLI::Option& addNumberOption(CLI::App& command, const std::string& name, unsigne
                              unsigned largest, const std::string& unit,
                              const std::string& description) {
     return *command.add_option(name, number, description)
-                ->check(wholeNumberUpTo(largest))
+                ->check(integerUpTo(largest))
                 ->type_name(unit);
-}
-
-Parameters parseParameters(const std::vector<std::string>& arguments) {
-    Parameters parameters;
-    for (const std::string& argument : arguments) {
-        const auto equals = argument.find('=');
-        if (equals == std::string::npos || equals == 0) {
-            throw WrongUsage("-p " + argument,
-                             "a parameter has the form NAME=VALUE, such as title=Orders");
-        }
-        const I18NString name = toText(argument.substr(0, equals));
-        if (!isName(name)) {
-            throw WrongUsage("-p " + argument,
-                             "a parameter's name is a plain XML name, such as title");
-        }
-        const std::string value = argument.substr(equals + 1);
-        if (value.find('\'') != std::string::npos) {
-            throw WrongUsage("-p " + argument,
-                             "a value with an apostrophe cannot be passed to a stylesheet");
-        }
-        parameters.emplace_back(name, toText(value));
-    }
-    return parameters;
-}
-
-I18NString toText(const std::string& argument) {
-    I18NString text(argument.c_str());
-    if (text.c_str() != argument) {
-        throw WrongUsage(argument, std::string("this is not valid ") +
-                                       I18NGetPlatformDefaultEncoding() + " text");
-    }
-    return text;
 }

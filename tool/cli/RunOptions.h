@@ -4,46 +4,40 @@
  */
 #pragma once
 
-#include "Limits.h"
-
-#include <nrb/I18NString.h>
+#include "base/Limits.h"
+#include "cli/Parameter.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace CLI {
 class App;
 class Option;
 } // namespace CLI
-class VEXAXslTransformer;
 
-struct CommonOptions {
-    std::vector<std::string> parameters;
-    bool useXercesDom = false;
+struct RunOptions {
+    std::vector<Parameter> parameters;
+    Limits limits;
+    bool network = false;
+    bool noEntities = false;
+    bool sandbox = false;
+    bool isolate = false;
     bool timing = false;
     bool quiet = false;
-    Limits limits;
-};
+    bool excerpt = false;
 
-using Parameters = std::vector<std::pair<I18NString, I18NString>>;
+    /** Whether a crash has to be survived, or a limit that the work does not keep by itself. */
+    bool needProcess() const { return isolate || sandbox || limits.areSet(); }
+};
 
 /** Adds an argument, or options, to a command; what they are to fill must outlive the parse. */
 void addSourceArgument(CLI::App& command, std::string& source);
 void addOutputOption(CLI::App& command, std::string& output);
-void addParameterOption(CLI::App& command, CommonOptions& options);
-void addEngineOptions(CLI::App& command, CommonOptions& options);
-void addLimitOptions(CLI::App& command, Limits& limits);
-/** A whole number from 1. */
+void addParameterOptions(CLI::App& command, RunOptions& options);
+void addRunOptions(CLI::App& command, RunOptions& options);
+/** For commands that do not always work in processes of their own. */
+void addIsolateOption(CLI::App& command, RunOptions& options);
+/** An integer from 1. */
 CLI::Option& addNumberOption(CLI::App& command, const std::string& name, unsigned& number,
                              unsigned largest, const std::string& unit,
                              const std::string& description);
-
-/**
- * Takes NAME=VALUE arguments apart.
- * @throws WrongUsage for one that has another form or that the library cannot pass on
- */
-Parameters parseParameters(const std::vector<std::string>& arguments);
-
-/** A command-line argument as a text. @throws WrongUsage where it is not in the default encoding */
-I18NString toText(const std::string& argument);

@@ -1,6 +1,6 @@
-#include "UsageReason.h"
+#include "cli/UsageMessage.h"
 
-#include "Suggestion.h"
+#include "base/Suggestion.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,8 +46,8 @@ std::string listed(const Words& words, const std::string& beforeLast) {
 std::string unknownCommand(const CLI::App& app, const std::string& word) {
     const Words names = commandNames(app);
     const std::string meant = nearestWord(word, names);
-    return (word.empty() ? "''" : word) + ": there is no such command" +
-           (meant.empty() ? "; there are " + listed(names, "and") : didYouMean(meant));
+    return "unknown command '" + word + "'" +
+           (meant.empty() ? "; the commands are " + listed(names, "and") : didYouMean(meant));
 }
 
 std::string unknownOption(const CLI::App& command, const std::string& argument) {
@@ -57,12 +57,13 @@ std::string unknownOption(const CLI::App& command, const std::string& argument) 
         return other->get_option_no_throw(name);
     });
     if (isACommands) {
-        return name + ": this option stands after the command";
+        return name + ": this option belongs after the command";
     }
     const std::string meant = nearestWord(name, longOptions(command));
     const bool mayBeArgument = commands.empty() && meant.empty() && name.rfind("--", 0) != 0;
-    return name + ": there is no such option" +
-           (mayBeArgument ? "; an argument that begins with - stands after --" : didYouMean(meant));
+    return "unknown option '" + name + "'" +
+           (mayBeArgument ? "; an argument that begins with - belongs after --"
+                          : didYouMean(meant));
 }
 
 /** What the parser left over; it counts the mark for the end of the options too. */
@@ -98,16 +99,16 @@ const CLI::Option* optionIn(const CLI::App& command, const std::string& words) {
 std::string wrongOption(const CLI::Option& option) {
     const std::string name = option.get_name();
     if (option.get_items_expected_max() == 0) {
-        return name + ": it takes no value";
+        return name + ": no value expected";
     }
     return static_cast<int>(option.count()) > option.get_items_expected_max()
-               ? name + ": it is given more than once"
-               : name + ": its " + option.get_type_name() + " is missing";
+               ? name + ": given more than once"
+               : name + ": " + option.get_type_name() + " is missing";
 }
 
 } // namespace
 
-std::string usageReason(const CLI::App& app, const CLI::ParseError& error) {
+std::string usageMessage(const CLI::App& app, const CLI::ParseError& error) {
     const auto asked = app.get_subcommands();
     const CLI::App& command = asked.empty() ? app : *asked.front();
     std::string unknown = unknownArgument(app, command);
@@ -119,7 +120,7 @@ std::string usageReason(const CLI::App& app, const CLI::ParseError& error) {
     }
     const Words tooMany = leftOver(command);
     if (dynamic_cast<const CLI::ExtrasError*>(&error) && !tooMany.empty()) {
-        return tooMany.front() + ": this is an argument too many";
+        return "unexpected argument '" + tooMany.front() + "'";
     }
     if (dynamic_cast<const CLI::ValidationError*>(&error)) {
         return error.what();

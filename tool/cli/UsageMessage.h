@@ -1,6 +1,6 @@
 /**
  * @file
- * What is wrong with a command line, in words that tell what to do about it.
+ * What is wrong with a command line, and what to do about it.
  */
 #pragma once
 
@@ -11,5 +11,5 @@ class App;
 class ParseError;
 } // namespace CLI
 
-/** Why the command line could not be parsed: "NAME: reason", without where to read on. */
-std::string usageReason(const CLI::App& app, const CLI::ParseError& error);
+/** Why the command line could not be parsed: without where to read on. */
+std::string usageMessage(const CLI::App& app, const CLI::ParseError& error);

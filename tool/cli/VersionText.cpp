@@ -1,4 +1,4 @@
-#include "VersionText.h"
+#include "cli/VersionText.h"
 
 #include <vexa/TQXslTransformer.h>
 

@@ -1,19 +1,11 @@
-#include "BatchCommand.h"
+#include "commands/BatchCommand.h"
 
-#include "BatchPlan.h"
-#include "FileLimit.h"
-#include "Foreman.h"
-#include "Worker.h"
-
-#include "../EngineSession.h"
-#include "../ErrorRoute.h"
-#include "../Failure.h"
-#include "../FileNames.h"
-#include "../HeldSignals.h"
-#include "../Timing.h"
-#include "../UnfinishedFile.h"
-
-#include <vexa/VEXAXslTransformer.h>
+#include "base/Errors.h"
+#include "batch/BatchPlan.h"
+#include "batch/Scheduler.h"
+#include "commands/Session.h"
+#include "process/BlockedSignals.h"
+#include "process/FileLimit.h"
 
 #include <CLI/CLI.hpp>
 
@@ -22,6 +14,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <thread>
 #include <unistd.h>
 
@@ -30,18 +23,14 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr unsigned MOST_JOBS = 256;
-static_assert(MOST_JOBS < MOST_WRITING_THREADS);
 
 constexpr const char* DESCRIPTION = "Run one stylesheet over many documents";
 
 constexpr const char* MORE_HELP =
-    R"(The result of orders/may.xml goes to DIRECTORY/may.out: whole or not at all. A
-source that fails is told of and does not stop the others. The last line is a
-summary. Ctrl-C leaves only whole results.
-
---max-seconds holds for each source and --max-memory for each worker process.
-With these, with --sandbox and with --isolate even a source that crashes the
-engine costs only itself.
+    R"(The result of orders/may.xml goes to DIRECTORY/may.out, atomically. A source
+that fails is reported and does not stop the others, even where it crashes the
+engine: all work is done in processes of their own. The last line is a summary.
+Ctrl-C leaves only whole results.
 
 Examples:
   # Pages for all orders of a folder, in the folder pages
@@ -51,169 +40,157 @@ Examples:
   find . -name '*.xml' -print0 |
     vexa-xslt batch report.xsl --files-from - -0 -d pages
 
-  # From strangers, in processes that may fail
-  vexa-xslt batch report.xsl orders*.xml -d pages --isolate --max-seconds 60)";
-
-using Workers = std::vector<std::unique_ptr<Worker>>;
+  # Over untrusted input
+  vexa-xslt batch report.xsl orders*.xml -d pages --sandbox --max-seconds 60)";
 
 unsigned processors() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, MOST_JOBS);
 }
 
-/** One run of the command. */
-class BatchRun {
-public:
-    explicit BatchRun(const BatchOptions& options) : m_batch{options, {}, {}} {}
-
-    void run();
-
-private:
-    Tally doAll();
-    void plan();
-    void checkStylesheet() const;
-    void makeDirectory() const;
-    Tally runInThreads(const HeldSignals& signals);
-    Tally runInProcesses(const HeldSignals& signals);
-    Workers workers(std::unique_ptr<Worker> (*make)(const Batch&)) const;
-    void tell(const Tally& tally) const;
-
-    Batch m_batch;
-    Timing m_timing;
-};
-
-void BatchRun::run() {
-    plan();
-    makeDirectory();
-    VEXAXslTransformer::m_bUseXercesDOM = m_batch.options.common.useXercesDom;
-    tell(doAll());
-}
-
-/** Afterwards there is nothing unfinished, and a signal may end the process at once. */
-Tally BatchRun::doAll() {
-    const HeldSignals signals;
-    return m_batch.options.needProcesses() ? runInProcesses(signals) : runInThreads(signals);
-}
-
-void BatchRun::plan() {
-    const BatchOptions& options = m_batch.options;
+void checkOptions(const BatchOptions& options) {
     if (options.separatedByNul && options.filesFrom.empty()) {
-        throw WrongUsage("-0", "it says how the names in the file of --files-from are separated");
+        throw UsageError("-0", "it says how the names in the file of --files-from are separated");
     }
     if (options.sources.empty() && options.filesFrom.empty()) {
-        throw WrongUsage("SOURCE", "a source is missing, or --files-from");
+        throw UsageError("SOURCE", "a source is missing, or --files-from");
     }
     if (options.suffix.find('/') != std::string::npos) {
-        throw WrongUsage("--suffix", "a suffix names no folder");
+        throw UsageError("--suffix", "a suffix cannot have a /");
     }
-    m_batch.parameters = parseParameters(options.common.parameters);
-    checkStylesheet();
-    m_batch.jobs = planBatch(options);
-}
-
-/** A pipe would give the stylesheet to the first source only. */
-void BatchRun::checkStylesheet() const {
-    const InputName stylesheet(m_batch.options.stylesheet);
-    stylesheet.checkReadable();
+    if (options.directory.empty()) {
+        throw UsageError("-d", "empty folder name");
+    }
+    // A pipe would give the stylesheet to the first worker only.
+    const InputArgument stylesheet(options.stylesheet);
     std::error_code ignored;
-    if (stylesheet.isLocal() && !fs::is_regular_file(displayName(stylesheet.uri()), ignored)) {
-        throw WrongUsage(stylesheet.asTyped(),
-                         "a batch reads it for each source; it must be a regular file");
+    const auto path = stylesheet.path();
+    if (stylesheet.isStandardInput() ||
+        (path && fs::exists(*path, ignored) && !fs::is_regular_file(*path, ignored))) {
+        throw UsageError(stylesheet.name(), "each worker reads it: it must be a regular file");
     }
 }
 
-void BatchRun::makeDirectory() const {
-    const std::string& directory = m_batch.options.directory;
-    if (directory.empty()) {
-        throw WrongUsage("-d", "the name of the folder is empty");
-    }
-    toText(directory); // which the engine needs
+void makeDirectory(const std::string& directory) {
     std::error_code error;
     std::error_code ignored;
     fs::create_directory(directory, error);
     if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        throw Failure(directory, systemReason(ENOTDIR));
+        throw Failure(directory, systemMessage(ENOTDIR));
     }
     if (error) {
-        throw Failure(directory, systemReason(error.value()));
+        throw Failure(directory, systemMessage(error.value()));
     }
     if (access(directory.c_str(), W_OK | X_OK) != 0) {
-        throw Failure(directory, systemReason(errno));
+        throw Failure(directory, systemMessage(errno));
     }
 }
 
-Tally BatchRun::runInThreads(const HeldSignals& signals) {
-    // Each text for std::cerr would flush std::cout, in any thread.
-    std::cerr.tie(nullptr);
-    redirectErrors(nullptr);
-    Tally tally;
-    {
-        const EngineSession session;
-        reachOnly(m_batch.options.common.limits, BatchFiles(m_batch).named());
-        m_timing.endPhase("start of the engines");
-        tally = Foreman(m_batch, signals).run(workers(makeThreadWorker));
-        m_timing.endPhase("transforms");
+NamedFiles filesOf(const BatchOptions& options, const std::vector<BatchJob>& jobs) {
+    NamedFiles files{{InputArgument(options.stylesheet)}, options.directory};
+    if (options.run.sandbox) {
+        for (const BatchJob& job : jobs) {
+            files.inputs.emplace_back(job.source);
+        }
     }
-    m_timing.endPhase("stop of the engines");
-    return tally;
+    return files;
 }
 
-Tally BatchRun::runInProcesses(const HeldSignals& signals) {
-    const Tally tally = Foreman(m_batch, signals).run(workers(makeProcessWorker));
-    m_timing.endPhase("transforms");
-    return tally;
+/** A source's name stands before an error in another file. */
+std::string failureText(const std::string& sourceName, const std::string& text) {
+    const std::string source = oneLine(sourceName);
+    return text.rfind(source + ":", 0) == 0 ? text : source + ": " + text;
 }
 
-Workers BatchRun::workers(std::unique_ptr<Worker> (*make)(const Batch&)) const {
-    const std::size_t jobs = m_batch.options.jobs == 0 ? processors() : m_batch.options.jobs;
-    Workers workers(workersWithFiles(std::min(jobs, m_batch.jobs.size())));
-    std::generate(workers.begin(), workers.end(), [&] { return make(m_batch); });
-    return workers;
+void doJobs(const std::vector<BatchJob>& jobs, Session& session, vexa::Transformation& run,
+            const WorkerChannel& channel) {
+    while (const auto number = channel.nextJob()) {
+        const BatchJob& job = jobs[*number];
+        try {
+            const InputArgument source(job.source);
+            session.names().add(source);
+            session.transform(run, source, vexa::Output::file(job.output));
+            channel.send(Report::Kind::Done);
+        } catch (const vexa::Error& error) {
+            channel.send(Report::Kind::Failed, failureText(job.source, session.describe(error)));
+        } catch (const std::bad_alloc&) {
+            channel.send(Report::Kind::Failed, oneLine(job.source) + ": out of memory");
+        }
+    }
 }
 
-void BatchRun::tell(const Tally& tally) const {
-    const CommonOptions& options = m_batch.options.common;
-    if (options.timing && !options.quiet) {
-        std::cerr << m_timing.report();
+int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
+         const WorkerChannel& channel) {
+    const NamedFiles files = filesOf(options, jobs);
+    Session session(options.run, files, [&](const vexa::Diagnostic&, const std::string& text) {
+        channel.send(Report::Kind::Message, text);
+    });
+    try {
+        enterSandboxIfWanted(options.run, files);
+        vexa::Transformation run = session.prepare(session.compile(files.inputs.front()));
+        channel.send(Report::Kind::Started);
+        doJobs(jobs, session, run, channel);
+    } catch (const vexa::Error& error) {
+        channel.send(Report::Kind::GivenUp, session.describe(error));
+    } catch (const std::bad_alloc&) {
+        channel.send(Report::Kind::GivenUp, options.stylesheet + ": out of memory");
+    } catch (const std::exception& error) {
+        channel.send(Report::Kind::GivenUp, oneLine(error.what()));
+    }
+    return EXIT_DONE;
+}
+
+Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs) {
+    const std::size_t wanted = options.jobs == 0 ? processors() : options.jobs;
+    const BlockedSignals signals;
+    Scheduler scheduler(options, jobs, signals,
+                        [&](const WorkerChannel& channel) { return work(options, jobs, channel); });
+    return scheduler.run(workersWithFiles(std::min(wanted, jobs.size())));
+}
+
+int runBatch(const BatchOptions& options) {
+    checkOptions(options);
+    const std::vector<BatchJob> jobs = planBatch(options);
+    makeDirectory(options.directory);
+    Timing timing;
+    const Tally tally = runJobs(options, jobs);
+    timing.endPhase("transforms");
+    if (options.run.timing && !options.run.quiet) {
+        std::cerr << timing.report();
     }
     if (tally.done < tally.total) {
-        throw std::runtime_error(summary(tally));
+        printError(summary(tally));
+        return EXIT_FAILED;
     }
-    if (!options.quiet) {
+    if (!options.run.quiet) {
         std::cerr << "vexa-xslt: " + summary(tally) + "\n";
     }
+    return EXIT_DONE;
+}
+
+void define(CLI::App& app, std::function<int()>& command) {
+    const auto options = std::make_shared<BatchOptions>();
+    app.footer(MORE_HELP);
+    app.add_option("STYLESHEET", options->stylesheet, "The stylesheet")->type_name("")->required();
+    app.add_option("SOURCE", options->sources, "The documents")->type_name("");
+    app.add_option("-d,--directory", options->directory,
+                   "Write the results to this folder, which is made if it is not there")
+        ->type_name("DIRECTORY")
+        ->required();
+    addNumberOption(app, "-j,--jobs", options->jobs, MOST_JOBS, "JOBS",
+                    "Work on so many sources at the same time, instead of one for each processor");
+    app.add_option("--suffix", options->suffix,
+                   "End the names of the results in this instead of .out")
+        ->type_name("SUFFIX");
+    app.add_option("--files-from", options->filesFrom,
+                   "Take more sources from this file, one a line; from standard input if it is -")
+        ->type_name("FILE");
+    app.add_flag("-0,--null", options->separatedByNul,
+                 "The names in FILE are separated by NUL, as find -print0 does");
+    addParameterOptions(app, options->run);
+    addRunOptions(app, options->run);
+    app.callback([options, &command] { command = [options] { return runBatch(*options); }; });
 }
 
 } // namespace
 
-void addBatchCommand(CLI::App& app, std::function<void()>& command) {
-    const auto options = std::make_shared<BatchOptions>();
-    CLI::App* const batch = app.add_subcommand("batch", DESCRIPTION);
-    batch->footer(MORE_HELP);
-    batch->add_option("STYLESHEET", options->stylesheet, "The stylesheet")
-        ->type_name("")
-        ->required();
-    batch->add_option("SOURCE", options->sources, "The documents")->type_name("");
-    batch
-        ->add_option("-d,--directory", options->directory,
-                     "Write the results to this folder, which is made if it is not there")
-        ->type_name("DIRECTORY")
-        ->required();
-    addNumberOption(*batch, "-j,--jobs", options->jobs, MOST_JOBS, "JOBS",
-                    "Work on so many sources at the same time, instead of one for each processor");
-    batch
-        ->add_option("--suffix", options->suffix,
-                     "End the names of the results in this instead of .out")
-        ->type_name("SUFFIX");
-    batch
-        ->add_option("--files-from", options->filesFrom,
-                     "Take more sources from this file, one a line; from standard input if it is -")
-        ->type_name("FILE");
-    batch->add_flag("-0,--null", options->separatedByNul,
-                    "The names in FILE are separated by NUL, as find -print0 does");
-    batch->add_flag("--isolate", options->isolate,
-                    "Work in processes, so that a crash of the engine costs one source only");
-    addParameterOption(*batch, options->common);
-    addEngineOptions(*batch, options->common);
-    addLimitOptions(*batch, options->common.limits);
-    batch->callback([options, &command] { command = [options] { BatchRun(*options).run(); }; });
-}
+const Command BATCH_COMMAND{"batch", DESCRIPTION, define};

@@ -1,21 +1,11 @@
-#include "ChainCommand.h"
+#include "commands/ChainCommand.h"
 
-#include "EngineRun.h"
-#include "EngineSession.h"
-#include "Failure.h"
-#include "HolderInput.h"
-#include "OutputFile.h"
-
-#include <vexa/VEXAXslTransformer.h>
+#include "commands/Session.h"
+#include "files/StandardOutput.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
-#include <fstream>
-#include <iostream>
 #include <memory>
-#include <optional>
-#include <vector>
 
 namespace {
 
@@ -24,7 +14,7 @@ constexpr const char* DESCRIPTION = "Run stylesheet after stylesheet over one do
 constexpr const char* MORE_HELP =
     R"(Each stylesheet works on the result of the one before, without turning it into
 text. The last one's output settings say how the result is written. Parameters
-go to every stylesheet. An output file appears whole or not at all.
+go to every stylesheet. An output file appears atomically.
 
 Examples:
   # Keep the open orders only, and turn these into a page
@@ -37,93 +27,67 @@ struct ChainOptions {
     std::string source;
     std::vector<std::string> stylesheets;
     std::string output = STANDARD_STREAM;
-    CommonOptions common;
+    RunOptions run;
 };
 
-/** One run of the command. */
-class ChainRun {
-public:
-    explicit ChainRun(const ChainOptions& options)
-        : m_options(options), m_source(options.source),
-          m_stylesheets(options.stylesheets.begin(), options.stylesheets.end()) {}
-
-    void run();
-
-private:
-    void chain(VEXAXslTransformer& transformer);
-    void chainTo(VEXAXslTransformer& transformer, const std::string& outputName,
-                 std::ostream& result);
-    void runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
-                 Dom2Dom& out, const std::string& outputName);
-
-    const ChainOptions& m_options;
-    Source m_source;
-    std::vector<InputName> m_stylesheets;
-};
-
-void ChainRun::run() {
-    m_source.checkReadable();
-    NamedFiles files(m_source, m_options.output);
-    for (const InputName& stylesheet : m_stylesheets) {
-        stylesheet.checkReadable();
-        files.inputs.push_back(&stylesheet);
-    }
-    runWithTransformer(m_options.common, files, "transforms",
-                       [this](VEXAXslTransformer& transformer) { chain(transformer); });
-}
-
-void ChainRun::chain(VEXAXslTransformer& transformer) {
-    if (m_options.output == STANDARD_STREAM) {
-        chainTo(transformer, STANDARD_OUTPUT, std::cout);
-    } else {
-        OutputFile output(m_options.output);
-        std::ofstream result(output.writePath(), std::ios::binary);
-        chainTo(transformer, m_options.output, result);
-        output.commit();
+/** Of a document without one no stylesheet makes anything. */
+void requireElement(const vexa::Document& result, const InputArgument& stylesheet) {
+    static const vexa::XPath hasElement = vexa::XPath::compile("boolean(/*)");
+    if (!hasElement.evaluate(result).boolean()) {
+        throw vexa::Error(vexa::ErrorKind::Transform, "the result has no document element",
+                          {stylesheet.uri(), 0, 0});
     }
 }
 
-void ChainRun::chainTo(VEXAXslTransformer& transformer, const std::string& outputName,
-                       std::ostream& result) {
-    auto current = parseSource(transformer, m_source, m_options.common.quiet);
-    for (const InputName& stylesheet : m_stylesheets) {
-        auto next = transformer.createDom2Dom();
-        if (&stylesheet == &m_stylesheets.back()) {
-            next->InitializeOutputTarget(result);
+void runChain(Session& session, const NamedFiles& files) {
+    std::vector<vexa::Transformation> runs;
+    for (std::size_t i = 1; i < files.inputs.size(); ++i) {
+        runs.push_back(session.prepare(session.compile(files.inputs[i])));
+    }
+    vexa::Document document = session.parse(files.inputs[0]);
+    for (vexa::Transformation& run : runs) {
+        session.setExpressions(run, document);
+    }
+    StandardOutput standardOutput;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        vexa::Transformation& run = runs[i];
+        if (&run == &runs.back()) {
+            run.to(document, outputTo(files.output, standardOutput));
         } else {
-            next->InitializeOutputTarget();
+            document = run.toDocument(document);
+            requireElement(document, files.inputs[i + 1]);
         }
-        runStep(transformer, stylesheet, *current, *next, outputName);
-        current = std::move(next);
-    }
-    if (!result.flush()) {
-        throw Failure(outputName, systemReason(errno));
+        session.timing().endPhase("transform");
     }
 }
 
-void ChainRun::runStep(VEXAXslTransformer& transformer, const InputName& stylesheet, Dom2Dom& in,
-                       Dom2Dom& out, const std::string& outputName) {
-    runEngine(transformer, {stylesheet, m_source, outputName, ""}, m_options.common.quiet,
-              [&] { return transformer.doTransform(in, stylesheet.forEngine(), out); });
+int runChain(const ChainOptions& options) {
+    NamedFiles files{{InputArgument(options.source)}, options.output};
+    for (const std::string& stylesheet : options.stylesheets) {
+        files.inputs.emplace_back(stylesheet);
+    }
+    checkFiles(files);
+    return runSession(options.run, files, files.inputs[0],
+                      [&](Session& session) { runChain(session, files); });
+}
+
+void define(CLI::App& app, std::function<int()>& command) {
+    const auto options = std::make_shared<ChainOptions>();
+    app.footer(MORE_HELP);
+    app.add_option("SOURCE", options->source, "The document; standard input if it is -")
+        ->type_name("")
+        ->required();
+    app.add_option("STYLESHEET", options->stylesheets,
+                   "The stylesheets, in the order in which they run")
+        ->type_name("")
+        ->required();
+    addOutputOption(app, options->output);
+    addParameterOptions(app, options->run);
+    addRunOptions(app, options->run);
+    addIsolateOption(app, options->run);
+    app.callback([options, &command] { command = [options] { return runChain(*options); }; });
 }
 
 } // namespace
 
-void addChainCommand(CLI::App& app, std::function<void()>& command) {
-    const auto options = std::make_shared<ChainOptions>();
-    CLI::App* const chain = app.add_subcommand("chain", DESCRIPTION);
-    chain->footer(MORE_HELP);
-    chain->add_option("SOURCE", options->source, "The document; standard input if it is -")
-        ->type_name("")
-        ->required();
-    chain
-        ->add_option("STYLESHEET", options->stylesheets,
-                     "The stylesheets, in the order in which they run")
-        ->type_name("")
-        ->required();
-    addOutputOption(*chain, options->output);
-    addParameterOption(*chain, options->common);
-    addEngineOptions(*chain, options->common);
-    addLimitOptions(*chain, options->common.limits);
-    chain->callback([options, &command] { command = [options] { ChainRun(*options).run(); }; });
-}
+const Command CHAIN_COMMAND{"chain", DESCRIPTION, define};

@@ -4,11 +4,6 @@
  */
 #pragma once
 
-#include <functional>
+#include "commands/Command.h"
 
-namespace CLI {
-class App;
-}
-
-/** Adds the command; if it is the one asked for, `command` is set to what runs it. */
-void addTransformCommand(CLI::App& app, std::function<void()>& command);
+extern const Command TRANSFORM_COMMAND;

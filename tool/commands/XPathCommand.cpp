@@ -1,27 +1,12 @@
-#include "XPathCommand.h"
+#include "commands/XPathCommand.h"
 
-#include "EngineDiagnostics.h"
-#include "EngineSession.h"
-#include "FailedFile.h"
-#include "Failure.h"
-#include "HolderInput.h"
-#include "engine/DocumentPrefixes.h"
-#include "engine/XmlWriter.h"
-
-#include <vexa/TqXsltFunction.h>
-#include <vexa/VEXAXslTransformer.h>
+#include "base/Errors.h"
+#include "commands/Session.h"
+#include "files/StandardOutput.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
-#include <iostream>
 #include <memory>
-#include <sstream>
-
-#include <xalanc/XPath/NodeRefListBase.hpp>
-#include <xalanc/XPath/XPathEvaluator.hpp>
-#include <xalanc/XalanDOM/XalanDocument.hpp>
-#include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
 
 namespace {
 
@@ -29,12 +14,12 @@ constexpr const char* DESCRIPTION = "Evaluate an XPath expression over a documen
 
 constexpr const char* MORE_HELP =
     R"(Prints a string, a number or a boolean as its text, and of a node-set each node
-on a line of its own: an attribute as its value, any other node as XML. Nothing
-found is nothing printed, and no failure.
+on a line of its own: an attribute or a namespace as its value, any other node
+as XML. An empty node-set prints nothing, and is no failure.
 
-Prefixes are those that the document declares. A name without a prefix is in no
-namespace, even where the document declares one for such names: then ask for
-*[local-name() = "order"] instead of order.
+The prefixes that the document declares are known. A name without a prefix is
+in no namespace, even where the document declares one for such names: bind it
+to a prefix with -n.
 
 Examples:
   # How many?
@@ -47,84 +32,90 @@ Examples:
   curl -s http://host/orders.xml | vexa-xslt xpath 'string(//title)'
 
   # Where a namespace is declared for names without a prefix
-  vexa-xslt xpath 'count(//*[local-name() = "order"])' orders.xml)";
+  vexa-xslt xpath 'count(//o:order)' orders.xml -n o=urn:orders)";
 
 struct XPathOptions {
     std::string expression;
     std::string source = STANDARD_STREAM;
-    CommonOptions common;
+    std::vector<std::string> namespaces;
+    RunOptions run;
 };
 
-void printNode(const xalanc::XalanNode& node) {
-    if (node.getNodeType() == xalanc::XalanNode::ATTRIBUTE_NODE) {
-        std::cout << TqXsltFunction::XalanDOMStringToI18NString(node.getNodeValue()).c_str();
-    } else {
-        // The writer flushes behind each node: straight to standard output, that is a system call
-        // each.
-        std::ostringstream text;
-        writeXml(text, &node, XmlDeclaration::LeftOut);
-        std::cout << text.str();
+vexa::Namespaces readNamespaces(const std::vector<std::string>& arguments) {
+    vexa::Namespaces namespaces;
+    for (const std::string& argument : arguments) {
+        const Parameter binding = parseParameter("-n", Parameter::Kind::String, argument);
+        if (binding.value.empty() || binding.name.front() == '{') {
+            throw UsageError("-n " + argument, "expected PREFIX=URI, such as o=urn:orders");
+        }
+        namespaces[binding.name] = binding.value;
     }
-    std::cout << '\n';
+    return namespaces;
 }
 
-/** Prints what the library leaves unprinted: several nodes, an attribute, a number, a boolean. */
-void printOtherResult(xalanc::XalanDocument* document, const std::string& expression) {
-    xalanc::XalanSourceTreeDOMSupport domSupport;
-    xalanc::XPathEvaluator evaluator;
-    const DocumentPrefixes prefixes(document);
-    const xalanc::XObjectPtr result = evaluator.evaluate(
-        domSupport, document, xalanc::XalanDOMString(expression.c_str()).c_str(), prefixes);
-    if (result->getType() != xalanc::XObject::eTypeNodeSet) {
-        std::cout << TqXsltFunction::XalanDOMStringToI18NString(result->str()).c_str() << '\n';
+/** Prints lines, as far as the limit allows. */
+class Printer {
+public:
+    explicit Printer(const Limits& limits) : m_limits(limits) {}
+
+    void print(const std::string& text) {
+        constexpr std::size_t MEBIBYTE = std::size_t{1024} * 1024;
+        m_nPrinted += text.size() + 1;
+        if (m_limits.maxOutput != 0 && (m_nPrinted - 1) / MEBIBYTE >= m_limits.maxOutput) {
+            throw Failure("expression", outputLimitText(m_limits));
+        }
+        m_output << text << '\n';
+    }
+
+    void finish() { m_output.flush(); }
+
+private:
+    const Limits& m_limits;
+    StandardOutput m_output;
+    std::size_t m_nPrinted = 0;
+};
+
+void printValue(const vexa::Value& value, Printer& printer) {
+    if (value.type() != vexa::Value::Type::NodeSet) {
+        printer.print(value.string());
         return;
     }
-    const xalanc::NodeRefListBase& nodes = result->nodeset();
-    for (xalanc::NodeRefListBase::size_type i = 0; i < nodes.getLength(); ++i) {
-        printNode(*nodes.item(i));
+    for (const vexa::Node& node : value.nodes()) {
+        printer.print(node.xml());
     }
 }
 
-void evaluate(VEXAXslTransformer& transformer, Source& source, const XPathOptions& options) {
-    const auto holder = parseSource(transformer, source, options.common.quiet);
-    std::ostringstream text;
-    EngineDiagnostics diagnostics(options.common.quiet);
-    if (transformer.doXPath(*holder, toText(options.expression), text) != 0) {
-        const std::string reason = transformer.getLastError();
-        diagnostics.dropReportOf(reason);
-        throw Failure(source.name(), reason);
-    }
-    if (text.tellp() > 0) {
-        std::cout << text.str() << '\n';
-    } else {
-        printOtherResult(holder->GetDocument(), options.expression);
-    }
-    if (!std::cout.flush()) {
-        throw Failure(STANDARD_OUTPUT, systemReason(errno));
-    }
+int runXPath(const XPathOptions& options) {
+    const NamedFiles files{{InputArgument(options.source)}};
+    requireUtf8("expression", options.expression);
+    const vexa::Namespaces namespaces = readNamespaces(options.namespaces);
+    return runSession(options.run, files, files.inputs[0], [&](Session& session) {
+        const vexa::Document source = session.parse(files.inputs[0]);
+        const vexa::Value value = session.evaluate(options.expression, source, namespaces);
+        session.timing().endPhase("expression");
+        Printer printer(options.run.limits);
+        printValue(value, printer);
+        printer.finish();
+    });
 }
 
-void runXPath(const XPathOptions& options) {
-    Source source(options.source);
-    source.checkReadable();
-    runWithTransformer(
-        options.common, NamedFiles(source), "query",
-        [&](VEXAXslTransformer& transformer) { evaluate(transformer, source, options); });
+void define(CLI::App& app, std::function<int()>& command) {
+    const auto options = std::make_shared<XPathOptions>();
+    app.footer(MORE_HELP);
+    app.add_option("EXPRESSION", options->expression,
+                   "The XPath 1.0 expression; in apostrophes, so that the shell leaves it alone")
+        ->type_name("")
+        ->required();
+    addSourceArgument(app, options->source);
+    app.add_option("-n,--namespace", options->namespaces,
+                   "Bind a prefix of the expression; once for each prefix")
+        ->type_name("PREFIX=URI")
+        ->allow_extra_args(false);
+    addRunOptions(app, options->run);
+    addIsolateOption(app, options->run);
+    app.callback([options, &command] { command = [options] { return runXPath(*options); }; });
 }
 
 } // namespace
 
-void addXPathCommand(CLI::App& app, std::function<void()>& command) {
-    const auto options = std::make_shared<XPathOptions>();
-    CLI::App* const xpath = app.add_subcommand("xpath", DESCRIPTION);
-    xpath->footer(MORE_HELP);
-    xpath
-        ->add_option("EXPRESSION", options->expression,
-                     "The XPath 1.0 expression; in apostrophes, so that the shell leaves it alone")
-        ->type_name("")
-        ->required();
-    addSourceArgument(*xpath, options->source);
-    addEngineOptions(*xpath, options->common);
-    addLimitOptions(*xpath, options->common.limits);
-    xpath->callback([options, &command] { command = [options] { runXPath(*options); }; });
-}
+const Command XPATH_COMMAND{"xpath", DESCRIPTION, define};

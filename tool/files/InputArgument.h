@@ -1,53 +1,45 @@
 /**
  * @file
- * File names on the command line, and the URIs that the engine wants.
+ * A document or stylesheet, as the user named it.
  */
 #pragma once
 
-#include <nrb/I18NString.h>
+#include <vexa/xslt/Input.h>
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
-/** What stands for standard input or standard output on the command line. */
+/** Stands for standard input or standard output on the command line. */
 constexpr const char* STANDARD_STREAM = "-";
 
-/** A document that the engine is to read, as the user named it. */
-class InputName {
+class InputArgument {
 public:
     /**
-     * @param argument a file name, taken literally, or a URI of a scheme that the engine reads
-     * @throws Failure for an empty name, and where the working directory is gone
+     * @param argument a file name, taken literally; a URI with a scheme that is known; or "-"
+     * @throws UsageError for an empty name; Failure where the working directory is gone
      */
-    explicit InputName(std::string argument);
+    explicit InputArgument(std::string argument);
 
-    const std::string& asTyped() const { return m_strArgument; }
+    /** As it was given. */
+    const std::string& name() const { return m_strName; }
 
-    /** A URI that stands for the file, whatever its name. */
+    /** A URI that names it in errors; empty for standard input. */
     const std::string& uri() const { return m_strUri; }
 
-    /** The URI as the engine is to be given it. @throws Failure if it is no text to the engine */
-    I18NString forEngine() const;
+    /** The file, by its name or by a file URI; nothing for standard input and other URIs. */
+    std::optional<std::filesystem::path> path() const;
 
-    /** Whether it was given as a file name, not as a URI. */
-    bool isFile() const { return m_bFile; }
+    bool isStandardInput() const { return m_strName == STANDARD_STREAM; }
 
-    /** Whether it is a file, by its name or by a file URI. */
-    bool isLocal() const;
-
-    /**
-     * Looks whether the file is there to be read: the engine's own texts tell less.
-     * @throws Failure
-     */
-    void checkReadable() const;
-
-    /** Whether a system id in a text of the engine stands for this document. */
-    bool isSystemId(const std::string& systemId) const;
+    /** Standard input can be read once. */
+    vexa::Input input() const;
 
 private:
-    std::string m_strArgument;
-    bool m_bFile;
+    std::string m_strName;
+    bool m_bUri;
     std::string m_strUri;
 };
 
-/** A name for people: the path of a file URI, any other system id as it is. */
-std::string displayName(const std::string& systemId);
+/** A file of a nearly equal name in the same folder, where the named one is missing; or empty. */
+std::string nearestFile(const std::filesystem::path& missing);

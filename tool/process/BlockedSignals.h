@@ -8,33 +8,28 @@
 #include <csignal>
 #include <optional>
 
-/**
- * Whether a signal comes from outside, and is to end the one who waits as well as the one who
- * works.
- */
-bool isOuterSignal(int signalNumber);
+/** Whether a signal asks a program from outside to end, and not because of what it did itself. */
+bool isFromOutside(int signalNumber);
 
 /**
- * Keeps outer signals from ending this process, in this thread and in those that it makes later,
- * so that they can be waited for; SIGCHLD with them. What is ignored from outside (nohup) stays
- * ignored.
+ * Blocks the signals that end a process from outside, and SIGCHLD, so that they can be waited for.
+ * What is ignored from outside (nohup) stays ignored.
  */
-class HeldSignals {
+class BlockedSignals {
 public:
     using Clock = std::chrono::steady_clock;
 
-    HeldSignals();
-    /** Releases them. */
-    ~HeldSignals() { release(); }
-    HeldSignals(const HeldSignals&) = delete;
-    HeldSignals& operator=(const HeldSignals&) = delete;
+    BlockedSignals();
+    ~BlockedSignals() { unblock(); }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
 
-    const sigset_t& set() const { return m_held; }
+    const sigset_t& set() const { return m_blocked; }
 
     /** As before, for a child process. */
-    void release() const;
+    void unblock() const;
 
-    /** The next signal; none if the time comes first. */
+    /** The next signal; nothing if the time comes first. */
     std::optional<int> next(const std::optional<Clock::time_point>& time) const;
 
     /** Ends the process as the signal would have. */
@@ -43,6 +38,6 @@ public:
 private:
     int waitUntil(Clock::time_point time) const;
 
-    sigset_t m_held{};
+    sigset_t m_blocked{};
     sigset_t m_before{};
 };

@@ -1,146 +1,167 @@
-#include "ChildProcess.h"
+#include "process/ChildProcess.h"
 
-#include "CrashNotes.h"
-#include "Failure.h"
-#include "HeldSignals.h"
+#include "base/Errors.h"
+#include "process/BlockedSignals.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
+#include <exception>
+#include <new>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <system_error>
+#include <ucontext.h>
 #include <unistd.h>
 
-namespace {
+/** What a crashing process leaves to its parent. */
+struct ChildProcess::CrashRecord {
+    volatile bool hasStackOverflow = false;
 
-using Clock = HeldSignals::Clock;
-
-void lowerLimit(__rlimit_resource resource, rlim_t value) {
-    rlimit limit{};
-    getrlimit(resource, &limit);
-    limit.rlim_cur = limit.rlim_max = std::min(value, limit.rlim_max);
-    setrlimit(resource, &limit);
-}
-
-void limitMemory(unsigned mebibytes) {
-    constexpr rlim_t MEBIBYTE = rlim_t{1024} * 1024;
-    // On 32-bit systems a limit may be larger than what there can be.
-    if (mebibytes != 0 && mebibytes <= RLIM_INFINITY / MEBIBYTE) {
-        lowerLimit(RLIMIT_AS, mebibytes * MEBIBYTE);
-    }
-}
-
-/** The process that waits. */
-class Watch {
-public:
-    Watch(pid_t child, const Limits& limits, const std::string& sourceName, const CrashNotes& notes,
-          const HeldSignals& signals)
-        : m_nChild(child), m_limits(limits), m_strSourceName(sourceName), m_notes(notes),
-          m_signals(signals) {
-        if (limits.maxSeconds != 0) {
-            m_deadline = Clock::now() + std::chrono::seconds(limits.maxSeconds);
+    static CrashRecord& share() {
+        void* const place = mmap(nullptr, sizeof(CrashRecord), PROT_READ | PROT_WRITE,
+                                 MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (place == MAP_FAILED) {
+            throw std::system_error(errno, std::generic_category(), "shared memory");
         }
+        return *new (place) CrashRecord;
     }
 
-    /** Waits for the child's end. @return the exit status that it stands for */
-    int wait() {
-        const int status = waitForEnd();
-        removeUnfinishedFile(m_notes.unfinishedFile);
-        if (WIFEXITED(status) && WEXITSTATUS(status) <= EXIT_USAGE) {
-            return WEXITSTATUS(status);
-        }
-        if (WIFSIGNALED(status) && isOuterSignal(WTERMSIG(status))) {
-            m_signals.endBy(WTERMSIG(status));
-        }
-        tellFailure(m_strSourceName + ": " + reason(status));
-        return EXIT_FAILED;
+    /** From now on this process keeps the record. */
+    void keep() {
+        s_own = this;
+        // The handler has to work where the stack has no room left.
+        static char handlerStack[64 * 1024];
+        stack_t stack{};
+        stack.ss_sp = handlerStack;
+        stack.ss_size = sizeof handlerStack;
+        sigaltstack(&stack, nullptr);
+        struct sigaction action {};
+        action.sa_sigaction = onFault;
+        action.sa_flags = static_cast<int>(SA_SIGINFO | SA_RESETHAND | SA_ONSTACK | SA_NODEFER);
+        sigaction(SIGSEGV, &action, nullptr);
     }
 
 private:
-    int waitForEnd() {
-        int status = 0;
-        while (waitpid(m_nChild, &status, WNOHANG) != m_nChild) {
-            const std::optional<int> signalNumber = m_signals.next(m_deadline);
-            if (!signalNumber) {
-                m_deadline.reset();
-                m_bLate = true;
-                kill(m_nChild, SIGKILL);
-            } else if (*signalNumber != SIGCHLD) {
-                kill(m_nChild, *signalNumber);
-            }
-        }
-        return status;
+    static std::uintptr_t stackPointer(const void* context) {
+        const auto& registers = static_cast<const ucontext_t*>(context)->uc_mcontext.gregs;
+#ifdef __x86_64__
+        return static_cast<std::uintptr_t>(registers[REG_RSP]);
+#else
+        return static_cast<std::uintptr_t>(registers[REG_ESP]);
+#endif
     }
 
-    std::string reason(int status) const {
-        return m_bLate ? lackOfTime(m_limits) : endReason(status, m_notes, m_limits);
+    /** A fault next to the stack pointer is the stack's: memory that it may not grow into. */
+    static void onFault(int signalNumber, siginfo_t* fault, void* context) {
+        constexpr std::uintptr_t LARGEST_FRAME = std::uintptr_t{1024} * 1024;
+        const auto address = reinterpret_cast<std::uintptr_t>(fault->si_addr);
+        const std::uintptr_t pointer = stackPointer(context);
+        const std::uintptr_t distance = address < pointer ? pointer - address : address - pointer;
+        s_own->hasStackOverflow = distance < LARGEST_FRAME;
+        std::raise(signalNumber); // whose action is the default one again
     }
 
-    pid_t m_nChild;
-    const Limits& m_limits;
-    const std::string& m_strSourceName;
-    const CrashNotes& m_notes;
-    const HeldSignals& m_signals;
-    std::optional<Clock::time_point> m_deadline;
-    bool m_bLate = false;
+    static CrashRecord* s_own;
 };
 
-} // namespace
+ChildProcess::CrashRecord* ChildProcess::CrashRecord::s_own;
 
-void goOnInChild(const Limits& limits, const std::string& sourceName) {
-    CrashNotes& notes = shareCrashNotes();
-    const HeldSignals signals;
-    const pid_t parent = getpid();
-    const pid_t child = fork();
-    if (child < 0) {
-        throw Failure(sourceName, "no process can be made for it: " + systemReason(errno));
-    }
-    if (child > 0) {
-        std::exit(Watch(child, limits, sourceName, notes, signals).wait());
-    }
-    signals.release();
-    becomeChild(limits, notes, parent);
+std::optional<int> ChildProcess::End::exitStatus() const {
+    const bool endedByItself = WIFEXITED(status) && WEXITSTATUS(status) <= EXIT_USAGE;
+    return endedByItself ? std::optional<int>(WEXITSTATUS(status)) : std::nullopt;
 }
 
-void becomeChild(const Limits& limits, CrashNotes& notes, pid_t parent) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) {
-        _exit(EXIT_FAILED);
-    }
-    lowerLimit(RLIMIT_CORE, 0);
-    keepCrashNotes(notes);
-    limitMemory(limits.maxMemory);
+std::optional<int> ChildProcess::End::outerSignal() const {
+    const bool endedFromOutside = WIFSIGNALED(status) && isFromOutside(WTERMSIG(status));
+    return endedFromOutside ? std::optional<int>(WTERMSIG(status)) : std::nullopt;
 }
 
-std::string endReason(int status, const CrashNotes& notes, const Limits& limits) {
-    if (notes.lackedMemory) {
-        return lackOfMemory(limits);
+std::string ChildProcess::End::cause(const Limits& limits) const {
+    if (wasLate) {
+        return timeLimitText(limits);
     }
-    if (notes.overflowedStack) {
-        return "the engine overflowed its stack";
+    if (hadStackOverflow) {
+        return "stack overflow in the engine";
     }
     if (WIFEXITED(status)) {
-        return "the engine gave up without a reason";
+        return "the engine failed without an error message";
     }
-    const std::string signalText = strsignal(WTERMSIG(status));
-    return WTERMSIG(status) == SIGKILL ? "the engine was ended from outside (" + signalText +
-                                             "), perhaps because the system has no memory left"
-                                       : "the engine crashed (" + signalText + ")";
+    const std::string signalName = std::string("SIG") + sigabbrev_np(WTERMSIG(status));
+    return WTERMSIG(status) == SIGKILL
+               ? "killed from outside (" + signalName + "), perhaps because memory ran out"
+               : "the engine crashed (" + signalName + ")";
 }
 
-std::string lackOfTime(const Limits& limits) {
-    return "it takes longer than the " + std::to_string(limits.maxSeconds) +
-           " s that --max-seconds allows";
+ChildProcess::ChildProcess() : m_crash(CrashRecord::share()) {}
+
+ChildProcess::~ChildProcess() {
+    if (isRunning()) {
+        send(SIGKILL);
+        wait();
+    }
+    munmap(&m_crash, sizeof m_crash);
 }
 
-std::string lackOfMemory(const Limits& limits) {
-    const std::string reason = "there is not enough memory";
-    return limits.maxMemory == 0
-               ? reason
-               : reason + ": --max-memory allows " + std::to_string(limits.maxMemory) + " MiB";
+void ChildProcess::start(const std::function<int()>& work) {
+    m_crash.hasStackOverflow = false;
+    m_bLate = false;
+    const pid_t parent = getpid();
+    m_nProcess = fork();
+    if (m_nProcess < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot start a process");
+    }
+    if (m_nProcess == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent) {
+            _exit(EXIT_FAILED);
+        }
+        const rlimit noCore{};
+        setrlimit(RLIMIT_CORE, &noCore);
+        m_crash.keep();
+        std::set_terminate(std::abort);
+        silenceSystemLibraries();
+        std::exit(work());
+    }
+}
+
+void ChildProcess::setTimeLimit(unsigned seconds) {
+    // By itself the work stops sooner, and can say more.
+    constexpr auto MORE = std::chrono::seconds(1);
+    m_deadline.reset();
+    if (seconds != 0) {
+        m_deadline = Clock::now() + std::chrono::seconds(seconds) + MORE;
+    }
+}
+
+void ChildProcess::killIfLate() {
+    if (m_deadline && *m_deadline <= Clock::now()) {
+        m_deadline.reset();
+        m_bLate = true;
+        send(SIGKILL);
+    }
+}
+
+void ChildProcess::send(int signalNumber) const {
+    if (isRunning()) {
+        ::kill(m_nProcess, signalNumber);
+    }
+}
+
+std::optional<ChildProcess::End> ChildProcess::reap(bool wait) {
+    int status = 0;
+    pid_t ended = 0;
+    do {
+        ended = waitpid(m_nProcess, &status, wait ? 0 : WNOHANG);
+    } while (ended < 0 && errno == EINTR);
+    if (ended != m_nProcess) {
+        return std::nullopt;
+    }
+    m_nProcess = 0;
+    m_deadline.reset();
+    return End{status, m_bLate, m_crash.hasStackOverflow};
 }

@@ -1,4 +1,4 @@
-#include "FileLimit.h"
+#include "process/FileLimit.h"
 
 #include <algorithm>
 #include <sys/resource.h>

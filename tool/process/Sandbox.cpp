@@ -1,8 +1,8 @@
-#include "Sandbox.h"
+#include "process/Sandbox.h"
 
-#include "Descriptor.h"
-#include "Failure.h"
-#include "OutputFile.h"
+#include "base/Descriptor.h"
+#include "base/Errors.h"
+#include "files/OutputPlace.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -33,7 +33,7 @@ struct RulesetAttributes {
 };
 
 [[noreturn]] void fail(const std::string& what) {
-    throw Failure("--sandbox", what + ": " + systemReason(errno));
+    throw Failure("--sandbox", what + ": " + systemMessage(errno));
 }
 
 class Sandbox {
@@ -57,7 +57,7 @@ long landlockVersion() {
     const long version =
         syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1) {
-        fail("this system's kernel offers no Landlock");
+        fail("the kernel has no Landlock");
     }
     return version;
 }
@@ -83,7 +83,7 @@ int Sandbox::createRuleset() const {
     const std::size_t size = hasNetwork ? sizeof attributes : sizeof attributes.files;
     const long ruleset = syscall(SYS_landlock_create_ruleset, &attributes, size, 0);
     if (ruleset < 0) {
-        fail("no sandbox can be made");
+        fail("cannot create a sandbox");
     }
     return static_cast<int>(ruleset);
 }
@@ -110,46 +110,34 @@ void Sandbox::allow(const fs::path& place, std::uint64_t rights) const {
 void Sandbox::enter() const {
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
         syscall(SYS_landlock_restrict_self, m_ruleset.get(), 0) != 0) {
-        fail("the sandbox cannot be entered");
+        fail("cannot enter the sandbox");
     }
 }
 
-fs::path folderOf(const fs::path& file) {
-    return file.has_parent_path() ? file.parent_path() : ".";
-}
-
-void allowReading(const Sandbox& sandbox, const InputName& input) {
-    if (input.isLocal()) {
-        const fs::path path = displayName(input.uri());
-        sandbox.allow(path, LANDLOCK_ACCESS_FS_READ_FILE);
-        sandbox.allow(folderOf(path), LANDLOCK_ACCESS_FS_READ_FILE);
-    }
-}
-
-void allowWriting(const Sandbox& sandbox, const std::string& output) {
+void allowWriting(const Sandbox& sandbox, const fs::path& output) {
     constexpr std::uint64_t WRITING = LANDLOCK_ACCESS_FS_WRITE_FILE | ACCESS_TRUNCATE;
-    if (output == STANDARD_STREAM) {
-        return;
-    }
     constexpr std::uint64_t MAKING = LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
     const fs::path place = outputPlace(output);
     std::error_code none;
     sandbox.allow(place, fs::is_directory(place, none) ? WRITING | MAKING : WRITING);
-    // A link that could not be followed to its end (/dev/stdout) is written to directly.
-    const bool isWrittenBeside = fs::is_regular_file(place, none) || !fs::exists(place, none);
-    if (isWrittenBeside && !fs::is_symlink(place, none)) {
-        sandbox.allow(folderOf(place), WRITING | MAKING);
+    const bool isReplaced = fs::is_regular_file(place, none) || !fs::exists(place, none);
+    if (isReplaced && !fs::is_symlink(place, none)) {
+        sandbox.allow(place.has_parent_path() ? place.parent_path() : ".", WRITING | MAKING);
     }
 }
 
 } // namespace
 
-void enterSandbox(const NamedFiles& files) {
+void enterSandbox(const SandboxPlaces& places) {
     const Sandbox sandbox;
-    for (const InputName* input : files.inputs) {
-        allowReading(sandbox, *input);
+    for (const auto* readable : {&places.inputs, &places.folders}) {
+        for (const fs::path& place : *readable) {
+            sandbox.allow(place, LANDLOCK_ACCESS_FS_READ_FILE);
+        }
     }
-    allowWriting(sandbox, files.output);
+    for (const fs::path& output : places.outputs) {
+        allowWriting(sandbox, output);
+    }
 #ifdef VEXA_COUNTERS_FOLDER
     // A build for coverage writes down what was run when the process ends.
     sandbox.allow(VEXA_COUNTERS_FOLDER, LANDLOCK_ACCESS_FS_READ_FILE |

@@ -1,16 +1,25 @@
 /**
  * @file
- * A process that reaches only the files that its command line names.
+ * A process that reaches only the files that it needs.
  */
 #pragma once
 
-#include "NamedFiles.h"
+#include <filesystem>
+#include <vector>
+
+/** The places that stay within reach. */
+struct SandboxPlaces {
+    /** Files that are read. */
+    std::vector<std::filesystem::path> inputs;
+    /** Folders that are read, with all that is below them. */
+    std::vector<std::filesystem::path> folders;
+    /** Files that are written or replaced, and folders in which files are. */
+    std::vector<std::filesystem::path> outputs;
+};
 
 /**
- * Gives up, for good, all files but these: the named inputs and what is in their folders may be
- * read, and the output may be written, with the unfinished file beside it. Where the kernel can
- * also refuse connections, these too.
+ * Gives up all other files, for good; where the kernel can refuse connections, these too.
  *
  * @throws Failure if the kernel cannot do this
  */
-void enterSandbox(const NamedFiles& files);
+void enterSandbox(const SandboxPlaces& places);

@@ -58,7 +58,7 @@ TEST_F(BatchCommandTest, GivesTheSameBytesAsTransform) {
     const std::string orders = projectFile("samples/orders.xml");
     const std::string arguments = " '" + report + "' '" + orders + "' -p title=May";
     EXPECT_EQ(tool("transform" + arguments + " -o one.html").status, 0);
-    for (const char* options : {"", " --isolate", " --xerces-dom", " --max-seconds 60"}) {
+    for (const char* options : {"", " --timing --quiet", " --max-seconds 60 --sandbox"}) {
         EXPECT_EQ(tool("batch" + arguments + " -d out" + options).status, 0);
         EXPECT_GT(file("out/orders.out").size(), 10'000U);
         EXPECT_TRUE(sameBytes(file("out/orders.out"), file("one.html"))) << options;
@@ -67,7 +67,7 @@ TEST_F(BatchCommandTest, GivesTheSameBytesAsTransform) {
 
 TEST_F(BatchCommandTest, GivesEveryNumberOfJobsTheSameResults) {
     writeSources(60);
-    for (const char* options : {"-j 1", "-j2", "-j 256", "-j 8 --isolate", ""}) {
+    for (const char* options : {"-j 1", "-j2", "-j 256", "-j 8 --max-seconds 60", ""}) {
         shell("rm -rf out");
         const Outcome outcome = tool("batch ok.xsl sources/* -d out " + std::string(options));
         EXPECT_EQ(outcome.error, "vexa-xslt: 60 of 60 sources done\n") << options;
@@ -79,16 +79,16 @@ TEST_F(BatchCommandTest, GoesOnAfterABadSource) {
     writeSources(4);
     m_folder.write("sources/s2.xml", "<a>");
     shell("mkdir out; echo earlier >out/s2.out; rm sources/s3.xml");
-    for (const char* options : {"", "--isolate"}) {
+    for (const char* options : {"", "--max-seconds 60"}) {
         SCOPED_TRACE(options);
         const Outcome outcome =
             tool("batch ok.xsl sources/s{1,2,3,4}.xml -d out -j 1 " + std::string(options));
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.output, "");
         EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 3) << outcome.error;
-        EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/s2.xml: SAXParseException: ", 0), 0U)
-            << outcome.error;
-        EXPECT_NE(outcome.error.find("\nvexa-xslt: sources/s3.xml: No such file or directory\n"),
+        EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/s2.xml:1:4: ", 0), 0U) << outcome.error;
+        EXPECT_NE(outcome.error.find("\nvexa-xslt: sources/s3.xml: cannot open: No such file or "
+                                     "directory\n"),
                   std::string::npos);
         EXPECT_EQ(lastLine(outcome.error), "vexa-xslt: 2 of 4 sources done, 2 failed");
         EXPECT_EQ(names(), "s1.out s2.out s4.out\n");
@@ -102,45 +102,39 @@ TEST_F(BatchCommandTest, NamesTheSourceWhereTheStylesheetFails) {
     writeSources(3);
     const Outcome outcome = tool("batch stop.xsl sources/* -d out --quiet");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(
-        outcome.error.rfind(
-            "vexa-xslt: sources/s2.xml: stop.xsl: ElemMessageTerminateExpression: enough (", 0),
-        0U)
+    EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/s2.xml: stop.xsl:1:", 0), 0U)
         << outcome.error;
+    EXPECT_NE(outcome.error.find(": enough\n"), std::string::npos) << outcome.error;
     EXPECT_EQ(lastLine(outcome.error), "vexa-xslt: 2 of 3 sources done, 1 failed");
     EXPECT_EQ(rightResults(), 2);
     m_folder.write("bad.xsl", "<xsl:stylesheet");
-    const Outcome bad = tool("batch bad.xsl sources/* -d bad -j 1");
-    EXPECT_EQ(bad.status, 1);
-    EXPECT_EQ(bad.error.rfind("vexa-xslt: sources/s1.xml: bad.xsl: ", 0), 0U) << bad.error;
-    EXPECT_EQ(lastLine(bad.error), "vexa-xslt: 0 of 3 sources done, 3 failed");
+    expectFailure(tool("batch bad.xsl sources/* -d bad"), 1, "bad.xsl:1:16: ");
     EXPECT_EQ(names("bad"), "\n");
 }
 
-TEST_F(BatchCommandTest, TellsWhichSourceAMessageIsAbout) {
+TEST_F(BatchCommandTest, NamesTheSourceThatAMessageIsAbout) {
     writeSources(2);
-    for (const char* options : {"", " --isolate"}) {
-        const Outcome outcome =
-            tool("batch message.xsl sources/* -d out -j 1" + std::string(options));
-        EXPECT_EQ(outcome.status, 0);
-        EXPECT_EQ(outcome.error.rfind("sources/s1.xml: XSLT message: note 1 (", 0), 0U)
-            << outcome.error;
-        EXPECT_NE(outcome.error.find("\nsources/s2.xml: XSLT message: note 2 ("), std::string::npos)
-            << outcome.error;
-        EXPECT_EQ(lastLine(outcome.error), "vexa-xslt: 2 of 2 sources done");
-        EXPECT_EQ(tool("batch message.xsl sources/* -d out --quiet" + std::string(options)).error,
-                  "");
-    }
+    EXPECT_EQ(tool("batch message.xsl sources/* -d out -j 1").error,
+              "sources/s1.xml: note 1\nsources/s2.xml: note 2\nvexa-xslt: 2 of 2 sources done\n");
+    EXPECT_EQ(tool("batch message.xsl sources/* -d out --quiet").error, "");
+    m_folder.write("lines.xsl", stylesheetWithRootTemplate(
+                                    "<xsl:message>one\n\ntwo</xsl:message><b><xsl:value-of "
+                                    "select=\"document('none')\"/></b>"));
+    const Outcome outcome = tool("batch lines.xsl sources/s1.xml -d out");
+    EXPECT_EQ(outcome.error.rfind("sources/s1.xml: one\nsources/s1.xml: \nsources/s1.xml: two\n"
+                                  "sources/s1.xml: lines.xsl:",
+                                  0),
+              0U)
+        << outcome.error;
+    EXPECT_NE(outcome.error.find(": warning: "), std::string::npos) << outcome.error;
 }
 
 TEST_F(BatchCommandTest, PassesOnMessagesOfAnyLength) {
     m_folder.write("long.xml", "<a>" + std::string(1'000'000, 'x') + "</a>");
-    for (const char* options : {"", " --isolate"}) {
-        const Outcome outcome = tool("batch message.xsl long.xml -d out" + std::string(options));
-        EXPECT_EQ(outcome.status, 0);
-        EXPECT_NE(outcome.error.find("note " + std::string(1'000'000, 'x') + " ("),
-                  std::string::npos);
-    }
+    const Outcome outcome = tool("batch message.xsl long.xml -d out");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, "long.xml: note " + std::string(1'000'000, 'x') +
+                                 "\nvexa-xslt: 1 of 1 source done\n");
 }
 
 TEST_F(BatchCommandTest, PassesParameters) {
@@ -148,10 +142,15 @@ TEST_F(BatchCommandTest, PassesParameters) {
         "p.xsl",
         stylesheet("<xsl:output omit-xml-declaration='yes'/><xsl:param name='p'/>"
                    "<xsl:template match='/'><b><xsl:value-of select='$p'/></b></xsl:template>"));
-    writeSources(50); // more than one transformer does
+    writeSources(50);
     EXPECT_EQ(tool("batch p.xsl sources/* -d out -p p=y -j 1").status, 0);
     EXPECT_EQ(shell("for f in out/*; do cat $f; echo; done | sort | uniq -c | tr -d ' '").output,
               "50<b>y</b>\n");
+    EXPECT_EQ(tool("batch p.xsl sources/* -d out --expression p=/a*2 -j 2").status, 0);
+    EXPECT_EQ(shell("for i in $(seq 50); do grep -q \"<b>$((2 * i))</b>\" out/s$i.out || echo $i; "
+                    "done")
+                  .output,
+              "");
 }
 
 TEST_F(BatchCommandTest, TakesNamesFromAList) {
@@ -169,20 +168,21 @@ TEST_F(BatchCommandTest, TakesNamesFromAList) {
               "vexa-xslt: 0 of 0 sources done\n");
     expectFailure(tool("batch ok.xsl --files-from lost -d out"), 1,
                   "lost: No such file or directory");
-    expectFailure(tool("batch ok.xsl --files-from sources -d out"), 1, "sources: Is a directory");
+    expectFailure(tool("batch ok.xsl --files-from sources -d out"), 1,
+                  "sources: Input/output error");
     expectFailure(tool("batch ok.xsl --files-from /proc/self/mem -d out"), 1,
-                  "/proc/self/mem: it cannot be read\n");
+                  "/proc/self/mem: Input/output error\n");
 }
 
 TEST_F(BatchCommandTest, RefusesTwoSourcesForOneResult) {
     writeSources(2);
     shell("mkdir other; cp sources/s1.xml other");
     expectRefused("ok.xsl sources/s1.xml sources/s2.xml other/s1.xml -d out", "other/s1.xml: ",
-                  "its result would go to out/s1.out, as that of sources/s1.xml does (see ");
+                  "its result would go to out/s1.out, as that of sources/s1.xml (see ");
     expectRefused("ok.xsl sources/s1.xml sources/s1.xml -d out", "sources/s1.xml: ");
     shell("mkdir linked; ln -s s1.out linked/s2.out");
     expectFailure(tool("batch ok.xsl sources/s1.xml sources/s2.xml -d linked"), 2,
-                  "sources/s2.xml: ", "as that of sources/s1.xml does");
+                  "sources/s2.xml: ", "as that of sources/s1.xml");
     EXPECT_EQ(names("linked"), "s2.out\n");
 }
 
@@ -190,7 +190,8 @@ TEST_F(BatchCommandTest, ALinkThatLeadsNowhereCostsItsSourceOnly) {
     writeSources(2);
     shell("mkdir out; ln -s s1.out out/s1.out");
     EXPECT_EQ(tool("batch ok.xsl sources/* -d out").error,
-              "vexa-xslt: sources/s1.xml: out/s1.out: Too many levels of symbolic links\n"
+              "vexa-xslt: sources/s1.xml: out/s1.out: cannot open: Too many levels of "
+              "symbolic links\n"
               "vexa-xslt: 1 of 2 sources done, 1 failed\n");
     EXPECT_EQ(file("out/s2.out"), "<b>2</b>");
 }
@@ -198,33 +199,35 @@ TEST_F(BatchCommandTest, ALinkThatLeadsNowhereCostsItsSourceOnly) {
 TEST_F(BatchCommandTest, RefusesToReplaceWhatItReads) {
     writeSources(2);
     expectRefused("ok.xsl sources/s1.xml sources/s2.xml -d sources --suffix .xml",
-                  "sources/s1.xml: the result of sources/s1.xml would take its place");
+                  "sources/s1.xml: the result of sources/s1.xml would replace it");
     m_folder.write("ok", "<a/>");
     expectFailure(tool("batch ok.xsl ok -d . --suffix .xsl"), 2,
-                  "ok.xsl: the result of ok would take its place");
+                  "ok.xsl: the result of ok would replace it");
     EXPECT_EQ(file("sources/s1.xml"), "<a>1</a>\n");
 }
 
 TEST_F(BatchCommandTest, RefusesWrongUsageBeforeAnyWork) {
-    expectRefused("ok.xsl ok.xml", "--directory: its DIRECTORY is missing");
+    expectRefused("ok.xsl ok.xml", "--directory: DIRECTORY is missing");
     expectRefused("ok.xsl -d out", "SOURCE: a source is missing, or --files-from");
-    expectRefused("ok.xsl - -d out", "-: a batch does not read a source from standard input");
-    expectRefused("ok.xsl http://host/ -d out", "http://host/: it has no file name");
+    expectRefused("ok.xsl - -d out", "-: batch cannot read a source from standard input");
+    expectRefused("ok.xsl http://host/ -d out", "http://host/: no file name");
     expectRefused("ok.xsl ok.xml -d out -0", "-0: ");
-    expectRefused("ok.xsl ok.xml -d ''", "-d: the name of the folder is empty");
-    expectRefused("ok.xsl ok.xml -d $'out\\xFF'", "out\xFF: this is not valid UTF-8 text (see ");
+    expectRefused("ok.xsl ok.xml -d ''", "-d: empty folder name");
     expectRefused("ok.xsl ok.xml -d out --suffix /x", "--suffix: ");
     expectRefused("<(cat ok.xsl) ok.xml -d out", "/dev/fd/",
-                  ": a batch reads it for each source; it must be a regular file (see ");
-    expectRefused("ok.xsl ok.xml -d out -j 0", "--jobs: 0 is no whole number from 1 to 256");
+                  ": each worker reads it: it must be a regular file (see ");
+    expectRefused("ok.xsl ok.xml -d out -j 0",
+                  "--jobs: expected an integer from 1 to 256, got '0'");
     expectRefused("ok.xsl ok.xml -d out -j 257", "--jobs: ");
     expectRefused("ok.xsl ok.xml -d out -p x", "-p x: ");
-    expectRefused("ok.xsl ok.xml -d out -p \"x='\"", "-p x=': ");
+    expectRefused("ok.xsl ok.xml -d out --number x=y", "--number x=y: ");
+    expectRefused("- ok.xml -d out", "-: each worker reads it");
     const Outcome list = shell("printf 'a\\0b\\0' | vexa-xslt batch ok.xsl --files-from - -d out");
-    expectFailure(list, 2, "standard input: its names are separated by NUL; give -0");
-    expectFailure(tool("batch lost.xsl ok.xml -d out"), 1, "lost.xsl: No such file or directory");
-    expectFailure(tool("batch ok.xsl '' -d out"), 1, "'': an empty name is no file");
+    expectFailure(list, 2, "-: the names are separated by NUL: give -0");
+    expectFailure(tool("batch ok.xsl '' -d out"), 2, "'': empty file name");
     EXPECT_EQ(m_folder.list().find("out"), std::string::npos);
+    expectFailure(tool("batch lost.xsl ok.xml -d out"), 1,
+                  "lost.xsl: cannot open: No such file or directory");
 }
 
 TEST_F(BatchCommandTest, TellsOfAFolderThatCannotBeWrittenTo) {
@@ -237,7 +240,8 @@ TEST_F(BatchCommandTest, TellsOfAFolderThatCannotBeWrittenTo) {
     shell("mkdir full; ln -s /dev/full full/ok.out");
     const Outcome full = tool("batch ok.xsl ok.xml -d full");
     EXPECT_EQ(full.status, 1);
-    EXPECT_EQ(full.error.rfind("vexa-xslt: ok.xml: full/ok.out: ", 0), 0U) << full.error;
+    EXPECT_EQ(full.error.rfind("vexa-xslt: ok.xml: full/ok.out: cannot write: ", 0), 0U)
+        << full.error;
 }
 
 TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
@@ -245,7 +249,7 @@ TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
     m_folder.write(name, "<a/>");
     const Outcome outcome = tool("batch ok.xsl " + name + " -d out");
     EXPECT_EQ(outcome.error, "vexa-xslt: " + name + ": out/" + name +
-                                 ".out: File name too long\n"
+                                 ".out: cannot open: File name too long\n"
                                  "vexa-xslt: 0 of 1 source done, 1 failed\n");
     expectFailure(tool("batch ok.xsl ok.xml -d " + name + name), 1,
                   name + name + ": File name too long\n");
@@ -253,12 +257,9 @@ TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
 
 TEST_F(BatchCommandTest, TellsWhereTheTimeWent) {
     const std::string error = tool("batch ok.xsl ok.xml -d out --timing").error;
-    EXPECT_NE(error.find("start of the engines "), std::string::npos);
-    EXPECT_NE(error.find("\ntransforms "), std::string::npos);
+    EXPECT_EQ(error.rfind("transforms ", 0), 0U) << error;
     EXPECT_NE(error.find("\ntotal "), std::string::npos);
     EXPECT_EQ(lastLine(error), "vexa-xslt: 1 of 1 source done");
-    EXPECT_NE(tool("batch ok.xsl ok.xml -d out --timing --isolate").error.find("\ntotal "),
-              std::string::npos);
     EXPECT_EQ(tool("batch ok.xsl ok.xml -d out --timing --quiet").error, "");
 }
 
@@ -267,10 +268,8 @@ TEST_F(BatchCommandTest, KeepsStrangeNamesOutOfTheTerminal) {
     m_folder.write("sources/b\033[31m\n.xml", "<a>1</a>");
     const Outcome outcome = tool("batch message.xsl sources/* -d out -j 1");
     EXPECT_EQ(outcome.error.find('\033'), std::string::npos) << outcome.error;
-    EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/a?[31m .xml: SAXParseException: ", 0), 0U)
-        << outcome.error;
-    EXPECT_NE(outcome.error.find("\nsources/b?[31m?.xml: XSLT message: note 1 ("),
-              std::string::npos)
+    EXPECT_EQ(outcome.error.rfind("vexa-xslt: sources/a?[31m .xml:1:4: ", 0), 0U) << outcome.error;
+    EXPECT_NE(outcome.error.find("\nsources/b?[31m .xml: note 1\n"), std::string::npos)
         << outcome.error;
 }
 

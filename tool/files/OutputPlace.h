@@ -1,0 +1,13 @@
+/**
+ * @file
+ * Where a result really goes.
+ */
+#pragma once
+
+#include <filesystem>
+
+/**
+ * The place that the name of an output stands for: symbolic links followed, also to a file that is
+ * not there yet, up to the link of an open descriptor (/dev/stdout).
+ */
+std::filesystem::path outputPlace(std::filesystem::path output);
