@@ -18,8 +18,8 @@ TAIL = "</rows>\n"
 class Numbers:
     """Pseudo-random numbers, the same in every version of Python."""
 
-    def __init__(self):
-        self.state = 12345
+    def __init__(self, seed=12345):
+        self.state = seed
 
     def below(self, limit):
         self.state = (self.state * 1103515245 + 12345) % 2**31
@@ -46,9 +46,9 @@ def write_rows(file, size):
     file.write_text("".join(parts) + TAIL)
 
 
-def write_ten_rows(file):
+def write_ten_rows(file, seed=12345):
     """Writes ten short rows."""
-    numbers = Numbers()
+    numbers = Numbers(seed)
     rows = [f'<row id="{number}" kind="{KINDS[number % len(KINDS)]}"><name>{WORDS[numbers.below(len(WORDS))]}</name>'
             f"<amount>{numbers.below(100000)}.{numbers.below(100):02}</amount></row>\n" for number in range(10)]
     file.write_text(HEAD + "".join(rows) + TAIL)
@@ -113,7 +113,7 @@ def write_batches(folder):
         sources.mkdir(exist_ok=True)
         names = [f"{sources.name}/{number}.xml" for number in range(count)]
         for number, name in enumerate(names):
-            (folder / name).write_text(f'<rows><row id="{number}" kind="glass"><name>lens</name></row></rows>')
+            write_ten_rows(folder / name, number + 1)
         (folder / f"{sources.name}.list").write_text("\n".join(names))
 
 

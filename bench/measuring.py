@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
@@ -196,10 +197,11 @@ def measure_processes(build):
 def batch_commands(build, sources):
     """One stylesheet over many sources, in several ways."""
     program = build / "bin" / "vexa-xslt"
-    batch = [program, "batch", "table.xsl", "--files-from", f"{sources}.list", "--quiet", "-d", f"{sources}-results"]
+    names = f"{sources}.list"
+    batch = [program, "batch", "table.xsl", "--files-from", names, "--quiet", "-d", f"{sources}-results"]
     each = f"while read -r source; do '{program}' transform table.xsl $source -o by-one; done <{sources}.list"
-    return {"one": [*batch, "-j", 1], "two": [*batch, "-j", 2], "isolated": [*batch, "-j", 2, "--isolate"],
-            "each": ["bash", "-c", each]}
+    return {"one": [*batch, "-j", 1], "two": [*batch, "-j", 2], "each": ["bash", "-c", each],
+            "libxslt": [build / "bin" / "libxslt_batch", "table.xsl", names, f"{sources}-by-libxslt"]}
 
 
 def measure_batches(build):
@@ -212,25 +214,27 @@ def measure_batches(build):
         for _ in range(9 if count < 100 else 3):
             for name, command in batch_commands(build, sources).items():
                 if name != "each" or count < 100:
+                    for results_folder in folder.glob(f"{sources}-*"):
+                        shutil.rmtree(results_folder, ignore_errors=True)
                     words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
-                    runs.setdefault(name, []).append((float(words[0]), float(words[2]) * 1024 / 1e6))
-        if len(list((folder / f"{sources}-results").iterdir())) != count:
-            raise Failed(f"a batch of {count} sources has missing results")
-        results[str(count)] = {name: {"rate": count / min(run[0] for run in timed), "mb": max(run[1] for run in timed)}
+                    runs.setdefault(name, []).append((float(words[0]), float(words[2]) * 1024 / 1e6, float(words[1])))
+                    if name != "each" and len(list(next(folder.glob(f"{sources}-*")).iterdir())) != count:
+                        raise Failed(f"a batch of {count} sources has missing results: {name}")
+        results[str(count)] = {name: {"rate": count / min(run[0] for run in timed), "mb": max(run[1] for run in timed),
+                                      "cpu": min(run[2] for run in timed)}
                                for name, timed in runs.items()}
     return results
 
 
 def measure_hostile(build):
-    """CPU seconds and megabytes of a transform that counts elements, with Xalan source tree and Xerces DOM."""
+    """CPU seconds and megabytes of a transform that counts elements."""
     results = {}
     for title in documents.HOSTILE:
         progress(f"hostile input, {title}")
         command = [build / "bin" / "measure_process", build / "bin" / "vexa-xslt", "transform", "count.xsl",
                    documents.hostile_file(title)]
-        for tree, options in (("engine", []), ("parser", ["--xerces-dom"])):
-            words = run([*command, *options], cwd=build / "documents").split()
-            results.setdefault(title, {})[tree] = {"s": float(words[1]), "mb": float(words[2]) * 1024 / 1e6}
+        words = run(command, cwd=build / "documents").split()
+        results[title] = {"s": float(words[1]), "mb": float(words[2]) * 1024 / 1e6}
     return results
 
 
