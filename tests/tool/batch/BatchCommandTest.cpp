@@ -230,7 +230,7 @@ TEST_F(BatchCommandTest, RefusesWrongUsageBeforeAnyWork) {
                   "lost.xsl: cannot open: No such file or directory");
 }
 
-TEST_F(BatchCommandTest, TellsOfAFolderThatCannotBeWrittenTo) {
+TEST_F(BatchCommandTest, ReportsAFolderThatCannotBeWrittenTo) {
     expectFailure(tool("batch ok.xsl ok.xml -d ok.xsl"), 1, "ok.xsl: Not a directory\n");
     expectFailure(tool("batch ok.xsl ok.xml -d none/out"), 1,
                   "none/out: No such file or directory\n");
@@ -244,7 +244,22 @@ TEST_F(BatchCommandTest, TellsOfAFolderThatCannotBeWrittenTo) {
         << full.error;
 }
 
-TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
+/** The third source comes through a pipe, so that the worker waits for it. */
+TEST_F(BatchCommandTest, ReportsAFolderThatGoesAway) {
+    writeSources(4);
+    const Outcome outcome =
+        shell("rm sources/s3.xml; mkfifo sources/s3.xml; "
+              "vexa-xslt batch ok.xsl sources/* -d out -j 1 & batch=$!; exec 3>sources/s3.xml; "
+              "ls out; rm -r out; echo '<a/>' >&3; exec 3>&-; wait $batch");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "s1.out\ns2.out\n");
+    const std::string cause = ".out: cannot create: No such file or directory\n";
+    EXPECT_EQ(outcome.error, "vexa-xslt: sources/s3.xml: out/s3" + cause +
+                                 "vexa-xslt: sources/s4.xml: out/s4" + cause +
+                                 "vexa-xslt: 2 of 4 sources done, 2 failed\n");
+}
+
+TEST_F(BatchCommandTest, ReportsNamesThatAreTooLong) {
     const std::string name(252, 'x');
     m_folder.write(name, "<a/>");
     const Outcome outcome = tool("batch ok.xsl " + name + " -d out");
@@ -255,7 +270,7 @@ TEST_F(BatchCommandTest, TellsOfNamesThatAreTooLong) {
                   name + name + ": File name too long\n");
 }
 
-TEST_F(BatchCommandTest, TellsWhereTheTimeWent) {
+TEST_F(BatchCommandTest, ReportsWhereTheTimeWent) {
     const std::string error = tool("batch ok.xsl ok.xml -d out --timing").error;
     EXPECT_EQ(error.rfind("transforms ", 0), 0U) << error;
     EXPECT_NE(error.find("\ntotal "), std::string::npos);
