@@ -62,12 +62,13 @@ private:
     /** With the fewest digits from 10 to 35 behind the point that give the number back. */
     void assign(double number) {
         char text[MOST];
-        char* end = text;
+        char* end = nullptr;
         double back = 0;
-        for (int digits = 10; digits <= 35 && back != number; ++digits) {
+        int digits = 10;
+        do {
             end = std::to_chars(text, text + MOST, number, std::chars_format::fixed, digits).ptr;
             std::from_chars(text, end, back);
-        }
+        } while (back != number && ++digits <= 35);
         while (end[-1] == '0') {
             --end;
         }

@@ -8,6 +8,7 @@ NumberElement::startElement(xalanc::StylesheetExecutionContext& context) const {
     if (context.getCurrentNode()->getNodeType() != xalanc::XalanNode::DOCUMENT_FRAGMENT_NODE) {
         return ElemNumber::startElement(context);
     }
+    // As ElemNumber::startElement() begins. NOLINTNEXTLINE(bugprone-parent-virtual-call)
     ElemTemplateElement::startElement(context);
     constexpr CountType ONE = 1; // there is no other root
     const xalanc::StylesheetExecutionContext::GetCachedString text(context);

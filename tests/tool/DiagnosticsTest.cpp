@@ -189,7 +189,7 @@ TEST_F(DiagnosticsTest, ReportsThatMemoryRanOut) {
         GTEST_SKIP() << "a memory checker needs all of the address space";
     }
     std::string items = "<a>";
-    for (int i = 0; i < 400'000; ++i) {
+    for (int i = 0; i < 2'000'000; ++i) {
         items += "<i>text</i>";
     }
     m_folder.write("big.xml", items + "</a>");
