@@ -19,6 +19,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -96,9 +97,26 @@ void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run
     }
 }
 
+/**
+ * The words of the command line, the last one first. The parser takes a word in square brackets for
+ * a list, and "++" for the end of a command: as names of files they are written with their folder.
+ */
+std::vector<std::string> wordsOf(int argc, char** argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    const bool hasLists = !words.empty() && (words.front() == BATCH_COMMAND.name ||
+                                             words.front() == CHAIN_COMMAND.name);
+    for (std::string& word : words) {
+        if (word == "++" || (hasLists && word.rfind('[', 0) == 0)) {
+            word.insert(0, "./");
+        }
+    }
+    std::reverse(words.begin(), words.end());
+    return words;
+}
+
 int parseAndRun(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
     try {
-        app.parse(argc, argv);
+        app.parse(wordsOf(argc, argv));
         return command();
     } catch (const CLI::ParseError& error) {
         const bool isRequest = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);

@@ -102,7 +102,7 @@ TEST_F(TransformCommandTest, RefusesParametersThatCannotBe) {
     expectFailure(tool("transform ok.xsl ok.xml --number p="), 2, "--number p=: ");
     expectFailure(tool("transform ok.xsl ok.xml --expression p=a["), 1, "expression: ", "']'");
     expectFailure(tool("transform ok.xsl ok.xml --expression p"), 2, "--expression p: ");
-    for (const char* name : {"1", "a b", "q:x", "{u}", "{u", "{u}1", ""}) {
+    for (const char* name : {"1", "a b", "q:x", "{u}", "{u", "{u}1", "a}b", "{a}b}c", ""}) {
         expectFailure(tool("transform ok.xsl ok.xml -p '" + std::string(name) + "=x'"), 2,
                       "-p " + std::string(name) + "=x: expected ");
     }

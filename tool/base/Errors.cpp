@@ -18,8 +18,16 @@ bool isControl(char c) {
 
 } // namespace
 
+std::string errorLine(const std::string& text) {
+    return styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " + text + "\n";
+}
+
 void printError(const std::string& text) {
-    std::cerr << styled("vexa-xslt:", Style::Error, g_nErrorDescriptor) + " " + text + "\n";
+    std::cerr << errorLine(text);
+}
+
+int errorDescriptor() {
+    return g_nErrorDescriptor;
 }
 
 void silenceSystemLibraries() {

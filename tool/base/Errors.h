@@ -25,8 +25,14 @@ public:
         : std::runtime_error(name + ": " + cause) {}
 };
 
-/** Prints "vexa-xslt: TEXT" and a newline on standard error. */
+/** "vexa-xslt: TEXT" and a newline, as it is printed. */
+std::string errorLine(const std::string& text);
+
+/** Prints that line on standard error. */
 void printError(const std::string& text);
+
+/** Standard error of the program: another descriptor than 2 after silenceSystemLibraries(). */
+int errorDescriptor();
 
 /**
  * Leaves standard error to this program's own texts: what system libraries write there when they

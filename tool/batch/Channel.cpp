@@ -71,15 +71,20 @@ void SchedulerChannel::close() const {
     shutdown(m_socket.get(), SHUT_WR);
 }
 
-bool SchedulerChannel::receive(std::vector<Report>& reports) {
+bool SchedulerChannel::receiveAll(std::vector<Report>& reports) {
+    constexpr std::size_t MOST_AT_ONCE = std::size_t{1024} * 1024;
     char bytes[16 * 1024];
-    const ssize_t received = recv(m_socket.get(), bytes, sizeof bytes, MSG_DONTWAIT);
-    if (received < 0) {
-        return errno == EAGAIN || errno == EINTR;
-    }
-    m_strReceived.append(bytes, static_cast<std::size_t>(received));
+    ssize_t received = 0;
+    do {
+        received = recv(m_socket.get(), bytes, sizeof bytes, MSG_DONTWAIT);
+        if (received > 0) {
+            m_strReceived.append(bytes, static_cast<std::size_t>(received));
+        }
+    } while ((received > 0 && m_strReceived.size() < MOST_AT_ONCE) ||
+             (received < 0 && errno == EINTR));
+    const bool isThere = received > 0 || (received < 0 && errno == EAGAIN);
     takeReports(m_strReceived, reports);
-    return received > 0;
+    return isThere;
 }
 
 Connection openConnection() {

@@ -58,10 +58,10 @@ public:
     void close() const;
 
     /**
-     * Receives what is there, without waiting.
+     * Receives all that is there, without waiting.
      * @return false when the worker is gone
      */
-    bool receive(std::vector<Report>& reports);
+    bool receiveAll(std::vector<Report>& reports);
 
 private:
     Descriptor m_socket;

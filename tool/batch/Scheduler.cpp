@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <iostream>
 #include <poll.h>
 #include <sstream>
@@ -48,8 +49,7 @@ Tally Scheduler::run(std::size_t workers) {
         if (m_tally.finished() == 0) {
             throw;
         }
-        waitForStandardError();
-        printError(error.what());
+        print(errorLine(error.what()));
     }
     return m_tally;
 }
@@ -66,17 +66,18 @@ void Scheduler::runAll() {
 }
 
 void Scheduler::start(Slot& slot) {
-    Connection connection = openConnection();
-    slot.channel = std::move(connection.schedulersEnd);
     slot.hasStarted = false;
+    slot.wasJustInTime = false;
     try {
+        Connection connection = openConnection();
+        slot.channel = std::move(connection.schedulersEnd);
         slot.process.start([&] {
             m_signals.unblock();
             return m_work(connection.workersEnd);
         });
     } catch (const std::system_error& error) {
         if (!isAnyRunning()) {
-            throw Failure(m_options.stylesheet, error.what());
+            throw NoWorker(oneLine(m_options.stylesheet) + ": " + error.what());
         }
     }
 }
@@ -96,8 +97,13 @@ void Scheduler::wait() {
             }
         }
     }
-    std::for_each(m_slots.begin(), m_slots.end(),
-                  [](const auto& slot) { slot->process.killIfLate(); });
+    for (const auto& slot : m_slots) {
+        // What it has reported by now counts.
+        if (slot->process.deadline() && *slot->process.deadline() <= Clock::now()) {
+            receiveFrom(*slot);
+        }
+        slot->process.killIfLate();
+    }
 }
 
 /** Until something is to be done that nobody reports; -1 where there is no such thing. */
@@ -116,7 +122,7 @@ int Scheduler::millisecondsToWait() const {
 
 void Scheduler::receiveFrom(Slot& slot) {
     std::vector<Report> reports;
-    const bool isThere = slot.channel.receive(reports);
+    const bool isThere = slot.channel.receiveAll(reports);
     for (const Report& report : reports) {
         take(slot, report);
     }
@@ -129,6 +135,7 @@ void Scheduler::take(Slot& slot, const Report& report) {
     switch (report.kind) {
     case Report::Kind::Started:
         slot.hasStarted = true;
+        slot.failedStarts = 0;
         break;
     case Report::Kind::Message:
         printMessage(slot, report.text);
@@ -142,13 +149,14 @@ void Scheduler::take(Slot& slot, const Report& report) {
         endJob(slot);
         break;
     case Report::Kind::GivenUp:
-        throw std::runtime_error(report.text);
+        throw NoWorker(report.text);
     }
     giveJobs(slot);
 }
 
 void Scheduler::endJob(Slot& slot) {
     slot.jobs.pop_front();
+    slot.wasJustInTime = slot.process.isLate();
     slot.process.setTimeLimit(slot.jobs.empty() ? 0 : m_options.run.limits.maxSeconds);
 }
 
@@ -174,15 +182,20 @@ void Scheduler::giveJobs(Slot& slot) {
 
 /** The worker is gone. Another takes its place while there is work. */
 void Scheduler::takeEnd(Slot& slot) {
+    constexpr int MOST_FAILED_STARTS = 3;
     const std::string cause = slot.process.wait().cause(m_options.run.limits);
-    if (!slot.hasStarted) {
-        throw Failure(m_options.stylesheet, cause);
+    if (!slot.hasStarted && ++slot.failedStarts == MOST_FAILED_STARTS) {
+        if (!isAnyRunning()) {
+            throw NoWorker(oneLine(m_options.stylesheet) + ": " + cause);
+        }
+        return; // the others go on
     }
-    if (!slot.jobs.empty()) {
+    if (!slot.jobs.empty() && !slot.wasJustInTime) {
         printFailed(oneLine(sourceOf(slot)) + ": " + cause);
-        m_returned.insert(m_returned.end(), slot.jobs.begin() + 1, slot.jobs.end());
-        slot.jobs.clear();
+        slot.jobs.pop_front();
     }
+    m_returned.insert(m_returned.end(), slot.jobs.begin(), slot.jobs.end());
+    slot.jobs.clear();
     if (jobsLeft() != 0) {
         start(slot);
     }
@@ -190,19 +203,31 @@ void Scheduler::takeEnd(Slot& slot) {
 
 /** Signals are blocked: nobody could end a process that is stuck in writing to a pipe. */
 void Scheduler::waitForStandardError() {
+    const Clock::time_point begin = Clock::now();
     pollfd either[] = {{m_signalSource.get(), POLLIN, 0}, {STDERR_FILENO, POLLOUT, 0}};
     while (either[1].revents == 0) {
         poll(either, std::size(either), -1);
         endOnSignal();
     }
+    // Meanwhile no worker could report: that is not its fault.
+    for (const auto& slot : m_slots) {
+        slot->process.postponeDeadline(Clock::now() - begin);
+    }
+}
+
+/** In pieces for which a pipe has room when it has room at all. */
+void Scheduler::print(const std::string& text) {
+    for (std::size_t i = 0; i < text.size(); i += PIPE_BUF) {
+        waitForStandardError();
+        std::cerr << text.substr(i, PIPE_BUF);
+    }
 }
 
 void Scheduler::printMessage(const Slot& slot, const std::string& text) {
     m_progress.clear();
-    std::istringstream lines(text);
+    std::istringstream lines(text + "\n");
     for (std::string line; std::getline(lines, line);) {
-        waitForStandardError();
-        std::cerr << (slot.jobs.empty() ? "" : oneLine(sourceOf(slot)) + ": ") + line + "\n";
+        print((slot.jobs.empty() ? "" : oneLine(sourceOf(slot)) + ": ") + line + "\n");
     }
 }
 
@@ -210,7 +235,7 @@ void Scheduler::printFailed(const std::string& text) {
     ++m_tally.failed;
     waitForStandardError();
     m_progress.clear();
-    printError(text);
+    print(errorLine(text));
 }
 
 void Scheduler::endOnSignal() {
@@ -242,8 +267,7 @@ void Scheduler::interrupt(int signalNumber) {
 /** What was in its place already, but not counted. */
 void Scheduler::countLastReports(Slot& slot) {
     std::vector<Report> reports;
-    while (slot.channel.receive(reports)) {
-    }
+    slot.channel.receiveAll(reports);
     for (const Report& report : reports) {
         m_tally.done += report.kind == Report::Kind::Done ? 1 : 0;
         m_tally.failed += report.kind == Report::Kind::Failed ? 1 : 0;

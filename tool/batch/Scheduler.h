@@ -15,7 +15,14 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <vector>
+
+/** The workers cannot do any job; what() says why, in the form of an error. */
+class NoWorker : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /** Only the scheduler writes to standard error, so that lines stay whole. */
 class Scheduler {
@@ -36,7 +43,7 @@ public:
      * Where no more workers can be started, the rest is left undone, and the cause printed.
      *
      * @param workers how many, at least one; as many of these work as the system allows
-     * @throws Failure where the workers cannot do any job
+     * @throws NoWorker
      */
     Tally run(std::size_t workers);
 
@@ -48,6 +55,10 @@ private:
         ChildProcess process;
         SchedulerChannel channel;
         bool hasStarted = false;
+        /** How many processes in a row have ended before they could do a job. */
+        int failedStarts = 0;
+        /** It was late with a job that it has finished after all. */
+        bool wasJustInTime = false;
         std::deque<std::uint32_t> jobs;
     };
 
@@ -61,6 +72,7 @@ private:
     void giveJobs(Slot& slot);
     void takeEnd(Slot& slot);
     void waitForStandardError();
+    void print(const std::string& text);
     void printMessage(const Slot& slot, const std::string& text);
     void printFailed(const std::string& text);
     void endOnSignal();

@@ -51,8 +51,8 @@ Parameter parseParameter(const std::string& option, Parameter::Kind kind,
         throw UsageError(given, "expected NAME=VALUE, such as title=Orders");
     }
     Parameter parameter{kind, argument.substr(0, end), argument.substr(end + 1)};
-    const auto local = parameter.name.rfind('}');
-    if (!isName(local == std::string::npos ? parameter.name : parameter.name.substr(local + 1))) {
+    const auto brace = parameter.name.rfind('{', 0) == 0 ? parameter.name.find('}') : 0;
+    if (!isName(parameter.name.substr(brace == 0 ? 0 : brace + 1))) {
         throw UsageError(given, "expected a name such as title or {urn:example}title, got '" +
                                     parameter.name + "'");
     }

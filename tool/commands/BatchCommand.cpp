@@ -152,7 +152,13 @@ int runBatch(const BatchOptions& options) {
     const std::vector<BatchJob> jobs = planBatch(options);
     makeDirectory(options.directory);
     Timing timing;
-    const Tally tally = runJobs(options, jobs);
+    Tally tally;
+    try {
+        tally = runJobs(options, jobs);
+    } catch (const NoWorker& error) {
+        printError(error.what());
+        return EXIT_FAILED;
+    }
     timing.endPhase("transforms");
     if (options.run.timing && !options.run.quiet) {
         std::cerr << timing.report();

@@ -10,7 +10,6 @@
 #include <cctype>
 #include <iostream>
 #include <set>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -97,7 +96,7 @@ int runGuarded(const RunOptions& options, const NamedFiles& files, const InputAr
     } catch (const vexa::Error& error) {
         return report(session, error);
     } catch (const std::bad_alloc&) {
-        printError(blamed.name() + ": out of memory");
+        printError(oneLine(blamed.name()) + ": out of memory");
         return EXIT_FAILED;
     } catch (const std::exception& error) {
         printError(oneLine(error.what()));
@@ -215,18 +214,24 @@ vexa::Value Session::evaluate(const std::string& expression, const Document& sou
 }
 
 std::string Session::describe(const vexa::Error& error) const {
-    const bool hasExcerpt = m_options.excerpt || isSmartTerminal(STDERR_FILENO);
+    const bool hasExcerpt = m_options.excerpt || isSmartTerminal(errorDescriptor());
     return errorText(error, m_names, m_options.limits) + (hasExcerpt ? errorExcerpt(error) : "");
 }
 
 vexa::Output outputTo(const std::string& output, std::ostream& stream) {
-    return output == STANDARD_STREAM ? vexa::Output::stream(stream) : vexa::Output::file(output);
+    if (output == STANDARD_STREAM) {
+        return vexa::Output::stream(stream);
+    }
+    const bool isStandardError = output == "/dev/stderr" || output == "/dev/fd/2";
+    return vexa::Output::file(isStandardError ? "/dev/fd/" + std::to_string(errorDescriptor())
+                                              : output);
 }
 
 int runSession(const RunOptions& options, const NamedFiles& files, const InputArgument& blamed,
                const std::function<void(Session&)>& work) {
     const auto guarded = [&] { return runGuarded(options, files, blamed, work); };
-    return options.needProcess() ? runIsolated(blamed.name(), options.limits, guarded) : guarded();
+    return options.needProcess() ? runIsolated(oneLine(blamed.name()), options.limits, guarded)
+                                 : guarded();
 }
 
 void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {

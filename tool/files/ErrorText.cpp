@@ -7,7 +7,6 @@
 #include "xslt/Uri.h"
 
 #include <filesystem>
-#include <unistd.h>
 
 namespace {
 
@@ -69,7 +68,7 @@ std::string errorExcerpt(const vexa::Error& error) {
     const auto path = pathOfFileUri(error.where().uri);
     const std::string excerpt = path
                                     ? sourceExcerpt(*path, error.where().line, error.where().column,
-                                                    terminalColumns(STDERR_FILENO))
+                                                    terminalColumns(errorDescriptor()))
                                     : "";
     return excerpt.empty() ? excerpt : "\n" + excerpt;
 }

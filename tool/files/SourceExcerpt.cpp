@@ -1,5 +1,6 @@
 #include "files/SourceExcerpt.h"
 
+#include "base/Errors.h"
 #include "base/Terminal.h"
 #include "base/Utf8.h"
 
@@ -8,7 +9,6 @@
 #include <iterator>
 #include <optional>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 #include <unicode/uchar.h>
@@ -59,7 +59,8 @@ std::optional<std::string> readLine(const std::filesystem::path& path, std::size
     if (!line.empty() && line.back() == '\r') {
         line.pop_back();
     }
-    return line;
+    const bool isWide = line.find('\0') != std::string::npos; // UTF-16 or UTF-32
+    return isWide ? std::nullopt : std::optional<std::string>(line);
 }
 
 } // namespace
@@ -92,7 +93,7 @@ std::string sourceExcerpt(const std::filesystem::path& file, std::size_t line, s
     std::string excerpt = number + shown;
     if (column != 0) {
         excerpt += "\n" + std::string(number.size() - 2, ' ') + "| " +
-                   std::string(indentation, ' ') + styled("^", Style::Caret, STDERR_FILENO);
+                   std::string(indentation, ' ') + styled("^", Style::Caret, errorDescriptor());
     }
     return excerpt;
 }

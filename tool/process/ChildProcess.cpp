@@ -138,6 +138,12 @@ void ChildProcess::setTimeLimit(unsigned seconds) {
     }
 }
 
+void ChildProcess::postponeDeadline(Clock::duration time) {
+    if (m_deadline) {
+        *m_deadline += time;
+    }
+}
+
 void ChildProcess::killIfLate() {
     if (m_deadline && *m_deadline <= Clock::now()) {
         m_deadline.reset();

@@ -52,6 +52,8 @@ public:
     void setTimeLimit(unsigned seconds);
     /** When it will be late. */
     const std::optional<Clock::time_point>& deadline() const { return m_deadline; }
+    /** Gives it more time, if its time is limited. */
+    void postponeDeadline(Clock::duration time);
     /** Kills it if its time is over. */
     void killIfLate();
     /** Whether it was killed because it was late. */

@@ -53,6 +53,37 @@ TEST_F(BatchCommandTest, NamesTheResultsByTheirSources) {
     EXPECT_EQ(names("plain"), "ok\n");
 }
 
+/** Brackets stand for a list, and ++ for an end, to the parser of the command line. */
+TEST_F(BatchCommandTest, TakesBracketsAndPlusSignsLiterally) {
+    for (const char* name : {"a", "b", "[a]", "[a,b]", "++"}) {
+        m_folder.write(name, "<a>" + std::string(name) + "</a>");
+    }
+    EXPECT_EQ(tool("batch ok.xsl '[a]' '[a,b]' ++ -d out").error,
+              "vexa-xslt: 3 of 3 sources done\n");
+    EXPECT_EQ(names(), "++.out [a,b].out [a].out\n");
+    EXPECT_EQ(file("out/[a].out"), "<b>[a]</b>");
+    EXPECT_EQ(tool("transform ok.xsl ++").output, "<b>++</b>");
+    shell("cp ok.xsl '[ok.xsl]'; sed -i 's/b>/c>/g' '[ok.xsl]'");
+    EXPECT_EQ(tool("chain ok.xml '[ok.xsl]'").output, "<c>x</c>");
+}
+
+TEST_F(BatchCommandTest, ShowsTheLineOfAnError) {
+    m_folder.write("bad.xsl", stylesheet("\n<xsl:foo/>"));
+    writeSources(1);
+    const std::string excerpt = "\n  2 | <xsl:foo/></xsl:stylesheet>\n    | ^\n";
+    const std::string shown = tool("batch bad.xsl sources/* -d out --excerpt").error;
+    EXPECT_EQ(shown.rfind("vexa-xslt: bad.xsl:2:1: ", 0), 0U) << shown;
+    EXPECT_EQ(shown.substr(shown.find('\n')), excerpt);
+    // A worker has another standard error than the program.
+    m_folder.write("command", "vexa-xslt batch bad.xsl sources/* -d out\n"
+                              "vexa-xslt transform bad.xsl ok.xml --isolate\n");
+    const std::string terminal =
+        shell("NO_COLOR=1 TERM=xterm script -qec 'bash command' /dev/null").output;
+    const auto first = terminal.find("  2 | <xsl:foo/>");
+    EXPECT_NE(first, std::string::npos) << terminal;
+    EXPECT_NE(terminal.find("  2 | <xsl:foo/>", first + 1), std::string::npos) << terminal;
+}
+
 TEST_F(BatchCommandTest, GivesTheSameBytesAsTransform) {
     const std::string report = projectFile("samples/report.xsl");
     const std::string orders = projectFile("samples/orders.xml");

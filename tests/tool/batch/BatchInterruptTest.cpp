@@ -58,14 +58,18 @@ TEST_F(BatchInterruptTest, LeavesNothingWhicheverMomentItComes) {
     }
 }
 
-TEST_F(BatchInterruptTest, EndsThoughNobodyReadsWhatItTells) {
-    m_folder.write("message.xsl", stylesheetWithRootTemplate("<xsl:message>note</xsl:message>"));
-    for (const char* options : {"", "-j 1"}) {
+TEST_F(BatchInterruptTest, EndsThoughNobodyReadsItsMessages) {
+    // A pipe that is full; one that has room for a part of a message.
+    const std::pair<std::string, int> messages[] = {{"note", 65536},
+                                                    {std::string(300'000, 'n'), 60'000}};
+    for (const auto& [text, filled] : messages) {
+        m_folder.write("message.xsl",
+                       stylesheetWithRootTemplate("<xsl:message>" + text + "</xsl:message>"));
         const Outcome outcome =
-            shell("rm -rf out told; mkfifo told; exec 3<>told; head -c 65536 /dev/zero >&3; "
-                  "timeout -k 20 0.5 vexa-xslt batch message.xsl sources/s*.xml -d out 2>&3 " +
-                  std::string(options) + "; echo $?; ls -A out | grep '^[.]'");
-        EXPECT_EQ(outcome.output, "124\n") << options; // 137 where it had to be killed
+            shell("rm -rf out told; mkfifo told; exec 3<>told; head -c " + std::to_string(filled) +
+                  " /dev/zero >&3; timeout -k 20 0.5 vexa-xslt batch message.xsl sources/s*.xml "
+                  "-d out 2>&3; echo $?; ls -A out | grep '^[.]'");
+        EXPECT_EQ(outcome.output, "124\n") << filled; // 137 where it had to be killed
     }
 }
 

@@ -74,6 +74,22 @@ TEST_F(BatchIsolationTest, ACrashCostsItsSourceOnly) {
     }
 }
 
+/** A worker is started again; its stylesheet comes through a pipe, so that it can be caught there.
+ */
+TEST_F(BatchIsolationTest, AWorkerThatEndsWhileItCompilesIsStartedAgain) {
+    m_folder.write("piped.xsl", stylesheet("<xsl:include href='pipe.xsl'/>"));
+    const std::string start = "rm -rf out pipe.xsl; mkfifo pipe.xsl; "
+                              "vexa-xslt batch piped.xsl sources/* -d out -j 1 & batch=$!; "
+                              "kill_worker() { exec 3>pipe.xsl; "
+                              "kill -KILL $(cat /proc/$batch/task/$batch/children); exec 3>&-; "
+                              "sleep 0.3; }; ";
+    const Outcome once = shell(start + "kill_worker; cat ok.xsl >pipe.xsl; wait $batch");
+    EXPECT_EQ(once.error, "vexa-xslt: 5 of 5 sources done\n");
+    EXPECT_EQ(rightResults(), 5);
+    const Outcome ever = shell(start + "kill_worker; kill_worker; kill_worker; wait $batch");
+    expectFailure(ever, 1, "piped.xsl: killed from outside (SIGKILL)");
+}
+
 TEST_F(BatchIsolationTest, LimitsHoldForEachSource) {
     expectOneFailure("some-slow.xsl --max-seconds 1", "time limit of 1 s exceeded (--max-seconds)");
     expectOneFailure("some-deep.xsl --max-depth 300",
@@ -202,7 +218,7 @@ TEST_F(BatchShortageTest, TellsWhatNoWorkerCanDoWithout) {
                           what + ": Cannot allocate memory\n");
         });
     };
-    expectRefused(pairOfSockets, "cannot connect to a worker");
+    expectRefused(pairOfSockets, "ok.xsl: cannot connect to a worker");
     expectRefused({SYS_signalfd4}, "cannot wait for signals");
     EXPECT_EQ(names(), "\n");
 }

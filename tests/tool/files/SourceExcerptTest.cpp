@@ -58,6 +58,7 @@ TEST_F(SourceExcerptTest, ShowsNothingOfWhatCannotBeShown) {
     EXPECT_EQ(excerpt("<a>", 2, 1), "");
     EXPECT_EQ(excerpt("<a>", 0, 1), "");
     EXPECT_EQ(excerpt("\xFF<a>", 1, 1), "") << "not UTF-8";
+    EXPECT_EQ(excerpt(std::string("<\0a\0>\0", 6), 1, 1), "") << "UTF-16";
     EXPECT_EQ(sourceExcerpt(m_folder.path("none"), 1, 1, 80), "");
     EXPECT_EQ(sourceExcerpt(m_folder.path(""), 1, 1, 80), "");
 }
