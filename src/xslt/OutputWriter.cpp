@@ -169,20 +169,21 @@ private:
 
     void giveName() {
         const std::string file = "/proc/self/fd/" + std::to_string(m_file);
-        std::filesystem::path name = m_path;
-        for (int tries = 0;
-             ::linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0;
-             ++tries) {
+        const auto isNamed = [&file](const std::filesystem::path& name) {
+            return ::linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+        };
+        m_hasNoName = !isNamed(m_path);
+        // Only a rename replaces a file.
+        for (int tries = 0; m_hasNoName; ++tries) {
             if (errno != EEXIST || tries == MOST_TRIES) {
                 fail("cannot create");
             }
-            // Only a rename replaces a file.
-            name = temporaryName(m_path);
+            m_temporary = temporaryName(m_path);
+            m_hasNoName = !isNamed(m_temporary);
+            if (m_hasNoName) {
+                m_temporary.clear(); // it is not ours
+            }
         }
-        if (name != m_path) {
-            m_temporary = name;
-        }
-        m_hasNoName = false;
     }
 
     [[noreturn]] void fail(const char* what) const {
