@@ -80,9 +80,11 @@ TEST_F(BatchIsolationTest, AWorkerThatEndsWhileItCompilesIsStartedAgain) {
     m_folder.write("piped.xsl", stylesheet("<xsl:include href='pipe.xsl'/>"));
     const std::string start = "rm -rf out pipe.xsl; mkfifo pipe.xsl; "
                               "vexa-xslt batch piped.xsl sources/* -d out -j 1 & batch=$!; "
-                              "kill_worker() { exec 3>pipe.xsl; "
-                              "kill -KILL $(cat /proc/$batch/task/$batch/children); exec 3>&-; "
-                              "sleep 0.3; }; ";
+                              // The next one must not find the pipe open for the one before.
+                              "kill_worker() { exec 3>pipe.xsl; kill -STOP $batch; "
+                              "worker=$(echo $(cat /proc/$batch/task/$batch/children)); "
+                              "kill -KILL $worker; exec 3>&-; kill -CONT $batch; "
+                              "while [ -e /proc/$worker ]; do sleep 0.01; done; }; ";
     const Outcome once = shell(start + "kill_worker; cat ok.xsl >pipe.xsl; wait $batch");
     EXPECT_EQ(once.error, "vexa-xslt: 5 of 5 sources done\n");
     EXPECT_EQ(rightResults(), 5);
