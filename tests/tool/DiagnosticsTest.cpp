@@ -185,6 +185,21 @@ TEST_F(DiagnosticsTest, ShowsTheLineOfAnError) {
     expectFailure(tool("transform ok.xsl --excerpt <sheet.xsl -o none/out"), 1, "none/out: ");
 }
 
+TEST_F(DiagnosticsTest, CountsColumnsInCharacters) {
+    // Characters of one, two and three bytes, and two of four, which are two units of UTF-16 each.
+    const std::string text = "a\xC3\xA4\xE4\xBD\xA0\xF0\x9F\x98\x80\xF0\x9F\x98\x80";
+    m_folder.write("bad.xml", "<a>\n" + text + "</b>");
+    const std::string error = tool("transform ok.xsl bad.xml --excerpt").error;
+    EXPECT_EQ(error.rfind("vexa-xslt: bad.xml:2:8: ", 0), 0U) << error;
+    EXPECT_EQ(error.substr(error.rfind("\n  2 | ")),
+              "\n  2 | " + text + "</b>\n    | " + std::string(10, ' ') + "^\n");
+    m_folder.write("sheet.xsl", stylesheet("<xsl:template match='/'>\n" + text +
+                                           "<xsl:value-of select='$none'/></xsl:template>"));
+    expectFailure(tool("transform sheet.xsl ok.xml"), 1, "sheet.xsl:2:6: ");
+    m_folder.write("wide.xml", std::string("\xFF\xFE<\0a\0>\0<\0/\0b\0>\0", 16));
+    expectFailure(tool("transform ok.xsl wide.xml"), 1, "wide.xml:1:6: ");
+}
+
 TEST_F(DiagnosticsTest, ReportsThatMemoryRanOut) {
     if (isUnderAMemoryChecker()) {
         GTEST_SKIP() << "a memory checker needs all of the address space";

@@ -10,9 +10,15 @@
 
 namespace {
 
+std::size_t columnOf(const vexa::Location& where) {
+    const auto path = pathOfFileUri(where.uri);
+    return path && where.column > 1 ? columnInCharacters(*path, where.line, where.column)
+                                    : where.column;
+}
+
 std::string placeText(const vexa::Location& where, const FileNames& names) {
     std::string text = names.nameOf(where.uri);
-    for (const std::size_t number : {where.line, where.column}) {
+    for (const std::size_t number : {where.line, columnOf(where)}) {
         if (number != 0) {
             text += ":" + std::to_string(number);
         }
@@ -66,10 +72,10 @@ std::string errorText(const vexa::Error& error, const FileNames& names, const Li
 
 std::string errorExcerpt(const vexa::Error& error) {
     const auto path = pathOfFileUri(error.where().uri);
-    const std::string excerpt = path
-                                    ? sourceExcerpt(*path, error.where().line, error.where().column,
-                                                    terminalColumns(errorDescriptor()))
-                                    : "";
+    const std::string excerpt =
+        path ? sourceExcerpt(*path, error.where().line, columnOf(error.where()),
+                             terminalColumns(errorDescriptor()))
+             : "";
     return excerpt.empty() ? excerpt : "\n" + excerpt;
 }
 

@@ -40,7 +40,7 @@ Glyph glyphOf(char32_t character) {
     return {encodeUtf8(character), isWide ? std::size_t{2} : std::size_t{1}};
 }
 
-std::optional<std::string> readLine(const std::filesystem::path& path, std::size_t number) {
+std::optional<std::u32string> readLine(const std::filesystem::path& path, std::size_t number) {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(path, ignored)) {
         return std::nullopt;
@@ -60,15 +60,28 @@ std::optional<std::string> readLine(const std::filesystem::path& path, std::size
         line.pop_back();
     }
     const bool isWide = line.find('\0') != std::string::npos; // UTF-16 or UTF-32
-    return isWide ? std::nullopt : std::optional<std::string>(line);
+    return isWide ? std::nullopt : decodeUtf8(line);
 }
 
 } // namespace
 
+std::size_t columnInCharacters(const std::filesystem::path& file, std::size_t line,
+                               std::size_t column) {
+    constexpr char32_t LARGEST_OF_ONE_UNIT = 0xFFFF;
+    const auto characters = readLine(file, line).value_or(U"");
+    std::size_t unit = 1;
+    std::size_t surplus = 0;
+    for (auto next = characters.begin(); next != characters.end() && unit < column; ++next) {
+        const std::size_t units = *next > LARGEST_OF_ONE_UNIT ? 2 : 1;
+        unit += units;
+        surplus += units - 1;
+    }
+    return column - surplus;
+}
+
 std::string sourceExcerpt(const std::filesystem::path& file, std::size_t line, std::size_t column,
                           std::size_t columns) {
-    const auto text = line == 0 ? std::nullopt : readLine(file, line);
-    const auto characters = text ? decodeUtf8(*text) : std::nullopt;
+    const auto characters = line == 0 ? std::nullopt : readLine(file, line);
     if (!characters) {
         return "";
     }

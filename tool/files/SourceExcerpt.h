@@ -9,6 +9,15 @@
 #include <string>
 
 /**
+ * The column counted in Unicode characters.
+ *
+ * @param column in UTF-16 units, from 1, as the engine counts; it stays so where the excerpt would
+ *               be empty
+ */
+std::size_t columnInCharacters(const std::filesystem::path& file, std::size_t line,
+                               std::size_t column);
+
+/**
  * The line with its number, and below it a caret under the column:
  *
  *     3 | <xsl:value-of select='a['/>
