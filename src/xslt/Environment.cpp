@@ -1,5 +1,6 @@
 #include "xslt/Environment.h"
 
+#include "xslt/InvalidExpression.h"
 #include "xslt/Text.h"
 #include "xslt/Uri.h"
 
@@ -107,6 +108,10 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
                                             xalanc::XalanNode* node,
                                             const XObjectArgVectorType& arguments,
                                             const xalanc::Locator* locator) const {
+    if (uri == InvalidExpression::NAMESPACE.data()) {
+        m_operation->fail(vexa::ErrorKind::Transform, toUtf8(arguments[0]->str(context)),
+                          toLocation(locator));
+    }
     const bool isEvaluate = m_evaluates && name == u"evaluate" && arguments.size() == 1;
     const bool isDynamic = isEvaluate && uri == DYNAMIC_NAMESPACE;
     try {

@@ -19,6 +19,7 @@
 #include <xalanc/XPath/XPathProcessorImpl.hpp>
 #include <xalanc/XPath/XalanQNameByValue.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
+#include <xalanc/XSLT/StylesheetConstructionContext.hpp>
 #include <xalanc/XSLT/TopLevelArg.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
 #include <xalanc/XalanExtensions/FunctionNodeSet.hpp>
@@ -66,6 +67,38 @@ public:
         operation().poll();
         StylesheetExecutionContextDefault::pushContextMarker();
     }
+
+    /**
+     * The engine calls it with the frame of the global variables while it executes an attribute
+     * set, and would neither find the set's own variables there nor global ones that were evaluated
+     * since. A frame of its own does both.
+     */
+    void pushCurrentStackFrameIndex(int index) override {
+        const bool isGlobal = index == static_cast<int>(getGlobalStackFrameIndex());
+        StylesheetExecutionContextDefault::pushCurrentStackFrameIndex(
+            isGlobal ? getCurrentStackFrameIndex() : index);
+        if (isGlobal) {
+            StylesheetExecutionContextDefault::pushContextMarker();
+        }
+        m_framesOfItsOwn.push_back(isGlobal);
+    }
+    void popCurrentStackFrameIndex() override {
+        if (m_framesOfItsOwn.back()) {
+            StylesheetExecutionContextDefault::popContextMarker();
+        }
+        m_framesOfItsOwn.pop_back();
+        StylesheetExecutionContextDefault::popCurrentStackFrameIndex();
+    }
+
+    /** A template that is called by its name leaves the current template rule as it is. */
+    void pushCurrentTemplate(const xalanc::ElemTemplate* current) override {
+        const xalanc::ElemTemplateElement* const invoker =
+            current && m_depth != 0 ? getInvoker() : nullptr;
+        const bool isCall =
+            invoker && invoker->getXSLToken() == Construction::ELEMNAME_CALL_TEMPLATE;
+        StylesheetExecutionContextDefault::pushCurrentTemplate(isCall ? getCurrentTemplate()
+                                                                      : current);
+    }
     xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
         operation().poll();
         xalanc::MutableNodeRefList* const list =
@@ -81,6 +114,8 @@ public:
     void beginCreateXResultTreeFrag(xalanc::XalanNode* source) override {
         xalanc::FormatterToSourceTree& writer = m_machine.m_fragments.begin(
             *getSourceTreeFactory(getMemoryManager()), &m_machine.m_processor);
+        // Inside of xsl:attribute the engine copies texts only.
+        pushCopyTextNodesOnly(false);
         pushOutputContext(&writer);
         writer.startDocument();
         pushCurrentNode(source);
@@ -90,6 +125,7 @@ public:
         const XObjectPtr value(m_machine.m_fragments.end());
         popCurrentNode();
         popOutputContext();
+        popCopyTextNodesOnly();
         return value;
     }
 
@@ -214,6 +250,8 @@ public:
     }
 
 private:
+    using Construction = xalanc::StylesheetConstructionContext;
+
     static constexpr XMLSize_t MANY_ATTRIBUTES = 1000;
 
     Operation& operation() const { return m_machine.m_environment.operation(); }
@@ -245,6 +283,7 @@ private:
     BorrowedLists m_lists;
     ParamVectorType m_parameters;
     StripAnswers m_stripAnswers;
+    std::vector<bool> m_framesOfItsOwn;
     /** Of templates that invoke one another. */
     std::size_t m_depth = 0;
     /** The instruction that is about to invoke a template. */

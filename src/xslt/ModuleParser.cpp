@@ -1,86 +1,16 @@
 #include "xslt/ModuleParser.h"
 
 #include "xslt/MemoryPool.h"
-#include "xslt/Text.h"
 
 #include "engine/ExpressionGuard.h"
 
-#include <algorithm>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 #include <xercesc/framework/XMLPScanToken.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
 
 namespace {
-
-constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
-
-/** Which prefixes stand for the namespace of XSLT where the parser is. */
-class XsltPrefixes {
-public:
-    void startElement(const xercesc::AttributeList& attributes) {
-        ++m_depth;
-        for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
-            const std::u16string_view name = attributes.getName(i);
-            if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
-                m_declarations.push_back({m_depth, std::u16string(name.substr(5)),
-                                          attributes.getValue(i) == XSLT_NAMESPACE});
-            }
-        }
-    }
-    void endElement() {
-        while (!m_declarations.empty() && m_declarations.back().depth == m_depth) {
-            m_declarations.pop_back();
-        }
-        --m_depth;
-    }
-    /** How many elements are open. */
-    std::size_t depth() const { return m_depth; }
-    /** @param prefix with a colon in front; empty for none */
-    bool contain(std::u16string_view prefix) const {
-        const auto declaration =
-            std::find_if(m_declarations.rbegin(), m_declarations.rend(),
-                         [prefix](const Declaration& known) { return known.prefix == prefix; });
-        return declaration != m_declarations.rend() && declaration->isXslt;
-    }
-
-private:
-    struct Declaration {
-        std::size_t depth;
-        std::u16string prefix;
-        bool isXslt;
-    };
-
-    std::size_t m_depth = 0;
-    std::vector<Declaration> m_declarations;
-};
-
-/** The first attribute that xsl:text must not have; null for none. */
-const XMLCh* wrongAttributeOfText(const xercesc::AttributeList& attributes) {
-    for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
-        const std::u16string_view name = attributes.getName(i);
-        const std::u16string_view value = attributes.getValue(i);
-        const bool isRight = name == u"disable-output-escaping"
-                                 ? value == u"yes" || value == u"no"
-                                 : name == u"xmlns" || name.find(u':') != std::u16string_view::npos;
-        if (!isRight) {
-            return attributes.getName(i);
-        }
-    }
-    return nullptr;
-}
-
-/** The encoding, if it has a character that XSLT does not allow there; null otherwise. */
-const XMLCh* wrongAttributeOfOutput(const xercesc::AttributeList& attributes) {
-    const XMLCh* const encoding = attributes.getValue(u"encoding");
-    const std::u16string_view name = encoding ? encoding : u"";
-    const bool isAscii =
-        std::all_of(name.begin(), name.end(), [](char16_t c) { return c <= 0x7E; });
-    return isAscii ? nullptr : u"encoding";
-}
 
 /**
  * Stands between the parser and the handler. The parser reports each event to the handler first,
@@ -108,15 +38,13 @@ public:
     void startDocument() override { m_handler.startDocument(); }
     void endDocument() override { m_handler.endDocument(); }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
-        m_prefixes.startElement(attributes);
-        m_operation.checkDepth(m_prefixes.depth());
+        m_operation.checkDepth(++m_depth);
         refuseDeepNesting();
-        refuseWrongAttribute(name, attributes);
         m_handler.startElement(name, attributes);
     }
     void endElement(const XMLCh* const name) override {
         m_handler.endElement(name);
-        m_prefixes.endElement();
+        --m_depth;
     }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
         m_handler.characters(text, length);
@@ -172,7 +100,7 @@ private:
     void refuseDeepNesting() {
         constexpr std::size_t STEP = 100;
         constexpr std::size_t STACK_OF_ELEMENT = 160; // 65 were measured
-        if (m_prefixes.depth() <= m_possibleDepth) {
+        if (m_depth <= m_possibleDepth) {
             return;
         }
         m_possibleDepth += STEP;
@@ -182,33 +110,10 @@ private:
         }
     }
 
-    /**
-     * The engine crashes at xsl:text with a wrong attribute, and at an encoding whose name is
-     * longer in UTF-8 than it can be in ASCII.
-     */
-    void refuseWrongAttribute(std::u16string_view name,
-                              const xercesc::AttributeList& attributes) const {
-        const auto colon = name.find(u':');
-        const bool hasPrefix = colon != std::u16string_view::npos;
-        const std::u16string_view local = name.substr(hasPrefix ? colon + 1 : 0);
-        const XMLCh* const wrong = local == u"text"     ? wrongAttributeOfText(attributes)
-                                   : local == u"output" ? wrongAttributeOfOutput(attributes)
-                                                        : nullptr;
-        if (!wrong) {
-            return;
-        }
-        const std::u16string prefix =
-            hasPrefix ? u":" + std::u16string(name.substr(0, colon)) : u"";
-        if (m_prefixes.contain(prefix)) {
-            m_operation.fail(vexa::ErrorKind::Compile,
-                             "'" + toUtf8(name) + "' has a wrong attribute '" + toUtf8(wrong) + "'",
-                             toLocation(this));
-        }
-    }
-
     xercesc::DocumentHandler& m_handler;
     Operation& m_operation;
-    XsltPrefixes m_prefixes;
+    /** How many elements are open. */
+    std::size_t m_depth = 0;
     /** So many elements may be open at once. */
     std::size_t m_possibleDepth = 0;
     const xercesc::Locator* m_parser = nullptr;

@@ -1,8 +1,11 @@
+#include "xslt/CallTemplateElement.h"
 #include "xslt/DocumentParser.h"
+#include "xslt/InvalidExpression.h"
 #include "xslt/ModuleParser.h"
 #include "xslt/NumberElement.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/StylesheetData.h"
+#include "xslt/StylesheetFilter.h"
 #include "xslt/Text.h"
 #include "xslt/Uri.h"
 
@@ -14,6 +17,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/PlatformSupport/XalanLocator.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
@@ -97,7 +101,7 @@ public:
         xalanc::StylesheetRoot* const root = create(toEngineText(opened.uri, engineMemory()));
         xalanc::StylesheetHandler handler(*root, *this);
         const MemoryPool::CleanUp cleanUp(m_data.m_memory);
-        parse(opened, handler);
+        parse(opened, handler, false);
         root->postConstruction(*this);
         return *root;
     }
@@ -120,7 +124,7 @@ public:
         const Sources::Opened opened = m_sources->open(uri, place.uri, Reference::Module, place);
         m_data.m_realUris.emplace(uri, opened.uri);
         addModule(opened.uri);
-        parse(opened, *handler);
+        parse(opened, *handler, true);
         return nullptr;
     }
 
@@ -130,8 +134,19 @@ public:
                                bool allowKey) override {
         m_operation->poll();
         rejectTooDeepExpression({text.c_str(), text.length()});
-        return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
-                                                                 allowVariables, allowKey);
+        if (!m_filter || !m_filter->isForwardsCompatible()) {
+            return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
+                                                                     allowVariables, allowKey);
+        }
+        try {
+            return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
+                                                                     allowVariables, allowKey);
+        } catch (const xalanc::XSLException& exception) {
+            const std::string cause = cleanText(toUtf8(exception.getMessage()));
+            return StylesheetConstructionContextDefault::createXPath(
+                locator, toEngineText(InvalidExpression::callFor(cause), getMemoryManager()),
+                m_invalidExpression, allowVariables, allowKey);
+        }
     }
 
     using StylesheetConstructionContextDefault::createMatchPattern;
@@ -160,9 +175,14 @@ public:
                 xalanc::XalanLocator::getColumnNumber(locator),
                 stylesheet.getStylesheetRoot().getNextElemNumberID());
         }
+        if (token == ELEMNAME_CALL_TEMPLATE && attributes.getValue(u"name")) {
+            return new (m_data.m_memory.allocate(sizeof(CallTemplateElement)))
+                CallTemplateElement(*this, stylesheet, attributes, locator);
+        }
         xalanc::ElemTemplateElement* const element =
-            StylesheetConstructionContextDefault::createElement(token, stylesheet, attributes,
-                                                                locator);
+            StylesheetConstructionContextDefault::createElement(
+                m_filter && m_filter->isHiddenVariable() ? ELEMNAME_VARIABLE : token, stylesheet,
+                attributes, locator);
         if (token == ELEMNAME_MESSAGE && hasValue(attributes, u"terminate", u"yes")) {
             m_data.m_endingMessages.insert(element->getLocator());
         }
@@ -170,9 +190,12 @@ public:
     }
 
 private:
-    void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler) {
-        parseModule(*opened.source, handler, *m_operation, *m_sources,
+    void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler, bool isIncluded) {
+        StylesheetFilter filter(handler, *m_operation, isIncluded);
+        StylesheetFilter* const outer = std::exchange(m_filter, &filter);
+        parseModule(*opened.source, filter, *m_operation, *m_sources,
                     [this](const std::string& uri) { addModule(uri); });
+        m_filter = outer;
     }
 
     void addModule(const std::string& uri) {
@@ -185,6 +208,9 @@ private:
     Data& m_data;
     Operation* m_operation;
     Sources* m_sources;
+    /** Of the module that is read; after a failure nobody asks for it. */
+    StylesheetFilter* m_filter = nullptr;
+    const InvalidExpression m_invalidExpression{getMemoryManager()};
 };
 
 Stylesheet::Data::Data() = default;

@@ -103,7 +103,7 @@ TEST_P(LocationTest, OfAnUnknownPrefix) {
 }
 
 TEST_P(LocationTest, OfACallOfAnUnknownTemplate) {
-    expectPlace("xsl:call-template name='none'", ErrorKind::Compile);
+    expectPlace("xsl:call-template name='none'", ErrorKind::Transform);
 }
 
 TEST_P(LocationTest, OfAnUndeclaredVariable) {

@@ -53,9 +53,9 @@ TEST(StylesheetTest, WhatIsWrongIsACompileError) {
              "<xsl:template match='/'><xsl:value-of select='none:f()'/></xsl:template>",
              "<xsl:template match='/'><xsl:value-of select='none:a'/></xsl:template>",
              "<xsl:template match='/'><xsl:if/></xsl:template>",
-             "<xsl:template match='/'><xsl:call-template name='none'/></xsl:template>",
              "<xsl:template name='t'/><xsl:template name='t'/>",
-             "<xsl:variable name='v'/><xsl:variable name='v'/>",
+             "<xsl:template name='t'/><xsl:template name='t'/>",
+             "<xsl:template name='t'><xsl:param name='v'/><xsl:param name='v'/></xsl:template>",
              "<xsl:import/>",
              "<xsl:template match='/'/><xsl:import href='mem:/x'/>",
          }) {

@@ -1,0 +1,63 @@
+/**
+ * @file
+ * The namespaces in scope, for a parser that leaves them alone.
+ */
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <xercesc/sax/AttributeList.hpp>
+
+/** A prefix is empty for the default namespace, a URI for none. */
+class NamespaceScopes {
+public:
+    void startElement(const xercesc::AttributeList& attributes) {
+        ++m_depth;
+        for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+            const std::u16string_view name = attributes.getName(i);
+            if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
+                m_declarations.push_back(
+                    {m_depth, std::u16string(name.substr(std::min<std::size_t>(6, name.size()))),
+                     attributes.getValue(i)});
+            }
+        }
+    }
+    void endElement() {
+        while (!m_declarations.empty() && m_declarations.back().depth == m_depth) {
+            m_declarations.pop_back();
+        }
+        --m_depth;
+    }
+    /** How many elements are open. */
+    std::size_t depth() const { return m_depth; }
+
+    std::u16string_view uriOf(std::u16string_view prefix) const {
+        const auto declaration =
+            std::find_if(m_declarations.rbegin(), m_declarations.rend(),
+                         [prefix](const Declaration& known) { return known.prefix == prefix; });
+        return declaration == m_declarations.rend() ? std::u16string_view() : declaration->uri;
+    }
+    /** Not the default one: an attribute with this prefix has the namespace. Empty if there is
+     * none. */
+    std::u16string_view prefixOf(std::u16string_view uri) const {
+        const auto declaration = std::find_if(
+            m_declarations.rbegin(), m_declarations.rend(), [&](const Declaration& known) {
+                return !known.prefix.empty() && known.uri == uri && uriOf(known.prefix) == uri;
+            });
+        return declaration == m_declarations.rend() ? std::u16string_view() : declaration->prefix;
+    }
+
+private:
+    struct Declaration {
+        std::size_t depth;
+        std::u16string prefix;
+        std::u16string uri;
+    };
+
+    std::size_t m_depth = 0;
+    std::vector<Declaration> m_declarations;
+};

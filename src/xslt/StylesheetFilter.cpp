@@ -1,0 +1,312 @@
+#include "xslt/StylesheetFilter.h"
+
+#include "xslt/Text.h"
+
+#include "engine/EngineMemory.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include <xalanc/PlatformSupport/AttributeListImpl.hpp>
+
+namespace {
+
+constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
+
+/** The attributes of each element of XSLT, in blanks. */
+constexpr std::pair<std::u16string_view, std::u16string_view> ATTRIBUTES[] = {
+    {u"apply-imports", u""},
+    {u"apply-templates", u" select mode "},
+    {u"attribute", u" name namespace "},
+    {u"attribute-set", u" name use-attribute-sets "},
+    {u"call-template", u" name "},
+    {u"choose", u""},
+    {u"comment", u""},
+    {u"copy", u" use-attribute-sets "},
+    {u"copy-of", u" select "},
+    {u"decimal-format",
+     u" name decimal-separator grouping-separator infinity minus-sign NaN percent "
+     u"per-mille zero-digit digit pattern-separator "},
+    {u"element", u" name namespace use-attribute-sets "},
+    {u"fallback", u""},
+    {u"for-each", u" select "},
+    {u"if", u" test "},
+    {u"import", u" href "},
+    {u"include", u" href "},
+    {u"key", u" name match use "},
+    {u"message", u" terminate "},
+    {u"namespace-alias", u" stylesheet-prefix result-prefix "},
+    {u"number",
+     u" level count from value format lang letter-value grouping-separator grouping-size "},
+    {u"otherwise", u""},
+    {u"output", u" method version encoding omit-xml-declaration standalone doctype-public "
+                u"doctype-system cdata-section-elements indent media-type "},
+    {u"param", u" name select "},
+    {u"preserve-space", u" elements "},
+    {u"processing-instruction", u" name "},
+    {u"sort", u" select lang data-type order case-order "},
+    {u"strip-space", u" elements "},
+    {u"template", u" match name priority mode "},
+    {u"text", u" disable-output-escaping "},
+    {u"value-of", u" select disable-output-escaping "},
+    {u"variable", u" name select "},
+    {u"when", u" test "},
+    {u"with-param", u" name select "},
+};
+
+bool isListed(std::u16string_view name, std::u16string_view list) {
+    return list.find(u" " + std::u16string(name) + u" ") != std::u16string_view::npos;
+}
+
+std::u16string_view valueOf(const xercesc::AttributeList& attributes, const XMLCh* name) {
+    const XMLCh* const value = attributes.getValue(name);
+    return value ? value : std::u16string_view();
+}
+
+std::u16string_view localPart(std::u16string_view name) {
+    return name.substr(name.find(u':') + 1); // all of it where there is none
+}
+
+std::u16string_view prefixOf(std::u16string_view name) {
+    const auto colon = name.find(u':');
+    return colon == std::u16string_view::npos ? std::u16string_view() : name.substr(0, colon);
+}
+
+} // namespace
+
+/** The attributes of an element, copied where something is changed. */
+class StylesheetFilter::Attributes {
+public:
+    explicit Attributes(xercesc::AttributeList& original) : m_original(original) {}
+
+    xercesc::AttributeList& get() {
+        return m_changed ? static_cast<xercesc::AttributeList&>(*m_changed) : m_original;
+    }
+    void add(const XMLCh* name, const std::u16string& value) {
+        changed().addAttribute(name, u"CDATA", value.c_str());
+    }
+    void remove(const XMLCh* name) { changed().removeAttribute(name); }
+
+private:
+    xalanc::AttributeListImpl& changed() {
+        if (!m_changed) {
+            m_changed.emplace(m_original, engineMemory());
+        }
+        return *m_changed;
+    }
+
+    xercesc::AttributeList& m_original;
+    std::optional<xalanc::AttributeListImpl> m_changed;
+};
+
+StylesheetFilter::StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation,
+                                   bool isIncluded)
+    : m_handler(handler), m_operation(operation), m_bIncluded(isIncluded) {}
+
+void StylesheetFilter::setDocumentLocator(const xercesc::Locator* locator) {
+    m_locator = locator;
+    m_handler.setDocumentLocator(locator);
+}
+
+void StylesheetFilter::startElement(const XMLCh* name, xercesc::AttributeList& attributes) {
+    if (m_nSkipped != 0) {
+        ++m_nSkipped;
+        return;
+    }
+    m_namespaces.startElement(attributes);
+    const bool isInXslt = m_elements.empty() || m_elements.back().isXslt;
+    m_elements.push_back(begin(name, attributes));
+    Attributes changes(attributes);
+    if (!m_elements.back().isXslt) {
+        if (isInXslt && m_elements.size() > 2) {
+            excludePrefixesOfModule(changes);
+        }
+    } else if (!startXsltElement(name, changes)) {
+        leave();
+        m_nSkipped = 1;
+        return;
+    }
+    m_handler.startElement(m_elements.back().name.c_str(), changes.get());
+}
+
+/** @return whether the handler is to see it */
+bool StylesheetFilter::startXsltElement(std::u16string_view name, Attributes& changes) {
+    const std::u16string local(localPart(name));
+    refuseWrongValue(local, changes.get());
+    dropUnknownAttributes(local, changes);
+    if (m_elements.size() == 1 && m_bIncluded) {
+        keepExcludedPrefixes(changes.get());
+    } else if ((local == u"variable" || local == u"param") && m_elements.size() > 1) {
+        return startVariable(name, changes.get());
+    }
+    return true;
+}
+
+/** The handler refuses names that are declared already. */
+bool StylesheetFilter::startVariable(std::u16string_view name,
+                                     const xercesc::AttributeList& attributes) {
+    const bool isGlobal = m_elements.size() == 2;
+    const std::size_t outer = isGlobal ? 0 : m_elements[1].variables;
+    const auto begin = std::next(m_variables.begin(), static_cast<std::ptrdiff_t>(outer));
+    ExpandedName variable = expand(valueOf(attributes, u"name"));
+    const bool isKnown = std::find(begin, m_variables.end(), variable) != m_variables.end();
+    if (!isKnown) {
+        m_elements.back().declared = std::move(variable);
+        return true;
+    }
+    const bool isVariable = localPart(name) == u"variable";
+    if (isGlobal || isVariable) {
+        warn("'" + toUtf8(valueOf(attributes, u"name")) + "' is declared again");
+    }
+    if (isVariable) {
+        const std::u16string_view prefix = prefixOf(name);
+        m_elements.back().isHiddenVariable = true;
+        m_elements.back().name = std::u16string(prefix) + (prefix.empty() ? u"" : u":") + u"copy";
+    }
+    return !isGlobal; // of these the first counts
+}
+
+void StylesheetFilter::endElement(const XMLCh* /*name*/) {
+    if (m_nSkipped != 0) {
+        --m_nSkipped;
+        return;
+    }
+    m_handler.endElement(m_elements.back().name.c_str());
+    leave();
+}
+
+void StylesheetFilter::leave() {
+    m_variables.resize(m_elements.back().variables);
+    if (m_elements.back().declared) {
+        m_variables.push_back(*std::move(m_elements.back().declared));
+    }
+    m_elements.pop_back();
+    m_namespaces.endElement();
+}
+
+void StylesheetFilter::characters(const XMLCh* text, XMLSize_t length) {
+    if (m_nSkipped == 0) {
+        m_handler.characters(text, length);
+    }
+}
+
+void StylesheetFilter::ignorableWhitespace(const XMLCh* text, XMLSize_t length) {
+    if (m_nSkipped == 0) {
+        m_handler.ignorableWhitespace(text, length);
+    }
+}
+
+void StylesheetFilter::processingInstruction(const XMLCh* target, const XMLCh* data) {
+    if (m_nSkipped == 0) {
+        m_handler.processingInstruction(target, data);
+    }
+}
+
+StylesheetFilter::Element StylesheetFilter::begin(const XMLCh* name,
+                                                  const xercesc::AttributeList& attributes) const {
+    Element element;
+    element.name = name;
+    element.isXslt = m_namespaces.uriOf(prefixOf(name)) == XSLT_NAMESPACE;
+    const std::u16string_view prefix = m_namespaces.prefixOf(XSLT_NAMESPACE);
+    const std::u16string versionOfLiteral = std::u16string(prefix) + u":version";
+    const bool isRoot = m_elements.empty();
+    const XMLCh* const version = element.isXslt
+                                     ? (isRoot ? attributes.getValue(u"version") : nullptr)
+                                 : prefix.empty() ? nullptr
+                                                  : attributes.getValue(versionOfLiteral.c_str());
+    element.isForwardsCompatible =
+        version ? std::u16string_view(version) != u"1.0" : !isRoot && isForwardsCompatible();
+    element.isHiddenVariable = false;
+    element.variables = m_variables.size();
+    return element;
+}
+
+StylesheetFilter::ExpandedName StylesheetFilter::expand(std::u16string_view name) const {
+    const std::u16string_view prefix = prefixOf(name);
+    return {std::u16string(prefix.empty() ? prefix : m_namespaces.uriOf(prefix)),
+            std::u16string(localPart(name))};
+}
+
+/** The engine crashes at them. */
+void StylesheetFilter::refuseWrongValue(std::u16string_view local,
+                                        const xercesc::AttributeList& attributes) const {
+    const XMLCh* const escaping = attributes.getValue(u"disable-output-escaping");
+    if (local == u"text" && escaping && !isListed(escaping, u" yes no ")) {
+        refuseAttribute("disable-output-escaping");
+    }
+    // A name that is longer in UTF-8 than it can be in ASCII.
+    const std::u16string_view encoding = valueOf(attributes, u"encoding");
+    if (local == u"output" &&
+        std::any_of(encoding.begin(), encoding.end(), [](char16_t c) { return c > 0x7E; })) {
+        refuseAttribute("encoding");
+    }
+}
+
+void StylesheetFilter::refuseAttribute(const std::string& name) const {
+    m_operation.fail(vexa::ErrorKind::Compile,
+                     "'" + toUtf8(m_elements.back().name) + "' has a wrong attribute '" + name +
+                         "'",
+                     toLocation(m_locator));
+}
+
+/** The engine would refuse the stylesheet, or crash. */
+void StylesheetFilter::dropUnknownAttributes(std::u16string_view local, Attributes& changes) const {
+    const auto* const known = std::find_if(std::begin(ATTRIBUTES), std::end(ATTRIBUTES),
+                                           [&](const auto& entry) { return entry.first == local; });
+    if (known == std::end(ATTRIBUTES)) {
+        return;
+    }
+    for (XMLSize_t i = changes.get().getLength(); i-- > 0;) {
+        const std::u16string name = changes.get().getName(i);
+        if (name.find(u':') != std::u16string::npos || name == u"xmlns" ||
+            isListed(name, known->second)) {
+            continue;
+        }
+        if (!isForwardsCompatible() && local == u"text") {
+            refuseAttribute(toUtf8(name));
+        }
+        if (!isForwardsCompatible()) {
+            warn("'" + toUtf8(m_elements.back().name) + "' has no attribute '" + toUtf8(name) +
+                 "'");
+        }
+        changes.remove(name.c_str());
+    }
+}
+
+void StylesheetFilter::keepExcludedPrefixes(const xercesc::AttributeList& attributes) {
+    std::u16string_view prefixes = valueOf(attributes, u"exclude-result-prefixes");
+    constexpr std::u16string_view SPACE = u" \t\r\n";
+    while (true) {
+        prefixes.remove_prefix(std::min(prefixes.find_first_not_of(SPACE), prefixes.size()));
+        if (prefixes.empty()) {
+            return;
+        }
+        const auto end = std::min(prefixes.find_first_of(SPACE), prefixes.size());
+        const std::u16string_view prefix = prefixes.substr(0, end);
+        m_excluded.emplace_back(prefix, m_namespaces.uriOf(prefix == u"#default" ? u"" : prefix));
+        prefixes.remove_prefix(end);
+    }
+}
+
+/** The engine forgets them in modules. They hold for the literal elements that are outermost. */
+void StylesheetFilter::excludePrefixesOfModule(Attributes& changes) const {
+    std::u16string here;
+    for (const auto& [prefix, uri] : m_excluded) {
+        if (m_namespaces.uriOf(prefix == u"#default" ? u"" : std::u16string_view(prefix)) == uri) {
+            here += u" " + prefix;
+        }
+    }
+    const std::u16string_view xslt = m_namespaces.prefixOf(XSLT_NAMESPACE);
+    if (here.empty() || xslt.empty()) {
+        return;
+    }
+    const std::u16string name = std::u16string(xslt) + u":exclude-result-prefixes";
+    const std::u16string before(valueOf(changes.get(), name.c_str()));
+    changes.remove(name.c_str());
+    changes.add(name.c_str(), before + here);
+}
+
+void StylesheetFilter::warn(const std::string& text) const {
+    m_operation.report(vexa::Severity::Warning, text, toLocation(m_locator));
+}
