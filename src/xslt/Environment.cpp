@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr const XMLCh* COMMON_NAMESPACE = u"http://exslt.org/common";
 constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
 
 } // namespace
@@ -141,4 +142,9 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
         }
         throw;
     }
+}
+
+bool Environment::elementAvailable(const xalanc::XalanDOMString& uri,
+                                   const xalanc::XalanDOMString& name) const {
+    return uri == COMMON_NAMESPACE && name == u"document";
 }

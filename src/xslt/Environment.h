@@ -67,6 +67,9 @@ public:
                                    const XObjectArgVectorType& arguments,
                                    const xalanc::Locator* locator) const override;
 
+    bool elementAvailable(const xalanc::XalanDOMString& uri,
+                          const xalanc::XalanDOMString& name) const override;
+
 private:
     xalanc::XalanDocument* find(const std::string& reference, const std::string& base);
     DocumentPtr parse(const std::string& uri, const std::string& base);

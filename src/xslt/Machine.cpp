@@ -3,6 +3,7 @@
 #include "xslt/BorrowedLists.h"
 #include "xslt/CallData.h"
 #include "xslt/OperationProblems.h"
+#include "xslt/RunContext.h"
 #include "xslt/StripAnswers.h"
 #include "xslt/Text.h"
 
@@ -29,12 +30,11 @@ using xalanc::XalanDOMString;
 using xalanc::XObjectPtr;
 
 /** Executes the stylesheet, with the parameters of the host. */
-class Machine::Context : public xalanc::StylesheetExecutionContextDefault {
+class Machine::Context : public RunContext {
 public:
     Context(Machine& machine, const RunSettings& settings)
-        : StylesheetExecutionContextDefault(machine.m_memory, machine.m_processor,
-                                            machine.m_environment, machine.m_trees,
-                                            machine.m_objects),
+        : RunContext(machine.m_memory, machine.m_processor, machine.m_environment, machine.m_trees,
+                     machine.m_objects),
           m_machine(machine), m_settings(settings), m_parameters(machine.m_memory) {
         installCollationCompareFunctor(&m_collation);
         installFormatNumberFunctor(&machine.m_numberFormat);
@@ -127,6 +127,23 @@ public:
         popOutputContext();
         popCopyTextNodesOnly();
         return value;
+    }
+
+    // RunContext
+    void beginFurtherResult(const ResultAttributes& attributes,
+                            const xercesc::Locator* locator) override {
+        xalanc::FormatterListener& listener = operation().keepingException([&]() -> auto& {
+            return m_machine.m_furtherResults->begin(attributes, toLocation(locator), *this);
+        });
+        pushCopyTextNodesOnly(false);
+        pushOutputContext(&listener);
+        listener.startDocument();
+    }
+    void endFurtherResult() override {
+        getFormatterListener()->endDocument();
+        popOutputContext();
+        popCopyTextNodesOnly();
+        m_machine.m_furtherResults->end();
     }
 
     bool shouldStripSourceNode(const xalanc::XalanText& text) override {
@@ -362,13 +379,14 @@ void Machine::installFunctions(const RunSettings& settings) {
 }
 
 void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTarget& target,
-                  Operation& operation, Sources& sources) {
+                  FurtherResults& furtherResults, Operation& operation, Sources& sources) {
     OperationProblems problems(operation, [this](const xercesc::Locator* locator) {
         return m_stylesheet.endsTransform(locator);
     });
     operation.setPlace([this] { return m_context->instruction(); });
     m_memory.setOperation(&operation);
     m_problems = &problems;
+    m_furtherResults = &furtherResults;
     m_processor.setProblemListener(&problems);
     m_environment.begin(operation, sources);
     m_environment.add(source);

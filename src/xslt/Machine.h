@@ -7,6 +7,7 @@
 #include "xslt/ConstructionContext.h"
 #include "xslt/DocumentParser.h"
 #include "xslt/Environment.h"
+#include "xslt/FurtherResults.h"
 #include "xslt/MemoryPool.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/ResultFragments.h"
@@ -51,7 +52,7 @@ public:
     ~Machine();
 
     void run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTarget& target,
-             Operation& operation, Sources& sources);
+             FurtherResults& furtherResults, Operation& operation, Sources& sources);
 
 private:
     class Context;
@@ -77,4 +78,5 @@ private:
     MemoryPool::CleanUp m_cleanUp{m_memory};
     /** Of the run under way. */
     OperationProblems* m_problems = nullptr;
+    FurtherResults* m_furtherResults = nullptr;
 };

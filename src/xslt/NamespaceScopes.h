@@ -12,6 +12,17 @@
 
 #include <xercesc/sax/AttributeList.hpp>
 
+/** Of a name with or without prefix. */
+inline std::u16string_view localPart(std::u16string_view name) {
+    return name.substr(name.find(u':') + 1); // all of it where there is none
+}
+
+/** Empty where there is none. */
+inline std::u16string_view prefixOf(std::u16string_view name) {
+    const auto colon = name.find(u':');
+    return colon == std::u16string_view::npos ? std::u16string_view() : name.substr(0, colon);
+}
+
 /** A prefix is empty for the default namespace, a URI for none. */
 class NamespaceScopes {
 public:
@@ -20,9 +31,7 @@ public:
         for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
             const std::u16string_view name = attributes.getName(i);
             if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
-                m_declarations.push_back(
-                    {m_depth, std::u16string(name.substr(std::min<std::size_t>(6, name.size()))),
-                     attributes.getValue(i)});
+                declare(name.substr(std::min<std::size_t>(6, name.size())), attributes.getValue(i));
             }
         }
     }
@@ -32,14 +41,15 @@ public:
         }
         --m_depth;
     }
-    /** How many elements are open. */
-    std::size_t depth() const { return m_depth; }
+    /** Declares one more, in the element that began last. */
+    void declare(std::u16string_view prefix, std::u16string_view uri) {
+        m_declarations.push_back({m_depth, std::u16string(prefix), std::u16string(uri)});
+    }
 
+    bool declares(std::u16string_view prefix) const { return find(prefix) != nullptr; }
     std::u16string_view uriOf(std::u16string_view prefix) const {
-        const auto declaration =
-            std::find_if(m_declarations.rbegin(), m_declarations.rend(),
-                         [prefix](const Declaration& known) { return known.prefix == prefix; });
-        return declaration == m_declarations.rend() ? std::u16string_view() : declaration->uri;
+        const Declaration* const declaration = find(prefix);
+        return declaration ? declaration->uri : std::u16string_view();
     }
     /** Not the default one: an attribute with this prefix has the namespace. Empty if there is
      * none. */
@@ -57,6 +67,13 @@ private:
         std::u16string prefix;
         std::u16string uri;
     };
+
+    const Declaration* find(std::u16string_view prefix) const {
+        const auto declaration =
+            std::find_if(m_declarations.rbegin(), m_declarations.rend(),
+                         [prefix](const Declaration& known) { return known.prefix == prefix; });
+        return declaration == m_declarations.rend() ? nullptr : &*declaration;
+    }
 
     std::size_t m_depth = 0;
     std::vector<Declaration> m_declarations;

@@ -45,6 +45,19 @@ Output Output::text(std::string& text) {
 
 } // namespace vexa
 
+std::filesystem::path followLinks(std::filesystem::path path) {
+    constexpr int MOST_LINKS = 40; // as the kernel has it
+    std::error_code noLink;
+    for (int links = 0; links < MOST_LINKS; ++links) {
+        const auto target = std::filesystem::read_symlink(path, noLink);
+        if (noLink) {
+            break;
+        }
+        path = path.parent_path() / target;
+    }
+    return path;
+}
+
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
@@ -135,14 +148,7 @@ public:
 private:
     void openTemporary() {
         // A symbolic link stays; what it names is replaced, or appears.
-        std::error_code noLink;
-        for (;;) {
-            const auto target = std::filesystem::read_symlink(m_path, noLink);
-            if (noLink) {
-                break;
-            }
-            m_path = m_path.parent_path() / target;
-        }
+        m_path = followLinks(m_path);
         // A file without a name gets one by way of this folder.
         if (::access("/proc/self/fd", X_OK) == 0) {
             m_file = ::open(m_path.parent_path().c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);

@@ -8,6 +8,7 @@
 
 #include <vexa/xslt/Output.h>
 
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <streambuf>
@@ -36,6 +37,9 @@ public:
 using OutputData = OutputAccess::Data;
 
 } // namespace vexa
+
+/** The file that a symbolic link names, also where it is not there yet. */
+std::filesystem::path followLinks(std::filesystem::path path);
 
 /** Takes the bytes of one result. What is not committed leaves files and strings as they were. */
 class OutputWriter {

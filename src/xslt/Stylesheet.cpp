@@ -1,4 +1,5 @@
 #include "xslt/CallTemplateElement.h"
+#include "xslt/DocumentElement.h"
 #include "xslt/DocumentParser.h"
 #include "xslt/InvalidExpression.h"
 #include "xslt/ModuleParser.h"
@@ -32,6 +33,8 @@
 using xalanc::XalanDOMString;
 
 namespace {
+
+constexpr const XMLCh* EXSLT_COMMON = u"http://exslt.org/common";
 
 /** The engine as far as compiling needs it. */
 struct Compiler {
@@ -176,20 +179,44 @@ public:
                 stylesheet.getStylesheetRoot().getNextElemNumberID());
         }
         if (token == ELEMNAME_CALL_TEMPLATE && attributes.getValue(u"name")) {
-            return new (m_data.m_memory.allocate(sizeof(CallTemplateElement)))
-                CallTemplateElement(*this, stylesheet, attributes, locator);
+            return makeElement<CallTemplateElement>(stylesheet, attributes, locator);
         }
+        const auto hidden = m_filter ? m_filter->hidden() : StylesheetFilter::Hidden::None;
+        if (hidden == StylesheetFilter::Hidden::Document) {
+            return makeElement<DocumentElement>(stylesheet, attributes, locator);
+        }
+        const int realToken =
+            hidden == StylesheetFilter::Hidden::Variable ? ELEMNAME_VARIABLE : token;
         xalanc::ElemTemplateElement* const element =
-            StylesheetConstructionContextDefault::createElement(
-                m_filter && m_filter->isHiddenVariable() ? ELEMNAME_VARIABLE : token, stylesheet,
-                attributes, locator);
+            StylesheetConstructionContextDefault::createElement(realToken, stylesheet, attributes,
+                                                                locator);
         if (token == ELEMNAME_MESSAGE && hasValue(attributes, u"terminate", u"yes")) {
             m_data.m_endingMessages.insert(element->getLocator());
         }
         return element;
     }
 
+    xalanc::ElemTemplateElement* createElement(xalanc::Stylesheet& stylesheet, const XMLCh* name,
+                                               const xalanc::AttributeListType& attributes,
+                                               xalanc::ExtensionNSHandler& handler,
+                                               const xercesc::Locator* locator) override {
+        if (m_filter->elementName() == StylesheetFilter::ExpandedName(EXSLT_COMMON, u"document")) {
+            return makeElement<DocumentElement>(stylesheet, attributes, locator);
+        }
+        return StylesheetConstructionContextDefault::createElement(stylesheet, name, attributes,
+                                                                   handler, locator);
+    }
+
 private:
+    /** It lives as long as the memory of the stylesheet. */
+    template <typename Element>
+    Element* makeElement(xalanc::Stylesheet& stylesheet,
+                         const xalanc::AttributeListType& attributes,
+                         const xercesc::Locator* locator) {
+        return new (m_data.m_memory.allocate(sizeof(Element)))
+            Element(*this, stylesheet, attributes, locator);
+    }
+
     void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler, bool isIncluded) {
         StylesheetFilter filter(handler, *m_operation, isIncluded);
         StylesheetFilter* const outer = std::exchange(m_filter, &filter);

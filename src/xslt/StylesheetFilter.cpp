@@ -64,15 +64,6 @@ std::u16string_view valueOf(const xercesc::AttributeList& attributes, const XMLC
     return value ? value : std::u16string_view();
 }
 
-std::u16string_view localPart(std::u16string_view name) {
-    return name.substr(name.find(u':') + 1); // all of it where there is none
-}
-
-std::u16string_view prefixOf(std::u16string_view name) {
-    const auto colon = name.find(u':');
-    return colon == std::u16string_view::npos ? std::u16string_view() : name.substr(0, colon);
-}
-
 } // namespace
 
 /** The attributes of an element, copied where something is changed. */
@@ -137,6 +128,8 @@ bool StylesheetFilter::startXsltElement(std::u16string_view name, Attributes& ch
     dropUnknownAttributes(local, changes);
     if (m_elements.size() == 1 && m_bIncluded) {
         keepExcludedPrefixes(changes.get());
+    } else if (local == u"document") {
+        hide(Hidden::Document);
     } else if ((local == u"variable" || local == u"param") && m_elements.size() > 1) {
         return startVariable(name, changes.get());
     }
@@ -160,9 +153,7 @@ bool StylesheetFilter::startVariable(std::u16string_view name,
         warn("'" + toUtf8(valueOf(attributes, u"name")) + "' is declared again");
     }
     if (isVariable) {
-        const std::u16string_view prefix = prefixOf(name);
-        m_elements.back().isHiddenVariable = true;
-        m_elements.back().name = std::u16string(prefix) + (prefix.empty() ? u"" : u":") + u"copy";
+        hide(Hidden::Variable);
     }
     return !isGlobal; // of these the first counts
 }
@@ -174,6 +165,14 @@ void StylesheetFilter::endElement(const XMLCh* /*name*/) {
     }
     m_handler.endElement(m_elements.back().name.c_str());
     leave();
+}
+
+/** The handler accepts xsl:copy wherever an instruction may stand. */
+void StylesheetFilter::hide(Hidden kind) {
+    Element& element = m_elements.back();
+    element.hidden = kind;
+    const std::u16string prefix(prefixOf(element.name));
+    element.name = prefix.empty() ? u"copy" : prefix + u":copy";
 }
 
 void StylesheetFilter::leave() {
@@ -217,7 +216,6 @@ StylesheetFilter::Element StylesheetFilter::begin(const XMLCh* name,
                                                   : attributes.getValue(versionOfLiteral.c_str());
     element.isForwardsCompatible =
         version ? std::u16string_view(version) != u"1.0" : !isRoot && isForwardsCompatible();
-    element.isHiddenVariable = false;
     element.variables = m_variables.size();
     return element;
 }

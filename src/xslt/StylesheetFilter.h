@@ -22,13 +22,19 @@
  */
 class StylesheetFilter : public xercesc::DocumentHandler {
 public:
+    using ExpandedName = std::pair<std::u16string, std::u16string>; // URI, local name
+
     /** @param isIncluded whether the module is another one's */
     StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation, bool isIncluded);
 
     /** Of the element that begins: whether XSLT of a later version may be in it. */
     bool isForwardsCompatible() const { return m_elements.back().isForwardsCompatible; }
-    /** Of the element that begins: whether it is a variable, though the handler sees xsl:copy. */
-    bool isHiddenVariable() const { return m_elements.back().isHiddenVariable; }
+    /** What the handler takes for xsl:copy. */
+    enum class Hidden { None, Variable, Document };
+    /** Of the element that begins. */
+    Hidden hidden() const { return m_elements.back().hidden; }
+    /** Of the element that begins. */
+    ExpandedName elementName() const { return expand(m_elements.back().name); }
 
     // DocumentHandler
     void setDocumentLocator(const xercesc::Locator* locator) override;
@@ -42,13 +48,11 @@ public:
     void resetDocument() override { m_handler.resetDocument(); }
 
 private:
-    using ExpandedName = std::pair<std::u16string, std::u16string>; // URI, local name
-
     struct Element {
         std::u16string name; // as the handler is told
         bool isXslt;
         bool isForwardsCompatible;
-        bool isHiddenVariable;
+        Hidden hidden = Hidden::None;
         /** So many are in scope before it. */
         std::size_t variables;
         /** The variable that is in scope behind it, in its parent. */
@@ -60,6 +64,7 @@ private:
     Element begin(const XMLCh* name, const xercesc::AttributeList& attributes) const;
     bool startXsltElement(std::u16string_view name, Attributes& changes);
     bool startVariable(std::u16string_view name, const xercesc::AttributeList& attributes);
+    void hide(Hidden kind);
     void leave();
     ExpandedName expand(std::u16string_view name) const;
     void refuseWrongValue(std::u16string_view local,

@@ -1,45 +1,25 @@
 #include <vexa/xslt/Transformation.h>
 
 #include "xslt/CallData.h"
+#include "xslt/FurtherResults.h"
 #include "xslt/Machine.h"
 #include "xslt/OutputWriter.h"
 #include "xslt/ResultBuilder.h"
+#include "xslt/ResultStream.h"
 #include "xslt/Text.h"
 #include "xslt/ValueExchange.h"
 
 #include <vexa/xslt/Error.h>
 
-#include <exception>
 #include <memory>
 #include <utility>
 
-#include <xalanc/PlatformSupport/XalanOutputStream.hpp>
 #include <xalanc/PlatformSupport/XalanOutputStreamPrintWriter.hpp>
 #include <xercesc/util/XMLChar.hpp>
 
 namespace vexa {
 
 namespace {
-
-/** The bytes of a result, as the engine's formatters write them. */
-class ResultStream : public xalanc::XalanOutputStream {
-public:
-    explicit ResultStream(OutputWriter& writer)
-        : XalanOutputStream(engineMemory()), m_writer(writer) {}
-
-protected:
-    /** The engine's destructors flush: what is left of an abandoned result is dropped. */
-    void writeData(const char* bytes, size_type size) override {
-        if (std::uncaught_exceptions() == m_exceptions) {
-            m_writer.write(bytes, size);
-        }
-    }
-    void doFlush() override {}
-
-private:
-    OutputWriter& m_writer;
-    const int m_exceptions = std::uncaught_exceptions();
-};
 
 /** "name" or "{uri}name". @throws Error: Usage */
 ExpandedName parseName(const std::string& name) {
@@ -110,6 +90,11 @@ public:
         m_options.onMessage = std::move(handler);
     }
 
+    void setHandler(DocumentHandler handler) {
+        refuseCallFromCallback();
+        m_onDocument = std::move(handler);
+    }
+
     template <typename Source>
     void write(const Source& source, const Output& output) {
         run(source, [&](Operation& operation, const std::string& /*uri*/, const auto& transform) {
@@ -117,9 +102,11 @@ public:
             ResultStream stream(writer);
             xalanc::XalanOutputStreamPrintWriter printer(stream);
             xalanc::XSLTResultTarget target(&printer, engineMemory());
-            transform(target);
+            FurtherResults furtherResults(m_onDocument, &output, operation);
+            transform(target, furtherResults);
             printer.flush();
             operation.throwKept();
+            furtherResults.commit();
             writer.commit();
         });
     }
@@ -130,8 +117,10 @@ public:
                    [&](Operation& operation, const std::string& uri, const auto& transform) {
                        ResultBuilder builder(uri, operation, ResultBuilder::Purpose::Result);
                        xalanc::XSLTResultTarget target(builder, engineMemory());
-                       transform(target);
+                       FurtherResults furtherResults(m_onDocument, nullptr, operation);
+                       transform(target, furtherResults);
                        operation.throwKept();
+                       furtherResults.commit();
                        return DocumentAccess::make(builder.finish());
                    });
     }
@@ -167,9 +156,11 @@ private:
                     m_machine = std::make_unique<Machine>(StylesheetAccess::data(m_stylesheet),
                                                           m_settings, m_parser);
                 }
-                return work(operation, document->uri(), [&](xalanc::XSLTResultTarget& target) {
-                    m_machine->run(document, target, operation, sources);
-                });
+                return work(operation, document->uri(),
+                            [&](xalanc::XSLTResultTarget& target, FurtherResults& furtherResults) {
+                                m_machine->run(document, target, furtherResults, operation,
+                                               sources);
+                            });
             });
         } catch (...) {
             m_machine.reset();
@@ -192,6 +183,7 @@ private:
     const Stylesheet m_stylesheet;
     Options m_options;
     RunSettings m_settings;
+    DocumentHandler m_onDocument;
     DocumentParser m_parser;
     std::unique_ptr<Machine> m_machine;
     bool m_isRunning = false;
@@ -240,6 +232,11 @@ Transformation& Transformation::function(const std::string& namespaceUri, const 
 }
 
 Transformation& Transformation::onMessage(MessageHandler handler) {
+    data().setHandler(std::move(handler));
+    return *this;
+}
+
+Transformation& Transformation::onDocument(DocumentHandler handler) {
     data().setHandler(std::move(handler));
     return *this;
 }

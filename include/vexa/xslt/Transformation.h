@@ -43,6 +43,23 @@ private:
 /** An extension function of a host. What it throws passes to the caller of the operation. */
 using Function = std::function<Value(const Call&)>;
 
+/** What a stylesheet says of a further result; a text is empty where it says nothing. */
+struct DocumentSettings {
+    std::string method; ///< "xml", "html" or "text"
+    std::string encoding;
+    std::string mediaType;
+};
+
+/**
+ * Says where a further result goes (exsl:document, xsl:document). What it throws passes to the
+ * caller of the operation; it may throw Error: Denied.
+ *
+ * @param href the reference, as the stylesheet gives it
+ * @param base the URI of the result that it stands in; empty where that is no file
+ */
+using DocumentHandler = std::function<Output(const std::string& href, const std::string& base,
+                                             const DocumentSettings& settings)>;
+
 /**
  * Runs a stylesheet, again and again. It belongs to one thread at a time, and may be moved. After a
  * failure it is usable as before. A moved-from object answers with Error: Usage.
@@ -84,6 +101,12 @@ public:
                              Function function);
     /** Replaces the handler of messages. */
     Transformation& onMessage(MessageHandler handler);
+    /**
+     * Allows further results. Without a handler each is an Error: Denied. They count for the limits
+     * of the run, and appear when it has succeeded; after a failure none does. If the last step
+     * fails, when complete results are put in their places, some of them may be there.
+     */
+    Transformation& onDocument(DocumentHandler handler);
 
     /** Transforms a document and writes the result. @throws Error */
     void to(const Document& source, const Output& output);

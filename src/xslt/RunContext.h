@@ -1,0 +1,20 @@
+/**
+ * @file
+ * What elements of our own ask for while they are executed.
+ */
+#pragma once
+
+#include "xslt/ResultAttributes.h"
+
+#include <xalanc/XSLT/StylesheetExecutionContextDefault.hpp>
+
+/** The context of every run. */
+class RunContext : public xalanc::StylesheetExecutionContextDefault {
+public:
+    using StylesheetExecutionContextDefault::StylesheetExecutionContextDefault;
+
+    /** From here on all goes to another result. */
+    virtual void beginFurtherResult(const ResultAttributes& attributes,
+                                    const xercesc::Locator* locator) = 0;
+    virtual void endFurtherResult() = 0;
+};
