@@ -19,6 +19,7 @@
 #include <xalanc/XMLSupport/FormatterToHTML.hpp>
 #include <xalanc/XMLSupport/FormatterToText.hpp>
 #include <xalanc/XMLSupport/XalanXMLSerializerFactory.hpp>
+#include <xalanc/XSLT/Stylesheet.hpp>
 
 using vexa::ErrorKind;
 using xalanc::FormatterListener;
@@ -175,7 +176,7 @@ FormatterListener& FurtherResults::begin(const ResultAttributes& attributes,
     const vexa::DocumentSettings settings{toUtf8(attributes.get(u"method")),
                                           toUtf8(attributes.get(u"encoding")),
                                           toUtf8(attributes.get(u"media-type"))};
-    const vexa::Output output = m_handler(href, m_bases.back(), settings);
+    const vexa::Output output = ask(href, settings, where);
     const std::string uri = fileUriOf(output);
     if (!uri.empty() && !m_uris.insert(uri).second) {
         m_operation.fail(ErrorKind::Output, "the document '" + href + "' is written twice", where);
@@ -184,6 +185,18 @@ FormatterListener& FurtherResults::begin(const ResultAttributes& attributes,
     m_open.push_back(m_results.back().get());
     m_bases.push_back(uri.empty() ? href : uri);
     return m_open.back()->listener();
+}
+
+vexa::Output FurtherResults::ask(const std::string& href, const vexa::DocumentSettings& settings,
+                                 const vexa::Location& where) const {
+    try {
+        return m_handler(href, m_bases.back(), settings);
+    } catch (const vexa::Error& error) {
+        if (!error.where().uri.empty()) {
+            throw;
+        }
+        m_operation.fail(error.kind(), error.text(), where);
+    }
 }
 
 void FurtherResults::end() {

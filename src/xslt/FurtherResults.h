@@ -49,6 +49,9 @@ public:
 private:
     class Result;
 
+    vexa::Output ask(const std::string& href, const vexa::DocumentSettings& settings,
+                     const vexa::Location& where) const;
+
     const vexa::DocumentHandler& m_handler;
     Operation& m_operation;
     /** The files that are written. */

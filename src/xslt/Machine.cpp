@@ -43,7 +43,7 @@ public:
     void reset() override {
         // The base class resets the factory that made the values of the parameters.
         m_parameters.clear();
-        StylesheetExecutionContextDefault::reset();
+        RunContext::reset();
         m_madeUpPrefixes = 0;
         m_depth = 0;
         m_lists.clear();
@@ -57,15 +57,15 @@ public:
         operation().poll();
         operation().checkDepth(++m_depth);
         m_invoker = nullptr;
-        StylesheetExecutionContextDefault::pushInvoker(invoker);
+        RunContext::pushInvoker(invoker);
     }
     void popInvoker() override {
         --m_depth;
-        StylesheetExecutionContextDefault::popInvoker();
+        RunContext::popInvoker();
     }
     void pushContextMarker() override {
         operation().poll();
-        StylesheetExecutionContextDefault::pushContextMarker();
+        RunContext::pushContextMarker();
     }
 
     /**
@@ -75,40 +75,41 @@ public:
      */
     void pushCurrentStackFrameIndex(int index) override {
         const bool isGlobal = index == static_cast<int>(getGlobalStackFrameIndex());
-        StylesheetExecutionContextDefault::pushCurrentStackFrameIndex(
-            isGlobal ? getCurrentStackFrameIndex() : index);
+        RunContext::pushCurrentStackFrameIndex(isGlobal ? getCurrentStackFrameIndex() : index);
         if (isGlobal) {
-            StylesheetExecutionContextDefault::pushContextMarker();
+            RunContext::pushContextMarker();
         }
         m_framesOfItsOwn.push_back(isGlobal);
     }
     void popCurrentStackFrameIndex() override {
         if (m_framesOfItsOwn.back()) {
-            StylesheetExecutionContextDefault::popContextMarker();
+            RunContext::popContextMarker();
         }
         m_framesOfItsOwn.pop_back();
-        StylesheetExecutionContextDefault::popCurrentStackFrameIndex();
+        RunContext::popCurrentStackFrameIndex();
     }
 
-    /** A template that is called by its name leaves the current template rule as it is. */
+    /**
+     * A template that is called by its name leaves the current template rule as it is. The invoker
+     * is not always the call: where it stands alone the engine executes the template in its place.
+     */
     void pushCurrentTemplate(const xalanc::ElemTemplate* current) override {
         const xalanc::ElemTemplateElement* const invoker =
             current && m_depth != 0 ? getInvoker() : nullptr;
-        const bool isCall =
-            invoker && invoker->getXSLToken() == Construction::ELEMNAME_CALL_TEMPLATE;
-        StylesheetExecutionContextDefault::pushCurrentTemplate(isCall ? getCurrentTemplate()
-                                                                      : current);
+        const int token = invoker ? invoker->getXSLToken() : Construction::ELEMNAME_APPLY_TEMPLATES;
+        const bool isRule = token == Construction::ELEMNAME_APPLY_TEMPLATES ||
+                            token == Construction::ELEMNAME_APPLY_IMPORTS;
+        RunContext::pushCurrentTemplate(isRule ? current : getCurrentTemplate());
     }
     xalanc::MutableNodeRefList* borrowMutableNodeRefList() override {
         operation().poll();
-        xalanc::MutableNodeRefList* const list =
-            StylesheetExecutionContextDefault::borrowMutableNodeRefList();
+        xalanc::MutableNodeRefList* const list = RunContext::borrowMutableNodeRefList();
         m_lists.add(list);
         return list;
     }
     bool returnMutableNodeRefList(xalanc::MutableNodeRefList* list) override {
         m_lists.remove(list);
-        return StylesheetExecutionContextDefault::returnMutableNodeRefList(list);
+        return RunContext::returnMutableNodeRefList(list);
     }
 
     void beginCreateXResultTreeFrag(xalanc::XalanNode* source) override {
@@ -163,18 +164,18 @@ public:
         return compiled;
     }
 
-    using StylesheetExecutionContextDefault::addResultAttribute;
+    using RunContext::addResultAttribute;
     void addResultAttribute(const XalanDOMString& name, const XalanDOMString& value) override {
         // Each one is compared with all others of its element.
         operation().poll();
-        StylesheetExecutionContextDefault::addResultAttribute(name, value);
+        RunContext::addResultAttribute(name, value);
     }
 
     /** For xsl:copy-of. The engine's own cannot be stopped. */
     void cloneToResultTree(const xalanc::XalanNode& top, const xalanc::Locator* locator) override {
         if (top.getNodeType() == xalanc::XalanNode::DOCUMENT_FRAGMENT_NODE ||
             getCopyTextNodesOnly()) {
-            StylesheetExecutionContextDefault::cloneToResultTree(top, locator);
+            RunContext::cloneToResultTree(top, locator);
             return;
         }
         const xalanc::XalanNode* node = &top;
@@ -208,20 +209,18 @@ public:
                                            ? node.getAttributes()
                                            : nullptr;
         if (!attributes || attributes->getLength() < MANY_ATTRIBUTES) {
-            StylesheetExecutionContextDefault::cloneToResultTree(node, type, overridesStrip,
-                                                                 clonesAttributes, locator);
+            RunContext::cloneToResultTree(node, type, overridesStrip, clonesAttributes, locator);
             return;
         }
-        StylesheetExecutionContextDefault::cloneToResultTree(node, type, overridesStrip, false,
-                                                             locator);
+        RunContext::cloneToResultTree(node, type, overridesStrip, false, locator);
         copyNamespaceAttributes(node);
         for (XMLSize_t i = 0; i < attributes->getLength(); ++i) {
             // Each one is compared with all others of its element.
             operation().poll();
             const xalanc::XalanNode& attribute = *attributes->item(i);
             if (attribute.getNamespaceURI() != xalanc::DOMServices::s_XMLNamespacePrefixURI) {
-                StylesheetExecutionContextDefault::cloneToResultTree(
-                    attribute, xalanc::XalanNode::ATTRIBUTE_NODE, overridesStrip, true, locator);
+                RunContext::cloneToResultTree(attribute, xalanc::XalanNode::ATTRIBUTE_NODE,
+                                              overridesStrip, true, locator);
             }
         }
     }
@@ -236,7 +235,7 @@ public:
             m_parameters.push_back(xalanc::TopLevelArg(getMemoryManager(), qname,
                                                        m_machine.m_values.toEngine(value, *this)));
         }
-        StylesheetExecutionContextDefault::pushTopLevelVariables(m_parameters);
+        RunContext::pushTopLevelVariables(m_parameters);
     }
 
     /** The engine goes on counting in the next run. */
@@ -248,7 +247,7 @@ public:
                                  const xalanc::Locator* locator) override {
         // The engine goes on with a warning.
         m_machine.m_problems->setMuted(true);
-        const XObjectPtr value = StylesheetExecutionContextDefault::getVariable(name, locator);
+        const XObjectPtr value = RunContext::getVariable(name, locator);
         m_machine.m_problems->setMuted(false);
         if (value->getType() == xalanc::XObject::eTypeUnknown) {
             operation().fail(ErrorKind::Transform,

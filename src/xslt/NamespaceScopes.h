@@ -12,6 +12,8 @@
 
 #include <xercesc/sax/AttributeList.hpp>
 
+inline constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
+
 /** Of a name with or without prefix. */
 inline std::u16string_view localPart(std::u16string_view name) {
     return name.substr(name.find(u':') + 1); // all of it where there is none

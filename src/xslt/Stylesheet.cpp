@@ -13,6 +13,7 @@
 #include "engine/EngineMemory.h"
 #include "engine/ExpressionGuard.h"
 
+#include <vexa/VEXAConfig.h>
 #include <vexa/xslt/Error.h>
 
 #include <algorithm>
@@ -86,6 +87,66 @@ bool isIncompletePattern(std::u16string_view pattern) {
     return isIncomplete();
 }
 
+/** Removes a piece from the beginning, and white space before it. @return whether it was there */
+bool skip(std::u16string_view& text, std::u16string_view piece) {
+    const auto begin = std::min(text.find_first_not_of(u" \t\r\n"), text.size());
+    if (text.substr(begin, piece.size()) != piece) {
+        return false;
+    }
+    text.remove_prefix(begin + piece.size());
+    return true;
+}
+
+/**
+ * If a call of system-property() for the vendor, or its URL, is at the beginning: removes it.
+ * @return the answer; null if there is none
+ */
+const char16_t* skipCallForVendor(std::u16string_view& text,
+                                  const xalanc::PrefixResolver& resolver) {
+    std::u16string_view rest = text;
+    if (!skip(rest, u"system-property") || !skip(rest, u"(")) {
+        return nullptr;
+    }
+    const bool isApostrophe = skip(rest, u"'");
+    if (!isApostrophe && !skip(rest, u"\"")) {
+        return nullptr;
+    }
+    const auto end = std::min(rest.find(isApostrophe ? u'\'' : u'"'), rest.size() - 1);
+    const std::u16string_view name = rest.substr(0, end);
+    rest.remove_prefix(end + 1);
+    const std::u16string prefix(prefixOf(name));
+    const XalanDOMString* const uri =
+        resolver.getNamespaceForPrefix(XalanDOMString(prefix.c_str(), engineMemory()));
+    const bool isUrl = localPart(name) == u"vendor-url";
+    if (!uri || *uri != XSLT_NAMESPACE.data() || !(isUrl || localPart(name) == u"vendor") ||
+        !skip(rest, u")")) {
+        return nullptr;
+    }
+    text = rest;
+    return isUrl ? u"'" VEXA_XSL_EXTENSION_NAMESPACE u"'" : u"'VEXA'";
+}
+
+/**
+ * An expression in which this library answers for the vendor. The engine names its own, and
+ * stylesheets then count on the extensions of another engine that it makes.
+ */
+std::u16string withOwnVendor(std::u16string_view text, const xalanc::PrefixResolver& resolver) {
+    std::u16string result;
+    while (!text.empty()) {
+        const bool isInName = !result.empty() && xercesc::XMLChar1_0::isNameChar(result.back());
+        if (const char16_t* const answer = isInName ? nullptr : skipCallForVendor(text, resolver)) {
+            result += answer;
+            continue;
+        }
+        const char16_t c = text.front();
+        const auto end = c == u'"' || c == u'\'' ? text.find(c, 1) : 0;
+        const auto length = std::min(end, text.size() - 1) + 1;
+        result += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
 } // namespace
 
 namespace vexa {
@@ -137,6 +198,14 @@ public:
                                bool allowKey) override {
         m_operation->poll();
         rejectTooDeepExpression({text.c_str(), text.length()});
+        const std::u16string_view view(text.c_str(), text.length());
+        if (view.find(u"system-property") != std::u16string_view::npos) {
+            const std::u16string changed = withOwnVendor(view, resolver);
+            if (changed != view) {
+                return createXPath(locator, XalanDOMString(changed.c_str(), getMemoryManager()),
+                                   resolver, allowVariables, allowKey);
+            }
+        }
         if (!m_filter || !m_filter->isForwardsCompatible()) {
             return StylesheetConstructionContextDefault::createXPath(locator, text, resolver,
                                                                      allowVariables, allowKey);

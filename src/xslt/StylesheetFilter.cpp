@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
-
 /** The attributes of each element of XSLT, in blanks. */
 constexpr std::pair<std::u16string_view, std::u16string_view> ATTRIBUTES[] = {
     {u"apply-imports", u""},

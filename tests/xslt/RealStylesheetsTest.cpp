@@ -128,6 +128,13 @@ TEST_F(RealModulesTest, ANamedTemplateLeavesTheCurrentRule) {
     EXPECT_EQ(run(import + "<xsl:template match='a'><xsl:call-template name='t'/></xsl:template>"
                            "<xsl:template name='t'><t><xsl:apply-imports/></t></xsl:template>"),
               "<t><base/></t>");
+    EXPECT_EQ(run(import + "<xsl:template match='a'><xsl:choose><xsl:when test='true()'>"
+                           "<xsl:call-template name='t'><xsl:with-param name='p' select='1'/>"
+                           "</xsl:call-template></xsl:when></xsl:choose></xsl:template>"
+                           "<xsl:template name='t'><xsl:param name='p'/>"
+                           "<xsl:call-template name='u'/></xsl:template>"
+                           "<xsl:template name='u'><u><xsl:apply-imports/></u></xsl:template>"),
+              "<u><base/></u>");
     EXPECT_EQ(run(import + "<xsl:template match='a'><xsl:call-template name='t'/></xsl:template>"
                            "<xsl:template name='t'><t><xsl:apply-templates select='b'/>"
                            "<xsl:apply-imports/></t></xsl:template>"
@@ -145,6 +152,22 @@ TEST_F(RealModulesTest, AnIncludedModuleExcludesPrefixes) {
     EXPECT_EQ(run("<xsl:include href='part.xsl'/>"),
               "<e xmlns:y=\"urn:y\"><f/></e><z:g xmlns:y=\"urn:y\" xmlns:z=\"urn:z\"/>"
               "<h xmlns:z=\"urn:other\" xmlns:y=\"urn:y\"/>");
+}
+
+TEST_F(RealModulesTest, TheVendorIsNotTheEngines) {
+    EXPECT_EQ(run("<xsl:template match='/'><e a='{function-available(\"o:f\") and "
+                  "o:system-property(\"xsl:vendor\")}' xmlns:o='urn:o'/></xsl:template>"),
+              "<e xmlns:o=\"urn:o\" a=\"false\"/>");
+    EXPECT_EQ(run("<xsl:template match='/'><e a='{system-property(\"xsl:vendor\")}' "
+                  "b='{concat(&apos;system-property(&quot;xsl:vendor&quot;)&apos;, "
+                  "system-property ( &apos;xsl:vendor&apos; ))}' "
+                  "c='{starts-with(system-property(\"xsl:vendor-url\"), \"http://\")}' "
+                  "d='{contains(system-property(\"xsl:vendor-url\"), \"xalan\")}' "
+                  "e='{system-property(\"xsl:version\")}' f='{system-property(\"none:vendor\")}' "
+                  "g='{system-property(\"vendor\")}' xmlns:none='urn:none'/></xsl:template>"),
+              "<e xmlns:none=\"urn:none\" a=\"VEXA\" "
+              "b=\"system-property(&quot;xsl:vendor&quot;)VEXA\" "
+              "c=\"true\" d=\"false\" e=\"1\" f=\"\" g=\"\"/>");
 }
 
 /** Errors that wait until they are met, and warnings that are told at once. */

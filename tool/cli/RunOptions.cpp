@@ -62,6 +62,14 @@ void addParameterOptions(CLI::App& command, RunOptions& options) {
                   "Set a parameter to what an expression gives over the source");
 }
 
+void addDocumentsOption(CLI::App& command, RunOptions& options) {
+    command
+        .add_option("--documents", options.documents,
+                    "Let further results (exsl:document) be written below this folder, and not "
+                    "below that of the result")
+        ->type_name("DIRECTORY");
+}
+
 void addRunOptions(CLI::App& command, RunOptions& options) {
     constexpr const char* ACCESS = "What documents and stylesheets may reach";
     constexpr const char* MESSAGES = "Messages, on standard error";

@@ -17,6 +17,8 @@ class Option;
 
 struct RunOptions {
     std::vector<Parameter> parameters;
+    /** The folder of further results; empty for that of the result. */
+    std::string documents;
     Limits limits;
     bool network = false;
     bool noEntities = false;
@@ -34,6 +36,7 @@ struct RunOptions {
 void addSourceArgument(CLI::App& command, std::string& source);
 void addOutputOption(CLI::App& command, std::string& output);
 void addParameterOptions(CLI::App& command, RunOptions& options);
+void addDocumentsOption(CLI::App& command, RunOptions& options);
 void addRunOptions(CLI::App& command, RunOptions& options);
 /** For commands that do not always work in processes of their own. */
 void addIsolateOption(CLI::App& command, RunOptions& options);

@@ -193,6 +193,7 @@ void define(CLI::App& app, std::function<int()>& command) {
     app.add_flag("-0,--null", options->separatedByNul,
                  "The names in FILE are separated by NUL, as find -print0 does");
     addParameterOptions(app, options->run);
+    addDocumentsOption(app, options->run);
     addRunOptions(app, options->run);
     app.callback([options, &command] { command = [options] { return runBatch(*options); }; });
 }

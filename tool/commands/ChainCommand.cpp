@@ -83,6 +83,7 @@ void define(CLI::App& app, std::function<int()>& command) {
         ->required();
     addOutputOption(app, options->output);
     addParameterOptions(app, options->run);
+    addDocumentsOption(app, options->run);
     addRunOptions(app, options->run);
     addIsolateOption(app, options->run);
     app.callback([options, &command] { command = [options] { return runChain(*options); }; });

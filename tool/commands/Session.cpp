@@ -3,6 +3,7 @@
 #include "base/Errors.h"
 #include "base/Terminal.h"
 #include "files/ErrorText.h"
+#include "process/FileLimit.h"
 #include "process/IsolatedRun.h"
 #include "process/Sandbox.h"
 
@@ -120,6 +121,19 @@ std::vector<fs::path> NamedFiles::folders() const {
     return {folders.begin(), folders.end()};
 }
 
+fs::path NamedFiles::outputFolder() const {
+    std::error_code ignored;
+    const auto status = fs::status(output, ignored);
+    if (fs::is_directory(status)) {
+        return output;
+    }
+    if (output == STANDARD_STREAM || (fs::exists(status) && !fs::is_regular_file(status))) {
+        return {};
+    }
+    const fs::path folder = fs::path(output).parent_path();
+    return folder.empty() ? "." : folder;
+}
+
 Session::Session(const RunOptions& options, const NamedFiles& files, Emit emit)
     : m_options(options), m_emit(std::move(emit)), m_folders(files.folders()) {
     for (const InputArgument& input : files.inputs) {
@@ -127,6 +141,15 @@ Session::Session(const RunOptions& options, const NamedFiles& files, Emit emit)
     }
     if (files.output != STANDARD_STREAM) {
         m_names.add(InputArgument(files.output));
+    }
+    const fs::path documents =
+        options.documents.empty() ? files.outputFolder() : fs::path(options.documents);
+    if (!documents.empty()) {
+        std::error_code isTold; // when something is written there
+        if (!options.documents.empty()) {
+            fs::create_directories(documents, isTold);
+        }
+        m_documents.emplace(documents);
     }
 }
 
@@ -169,6 +192,15 @@ Transformation Session::prepare(const Stylesheet& stylesheet) {
             run.parameter(parameter.name, parameter.number);
         }
     }
+    run.onDocument([this](const std::string& href, const std::string& base,
+                          const vexa::DocumentSettings& /*settings*/) {
+        if (!m_documents) {
+            throw vexa::Error(ErrorKind::Denied,
+                              "the document '" + href + "' may not be written without --documents");
+        }
+        allowManyFiles(); // all are open until the last one is complete
+        return m_documents->output(href, base);
+    });
     return run;
 }
 
@@ -247,6 +279,9 @@ void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {
     places.folders = files.folders();
     if (files.output != STANDARD_STREAM) {
         places.outputs.push_back(files.output);
+    }
+    if (!options.documents.empty()) {
+        places.outputs.emplace_back(options.documents);
     }
     enterSandbox(places);
 }

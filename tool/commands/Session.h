@@ -6,12 +6,14 @@
 
 #include "base/Timing.h"
 #include "cli/RunOptions.h"
+#include "files/DocumentFolder.h"
 #include "files/FileNames.h"
 #include "files/InputArgument.h"
 
 #include <vexa/xslt.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,8 @@ struct NamedFiles {
 
     /** The folders of the inputs, each once. */
     std::vector<std::filesystem::path> folders() const;
+    /** The folder of the result; empty where it goes to no file. */
+    std::filesystem::path outputFolder() const;
 };
 
 /** What one process does with the library: the options, the names and the messages of its work. */
@@ -60,6 +64,7 @@ private:
     const RunOptions& m_options;
     Emit m_emit;
     std::vector<std::filesystem::path> m_folders;
+    std::optional<DocumentFolder> m_documents;
     FileNames m_names;
     Timing m_timing;
 };

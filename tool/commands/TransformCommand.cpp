@@ -58,6 +58,7 @@ void define(CLI::App& app, std::function<int()>& command) {
     addSourceArgument(app, options->source);
     addOutputOption(app, options->output);
     addParameterOptions(app, options->run);
+    addDocumentsOption(app, options->run);
     addRunOptions(app, options->run);
     addIsolateOption(app, options->run);
     app.callback([options, &command] { command = [options] { return runTransform(*options); }; });

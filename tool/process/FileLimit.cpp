@@ -12,6 +12,13 @@ constexpr rlim_t FILES_OF_WORKER = 16;
 
 } // namespace
 
+void allowManyFiles() {
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = files.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &files);
+}
+
 std::size_t workersWithFiles(std::size_t wanted) {
     const rlim_t needed = FILES_OF_ALL + wanted * FILES_OF_WORKER;
     rlimit files{};

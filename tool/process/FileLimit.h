@@ -6,6 +6,9 @@
 
 #include <cstddef>
 
+/** Lets this process have as many files open as it may. */
+void allowManyFiles();
+
 /**
  * How many of so many workers, one at least, can have their files open at the same time. The
  * process's own limit is raised for them as far as the system allows.

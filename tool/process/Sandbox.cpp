@@ -95,7 +95,7 @@ void Sandbox::allow(const fs::path& place, std::uint64_t rights) const {
         return;
     }
     constexpr std::uint64_t FOLDER_RIGHTS =
-        LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
+        LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_REMOVE_FILE;
     landlock_path_beneath_attr rule{};
     rule.allowed_access = rights & m_nHandled & ~(S_ISDIR(status.st_mode) ? 0 : FOLDER_RIGHTS);
     rule.parent_fd = descriptor.get();
@@ -116,7 +116,8 @@ void Sandbox::enter() const {
 
 void allowWriting(const Sandbox& sandbox, const fs::path& output) {
     constexpr std::uint64_t WRITING = LANDLOCK_ACCESS_FS_WRITE_FILE | ACCESS_TRUNCATE;
-    constexpr std::uint64_t MAKING = LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
+    constexpr std::uint64_t MAKING =
+        LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_REMOVE_FILE;
     const fs::path place = outputPlace(output);
     std::error_code none;
     sandbox.allow(place, fs::is_directory(place, none) ? WRITING | MAKING : WRITING);

@@ -52,7 +52,7 @@ struct DocumentSettings {
 
 /**
  * Says where a further result goes (exsl:document, xsl:document). What it throws passes to the
- * caller of the operation; it may throw Error: Denied.
+ * caller of the operation; it may throw Error: Denied, and gets the place of the instruction.
  *
  * @param href the reference, as the stylesheet gives it
  * @param base the URI of the result that it stands in; empty where that is no file
