@@ -41,7 +41,8 @@ xercesc::InputSource* ExternalEntities::resolveEntity(xercesc::XMLResourceIdenti
     const xercesc::Locator* const locator = identifier->getLocator();
     Sources::Opened opened =
         m_sources.open(uri, base, Reference::ExternalEntity,
-                       locator ? toLocation(*locator) : vexa::Location{base, 0, 0});
+                       locator ? toLocation(*locator) : vexa::Location{base, 0, 0},
+                       toUtf8(identifier->getPublicId()));
     m_onRead(opened.uri);
     return opened.source.release();
 }

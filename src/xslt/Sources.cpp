@@ -205,19 +205,28 @@ bool isBelowOneOf(const std::filesystem::path& path,
     });
 }
 
+std::optional<Input> ask(const vexa::Resolver& resolver, const std::string& uri,
+                         const std::string& base, const std::string& publicId) {
+    if (!resolver) {
+        return std::nullopt;
+    }
+    const auto* const withPublicId = resolver.target<vexa::PublicIdResolver>();
+    return withPublicId ? withPublicId->resolve(uri, base, publicId) : resolver(uri, base);
+}
+
 } // namespace
 
 Sources::Opened Sources::open(const Input& input) {
     const InputData& data = InputAccess::data(input);
     return data.kind == InputData::Kind::Uri
-               ? openReference(resolveUri(data.uri, {}), {}, Reference::Document)
+               ? openReference(resolveUri(data.uri, {}), {}, Reference::Document, {})
                : openOwn(input, data.uri);
 }
 
 Sources::Opened Sources::open(const std::string& uri, const std::string& base, Reference reference,
-                              const vexa::Location& place) {
+                              const vexa::Location& place, const std::string& publicId) {
     try {
-        return openReference(uri, base, reference);
+        return openReference(uri, base, reference, publicId);
     } catch (const vexa::Error& error) {
         if (error.kind() == ErrorKind::Input) {
             m_operation.fail(ErrorKind::Input, uri + ": " + error.text(), place);
@@ -230,12 +239,12 @@ Sources::Opened Sources::open(const std::string& uri, const std::string& base, R
 }
 
 Sources::Opened Sources::openReference(const std::string& uri, const std::string& base,
-                                       Reference reference) {
+                                       Reference reference, const std::string& publicId) {
     const auto& options = m_operation.options();
     if (reference == Reference::ExternalEntity && !options.access.externalEntities) {
         m_operation.fail(ErrorKind::Denied, "external entity access denied: " + uri, {base, 0, 0});
     }
-    const auto answer = options.resolver ? options.resolver(uri, base) : std::nullopt;
+    const auto answer = ask(options.resolver, uri, base, publicId);
     if (!answer) {
         return openUnderPolicy(uri);
     }

@@ -36,15 +36,17 @@ public:
     /**
      * What the parser reads for a reference, which is absolute by now. What cannot be read is the
      * fault of the place that refers to it.
+     * @param publicId of an external entity; empty where there is none
      * @throws vexa::Error: Input, Denied, Usage; what the resolver throws
      */
     Opened open(const std::string& uri, const std::string& base, Reference reference,
-                const vexa::Location& place);
+                const vexa::Location& place, const std::string& publicId = {});
 
     class Stream;
 
 private:
-    Opened openReference(const std::string& uri, const std::string& base, Reference reference);
+    Opened openReference(const std::string& uri, const std::string& base, Reference reference,
+                         const std::string& publicId);
     Opened openOwn(const vexa::Input& input, const std::string& uri);
     Opened openUnderPolicy(const std::string& uri);
 

@@ -453,6 +453,21 @@ TEST(ResolverTest, AUriFromItGoesThroughThePolicy) {
                   "http://elsewhere/x");
 }
 
+TEST(ResolverTest, IsGivenThePublicIdentifierIfItAsksForIt) {
+    std::string asked;
+    Options options = withResolver(vexa::PublicIdResolver{
+        [&](const std::string& uri, const std::string& base, const std::string& publicId) {
+            asked += uri + " from " + base + ": " + publicId + "\n";
+            return Input::text(publicId.empty() ? "e" : "<!ENTITY e SYSTEM 'e.txt'>");
+        }});
+    options.access.externalEntities = true;
+    const Options withCopy = options;
+    const std::string text = "<!DOCTYPE a PUBLIC '-//A//DTD A//EN' 'a.dtd'><a>&e;</a>";
+    EXPECT_EQ(Document::parse(Input::text(text, "mem:/b/c"), withCopy).xml(), "<a>e</a>");
+    EXPECT_EQ(asked, "mem:/b/a.dtd from mem:/b/c: -//A//DTD A//EN\n"
+                     "mem:/b/e.txt from mem:/b/a.dtd: \n");
+}
+
 /** What the answer refers to is relative to where the answer really comes from. */
 TEST(ResolverTest, TheUriOfTheAnswerIsTheBaseOfWhatItRefersTo) {
     std::vector<std::string> asked;

@@ -91,6 +91,23 @@ private:
 using Resolver =
     std::function<std::optional<Input>(const std::string& uri, const std::string& base)>;
 
+/**
+ * A resolver that is given the public identifier of a DTD or an entity too: assign it to
+ * Options::resolver. A resolver that calls another one passes the identifier on if it is of this
+ * type itself.
+ */
+struct PublicIdResolver {
+    /** As a Resolver; `publicId` is empty where there is none. */
+    std::function<std::optional<Input>(const std::string& uri, const std::string& base,
+                                       const std::string& publicId)>
+        resolve;
+
+    /** Asks without a public identifier. */
+    std::optional<Input> operator()(const std::string& uri, const std::string& base) const {
+        return resolve(uri, base, {});
+    }
+};
+
 /** Is given each message, warning and error of an operation, in order, on the thread that runs it.
  */
 using MessageHandler = std::function<void(const Diagnostic&)>;
