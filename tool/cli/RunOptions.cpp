@@ -82,9 +82,13 @@ void addRunOptions(CLI::App& command, RunOptions& options) {
                   "Read no DTD and no entity from outside of a document")
         ->group(ACCESS);
     command
+        .add_flag("--no-catalogs", options.noCatalogs,
+                  "Ask no XML catalogs (XML_CATALOG_FILES, /etc/xml/catalog) for other addresses")
+        ->group(ACCESS);
+    command
         .add_flag("--sandbox", options.sandbox,
-                  "Reach no files but the output and those in the folders of the stylesheets and "
-                  "of the sources; needs Landlock in the kernel")
+                  "Reach no files but the output and those in the folders of the stylesheets, of "
+                  "the sources and of the system's catalogs; needs Landlock in the kernel")
         ->group(ACCESS);
     addNumberOption(command, "--max-memory", options.limits.maxMemory, MOST, "MIB",
                     "Fail where more memory is needed, in MiB")

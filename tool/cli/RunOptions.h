@@ -22,6 +22,7 @@ struct RunOptions {
     Limits limits;
     bool network = false;
     bool noEntities = false;
+    bool noCatalogs = false;
     bool sandbox = false;
     bool isolate = false;
     bool timing = false;

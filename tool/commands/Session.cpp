@@ -2,6 +2,8 @@
 
 #include "base/Errors.h"
 #include "base/Terminal.h"
+#include "catalog/ListedCatalogs.h"
+#include "files/CatalogAccess.h"
 #include "files/ErrorText.h"
 #include "process/FileLimit.h"
 #include "process/IsolatedRun.h"
@@ -109,6 +111,15 @@ int runGuarded(const RunOptions& options, const NamedFiles& files, const InputAr
     return EXIT_DONE;
 }
 
+/** In a sandbox. */
+std::vector<fs::path> readableFolders(const RunOptions& options, const NamedFiles& files) {
+    auto folders = files.folders();
+    if (!options.noCatalogs) {
+        folders.insert(folders.end(), catalogFolders().begin(), catalogFolders().end());
+    }
+    return folders;
+}
+
 } // namespace
 
 std::vector<fs::path> NamedFiles::folders() const {
@@ -135,7 +146,7 @@ fs::path NamedFiles::outputFolder() const {
 }
 
 Session::Session(const RunOptions& options, const NamedFiles& files, Emit emit)
-    : m_options(options), m_emit(std::move(emit)), m_folders(files.folders()) {
+    : m_options(options), m_emit(std::move(emit)), m_folders(readableFolders(options, files)) {
     for (const InputArgument& input : files.inputs) {
         m_names.add(input);
     }
@@ -160,6 +171,9 @@ vexa::Options Session::operationOptions() {
     options.access.externalEntities = !m_options.noEntities;
     if (m_options.sandbox) {
         options.access.folders = m_folders;
+    }
+    if (!m_options.noCatalogs) {
+        options.resolver = lazyCatalogResolver();
     }
     options.onMessage = [this](const vexa::Diagnostic& message) {
         if (!m_options.quiet || message.severity != vexa::Severity::Message) {
@@ -276,7 +290,12 @@ void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {
             places.inputs.push_back(*path);
         }
     }
-    places.folders = files.folders();
+    places.folders = readableFolders(options, files);
+    if (!options.noCatalogs) {
+        loadCatalogLibrary(); // cannot be read later
+        const auto catalogs = listedCatalogs();
+        places.inputs.insert(places.inputs.end(), catalogs.begin(), catalogs.end());
+    }
     if (files.output != STANDARD_STREAM) {
         places.outputs.push_back(files.output);
     }
