@@ -12,8 +12,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
+        // [resolver]
         vexa::Options options;
         options.resolver = vexa::catalogResolver({std::filesystem::path(argv[1])});
+        // [/resolver]
         const auto document = vexa::Input::uri("http://catalog.example/document");
         std::cout << vexa::Document::parse(document, options).root().string() << '\n';
         return 0;
