@@ -92,7 +92,7 @@ void Catalogs::load() {
     xmlInitParser();
     xmlInitializeCatalog();
     for (const fs::path& file : m_files) {
-        if (const xmlCatalogPtr catalog = xmlLoadACatalog(file.c_str())) {
+        if (xmlCatalog* const catalog = xmlLoadACatalog(file.c_str())) {
             m_catalogs.emplace_back(catalog);
         }
     }

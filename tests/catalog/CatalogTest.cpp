@@ -230,10 +230,12 @@ TEST_F(CatalogTest, CatalogsThatReferToOneAnotherEnd) {
                            const std::string& other) {
         std::string entries;
         for (const std::string& next : {one, other}) {
-            entries += "<delegateURI uriStartString='http://x/' catalog='" + next +
-                       "'/><delegateSystem systemIdStartString='http://x/' catalog='" + next +
-                       "'/><delegatePublic publicIdStartString='-//' catalog='" + next +
-                       "'/><nextCatalog catalog='" + next + "'/>";
+            for (const char* begin :
+                 {"<delegateURI uriStartString='http://x/'",
+                  "<delegateSystem systemIdStartString='http://x/'",
+                  "<delegatePublic publicIdStartString='-//'", "<nextCatalog"}) {
+                entries.append(begin).append(" catalog='").append(next).append("'/>");
+            }
         }
         m_folder.write(name, catalog(entries));
     };
