@@ -103,6 +103,27 @@ Environment::findURIFromDoc(const xalanc::XalanDocument* document) const {
     return known == m_uris.end() ? m_noUri : known->second;
 }
 
+const ExsltFunction* Environment::findExslt(const xalanc::XalanDOMString& uri,
+                                            const xalanc::XalanDOMString& name) const {
+    const ExsltFunction* const function =
+        findExsltFunction({uri.c_str(), uri.length()}, {name.c_str(), name.length()});
+    return function && m_replaced.count(function) == 0 ? function : nullptr;
+}
+
+void Environment::installExternalFunctionLocal(const xalanc::XalanDOMString& uri,
+                                               const xalanc::XalanDOMString& name,
+                                               const xalanc::Function& function) {
+    if (const ExsltFunction* const exslt = findExslt(uri, name)) {
+        m_replaced.insert(exslt);
+    }
+    XSLTProcessorEnvSupportDefault::installExternalFunctionLocal(uri, name, function);
+}
+
+bool Environment::functionAvailable(const xalanc::XalanDOMString& uri,
+                                    const xalanc::XalanDOMString& name) const {
+    return findExslt(uri, name) || XSLTProcessorEnvSupportDefault::functionAvailable(uri, name);
+}
+
 xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& context,
                                             const xalanc::XalanDOMString& uri,
                                             const xalanc::XalanDOMString& name,
@@ -119,6 +140,10 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
         if (isDynamic || (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL())) {
             return m_evaluate.execute(arguments[0]->str(context), context, node, locator,
                                       *m_operation);
+        }
+        if (const ExsltFunction* const function = findExslt(uri, name)) {
+            const ExsltCall::Poll poll = [this] { m_operation->poll(); };
+            return callExsltFunction(*function, {context, node, arguments, locator, poll});
         }
         return XSLTProcessorEnvSupportDefault::extFunction(context, uri, name, node, arguments,
                                                            locator);

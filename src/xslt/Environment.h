@@ -9,7 +9,10 @@
 #include "xslt/EvaluateFunction.h"
 #include "xslt/Sources.h"
 
+#include "exslt/ExsltFunctions.h"
+
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,6 +44,13 @@ public:
     /** Leaves evaluate() to a function that is installed. */
     void leaveEvaluateToHost() { m_evaluates = false; }
 
+    /** Such a function comes before one of EXSLT that has the same name. */
+    void installExternalFunctionLocal(const xalanc::XalanDOMString& uri,
+                                      const xalanc::XalanDOMString& name,
+                                      const xalanc::Function& function) override;
+    bool functionAvailable(const xalanc::XalanDOMString& uri,
+                           const xalanc::XalanDOMString& name) const override;
+
     /** Begins a run. All must live until finish(). */
     void begin(Operation& operation, Sources& sources);
     void finish();
@@ -71,11 +81,16 @@ public:
                           const xalanc::XalanDOMString& name) const override;
 
 private:
+    /** @return null where the function of the host or the engine's own is called */
+    const ExsltFunction* findExslt(const xalanc::XalanDOMString& uri,
+                                   const xalanc::XalanDOMString& name) const;
     xalanc::XalanDocument* find(const std::string& reference, const std::string& base);
     DocumentPtr parse(const std::string& uri, const std::string& base);
 
     DocumentParser& m_parser;
     bool m_evaluates = true;
+    /** Functions of EXSLT that the host has installed itself. */
+    std::set<const ExsltFunction*> m_replaced;
     mutable EvaluateFunction m_evaluate;
     Operation* m_operation = nullptr;
     Sources* m_sources = nullptr;

@@ -11,6 +11,7 @@
 
 #include "engine/EngineMemory.h"
 #include "engine/ExpressionGuard.h"
+#include "exslt/ExsltFunctions.h"
 
 #include <vexa/xslt/Error.h>
 
@@ -218,9 +219,12 @@ private:
         auto& memory = engineMemory();
         const XalanDOMString* const uri =
             m_prefixes.getNamespaceForPrefix(toEngineText(name.substr(0, colon), memory));
+        const XalanDOMString localName = toEngineText(name.substr(colon + 1), memory);
         // The engine's message on a prefix says more.
-        return !uri || xalanc::XPathEnvSupportDefault(memory).functionAvailable(
-                           *uri, toEngineText(name.substr(colon + 1), memory));
+        return !uri ||
+               findExsltFunction({uri->c_str(), uri->length()},
+                                 {localName.c_str(), localName.length()}) ||
+               xalanc::XPathEnvSupportDefault(memory).functionAvailable(*uri, localName);
     }
 
     EngineUse m_engines = useEngines();
