@@ -15,6 +15,7 @@ constexpr std::u16string_view EXSLT = u"http://exslt.org/";
 
 constexpr Module MODULES[] = {
     {u"common", commonFunctions},
+    {u"dates-and-times", dateFunctions},
     {u"regular-expressions", regularExpressionFunctions},
     {u"strings", stringFunctions},
 };

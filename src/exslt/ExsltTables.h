@@ -22,5 +22,6 @@ private:
 };
 
 ExsltTable commonFunctions();
+ExsltTable dateFunctions();
 ExsltTable regularExpressionFunctions();
 ExsltTable stringFunctions();
