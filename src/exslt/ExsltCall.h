@@ -14,19 +14,38 @@
 #include <xalanc/XPath/XPathExecutionContext.hpp>
 #include <xercesc/sax/Locator.hpp>
 
+/** What a function needs that is not the engine's. */
+class ExsltHost {
+public:
+    using Visit = std::function<void(const xalanc::XObject&)>;
+
+    ExsltHost() = default;
+    ExsltHost(const ExsltHost&) = delete;
+    ExsltHost& operator=(const ExsltHost&) = delete;
+    virtual ~ExsltHost() = default;
+
+    /** Is called often in long loops, and throws where the operation must end. */
+    virtual void poll() const = 0;
+    /**
+     * Evaluates an expression for each node of a list, which is the context.
+     *
+     * @return whether the expression is right: if not, a message has been reported
+     */
+    virtual bool evaluate(std::u16string_view expression, const xalanc::NodeRefListBase& nodes,
+                          const Visit& visit) const = 0;
+};
+
 /** What a function needs of the evaluation, and short ways to its arguments and its result. */
 class ExsltCall {
 public:
     using Arguments = xalanc::XPathExecutionContext::XObjectArgVectorType;
     using Result = xalanc::XObjectPtr;
-    /** Is called often in long loops, and throws where the operation must end. */
-    using Poll = std::function<void()>;
 
     /** All must outlive this object. */
     ExsltCall(xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
-              const Arguments& arguments, const xercesc::Locator* locator, const Poll& poll)
+              const Arguments& arguments, const xercesc::Locator* locator, const ExsltHost& host)
         : m_context(context), m_node(node), m_arguments(arguments), m_locator(locator),
-          m_poll(poll) {}
+          m_host(host) {}
 
     xalanc::XPathExecutionContext& context() const { return m_context; }
     xalanc::XalanNode* node() const { return m_node; }
@@ -46,7 +65,8 @@ public:
         return m_arguments[index]->nodeset();
     }
 
-    void poll() const { m_poll(); }
+    const ExsltHost& host() const { return m_host; }
+    void poll() const { m_host.poll(); }
 
     Result result(std::u16string_view text) const;
     Result result(double number) const;
@@ -60,7 +80,7 @@ private:
     xalanc::XalanNode* m_node;
     const Arguments& m_arguments;
     const xercesc::Locator* m_locator;
-    const Poll& m_poll;
+    const ExsltHost& m_host;
 };
 
 /** More characters than anybody needs in one result, and little memory. */

@@ -16,6 +16,8 @@ constexpr std::u16string_view EXSLT = u"http://exslt.org/";
 constexpr Module MODULES[] = {
     {u"common", commonFunctions},
     {u"dates-and-times", dateFunctions},
+    {u"dynamic", dynamicFunctions},
+    {u"math", mathFunctions},
     {u"regular-expressions", regularExpressionFunctions},
     {u"strings", stringFunctions},
 };

@@ -23,5 +23,7 @@ private:
 
 ExsltTable commonFunctions();
 ExsltTable dateFunctions();
+ExsltTable dynamicFunctions();
+ExsltTable mathFunctions();
 ExsltTable regularExpressionFunctions();
 ExsltTable stringFunctions();

@@ -19,6 +19,32 @@ constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
 
 } // namespace
 
+/** What the functions of EXSLT use. */
+class Environment::ExsltAccess : public ExsltHost {
+public:
+    ExsltAccess(const Environment& environment, xalanc::XPathExecutionContext& context,
+                const xalanc::Locator* locator)
+        : m_environment(environment), m_context(context), m_locator(locator) {}
+
+    void poll() const override { m_environment.operation().poll(); }
+    bool evaluate(std::u16string_view expression, const xalanc::NodeRefListBase& nodes,
+                  const Visit& visit) const override {
+        try {
+            m_environment.m_evaluate.executeForEach(expression, m_context, nodes, m_locator,
+                                                    m_environment.operation(), visit);
+            return true;
+        } catch (const xalanc::XSLException& exception) {
+            m_environment.reportWrongExpression(exception, m_locator);
+            return false;
+        }
+    }
+
+private:
+    const Environment& m_environment;
+    xalanc::XPathExecutionContext& m_context;
+    const xalanc::Locator* m_locator;
+};
+
 void Environment::begin(Operation& operation, Sources& sources) {
     m_operation = &operation;
     m_sources = &sources;
@@ -124,6 +150,14 @@ bool Environment::functionAvailable(const xalanc::XalanDOMString& uri,
     return findExslt(uri, name) || XSLTProcessorEnvSupportDefault::functionAvailable(uri, name);
 }
 
+void Environment::reportWrongExpression(const xalanc::XSLException& exception,
+                                        const xalanc::Locator* locator) const {
+    m_operation->keepingException([&] {
+        m_operation->report(vexa::Severity::Error, cleanText(toUtf8(exception.getMessage())),
+                            toLocation(locator));
+    });
+}
+
 xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& context,
                                             const xalanc::XalanDOMString& uri,
                                             const xalanc::XalanDOMString& name,
@@ -142,8 +176,8 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
                                       *m_operation);
         }
         if (const ExsltFunction* const function = findExslt(uri, name)) {
-            const ExsltCall::Poll poll = [this] { m_operation->poll(); };
-            return callExsltFunction(*function, {context, node, arguments, locator, poll});
+            const ExsltAccess host(*this, context, locator);
+            return callExsltFunction(*function, {context, node, arguments, locator, host});
         }
         return XSLTProcessorEnvSupportDefault::extFunction(context, uri, name, node, arguments,
                                                            locator);
@@ -151,8 +185,7 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
         const std::string text = cleanText(toUtf8(exception.getMessage()));
         if (isDynamic) {
             // Where the expression is wrong, this one gives an empty node-set.
-            m_operation->keepingException(
-                [&] { m_operation->report(vexa::Severity::Error, text, toLocation(locator)); });
+            reportWrongExpression(exception, locator);
             xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList none(context);
             return context.getXObjectFactory().createNodeSet(none);
         }

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/XSLT/XSLTProcessorEnvSupportDefault.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
 
@@ -81,6 +82,10 @@ public:
                           const xalanc::XalanDOMString& name) const override;
 
 private:
+    class ExsltAccess;
+
+    void reportWrongExpression(const xalanc::XSLException& exception,
+                               const xalanc::Locator* locator) const;
     /** @return null where the function of the host or the engine's own is called */
     const ExsltFunction* findExslt(const xalanc::XalanDOMString& uri,
                                    const xalanc::XalanDOMString& name) const;

@@ -25,11 +25,10 @@ private:
 
 } // namespace
 
-xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expression,
-                                             xalanc::XPathExecutionContext& context,
-                                             xalanc::XalanNode* node,
-                                             const xercesc::Locator* locator,
-                                             Operation& operation) {
+template <typename Use>
+auto EvaluateFunction::compile(const xalanc::XalanDOMString& expression,
+                               xalanc::XPathExecutionContext& context,
+                               const xercesc::Locator* locator, Operation& operation, Use use) {
     if (m_depth == MOST_LEVELS) {
         operation.fail(vexa::ErrorKind::Transform, "evaluate() is nested too deeply",
                        toLocation(locator));
@@ -42,5 +41,35 @@ xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expre
     ConstructionContext construction(memory);
     xalanc::XPath compiled(memory, locator);
     processor.initXPath(compiled, construction, expression, prefixes, locator);
-    return compiled.execute(node, prefixes, context);
+    return use(compiled, prefixes);
+}
+
+xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expression,
+                                             xalanc::XPathExecutionContext& context,
+                                             xalanc::XalanNode* node,
+                                             const xercesc::Locator* locator,
+                                             Operation& operation) {
+    return compile(expression, context, locator, operation,
+                   [&](const xalanc::XPath& compiled, const xalanc::PrefixResolver& prefixes) {
+                       return compiled.execute(node, prefixes, context);
+                   });
+}
+
+void EvaluateFunction::executeForEach(std::u16string_view expression,
+                                      xalanc::XPathExecutionContext& context,
+                                      const xalanc::NodeRefListBase& nodes,
+                                      const xercesc::Locator* locator, Operation& operation,
+                                      const std::function<void(const xalanc::XObject&)>& visit) {
+    const xalanc::XalanDOMString text(std::u16string(expression).c_str(),
+                                      context.getMemoryManager());
+    compile(text, context, locator, operation,
+            [&](const xalanc::XPath& compiled, const xalanc::PrefixResolver& prefixes) {
+                for (xalanc::NodeRefListBase::size_type i = 0; i < nodes.getLength(); ++i) {
+                    operation.poll();
+                    xalanc::XalanNode* const node = nodes.item(i);
+                    const xalanc::XPathExecutionContext::CurrentNodePushAndPop current(context,
+                                                                                       node);
+                    visit(*compiled.execute(node, prefixes, nodes, context));
+                }
+            });
 }

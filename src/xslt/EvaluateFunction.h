@@ -1,11 +1,16 @@
 /**
  * @file
- * Expressions that stylesheets compose while they run: dyn:evaluate() and xalan:evaluate().
+ * Expressions that stylesheets compose while they run: those of dyn:evaluate(),
+ * xalan:evaluate(), and the other functions of EXSLT that take one.
  */
 #pragma once
 
 #include "xslt/Operation.h"
 
+#include <functional>
+#include <string_view>
+
+#include <xalanc/XPath/NodeRefListBase.hpp>
 #include <xalanc/XPath/XObject.hpp>
 #include <xalanc/XPath/XPathExecutionContext.hpp>
 
@@ -20,7 +25,17 @@ public:
     xalanc::XObjectPtr execute(const xalanc::XalanDOMString& expression,
                                xalanc::XPathExecutionContext& context, xalanc::XalanNode* node,
                                const xercesc::Locator* locator, Operation& operation);
+    /** Evaluates an expression for each node of a list, which is the context. */
+    void executeForEach(std::u16string_view expression, xalanc::XPathExecutionContext& context,
+                        const xalanc::NodeRefListBase& nodes, const xercesc::Locator* locator,
+                        Operation& operation,
+                        const std::function<void(const xalanc::XObject&)>& visit);
 
 private:
+    /** Calls `use` with the compiled expression. */
+    template <typename Use>
+    auto compile(const xalanc::XalanDOMString& expression, xalanc::XPathExecutionContext& context,
+                 const xercesc::Locator* locator, Operation& operation, Use use);
+
     unsigned m_depth = 0;
 };
