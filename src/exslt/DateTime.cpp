@@ -353,7 +353,8 @@ int DateTime::weekInMonth() const {
 }
 
 std::int64_t DateTime::seconds() const {
-    return daysSince1970(*this) * DAY + (hour * 60 + minute - zone.value_or(0)) * 60 + second;
+    return daysSince1970(*this) * DAY + std::int64_t{hour * 60 + minute - zone.value_or(0)} * 60 +
+           second;
 }
 
 std::optional<Duration> Duration::parse(Text text) {
@@ -470,8 +471,9 @@ std::optional<DateTime> sum(const DateTime& date, const Duration& duration) {
     }
     result.day = std::min(date.day, daysInMonth(result.year, result.month));
     std::int64_t nanoseconds = std::int64_t{date.nanosecond} + duration.nanoseconds;
-    std::int64_t seconds = daysSince1970(result) * DAY + result.hour * 3600 + result.minute * 60 +
-                           result.second + duration.seconds + floorDivide(nanoseconds, NANOSECONDS);
+    std::int64_t seconds = daysSince1970(result) * DAY +
+                           std::int64_t{result.hour * 60 + result.minute} * 60 + result.second +
+                           duration.seconds + floorDivide(nanoseconds, NANOSECONDS);
     result.nanosecond = static_cast<int>(floorRemainder(nanoseconds, NANOSECONDS));
     setDays(result, floorDivide(seconds, DAY));
     const auto inDay = static_cast<int>(floorRemainder(seconds, DAY));

@@ -100,6 +100,8 @@ public:
         return new (memory.allocate(sizeof(Tree))) Tree(memory, commonDocument(context));
     }
 
+    ~Tree() override { release(); }
+
 protected:
     void dereferenced() override {
         auto& memory = getMemoryManager();
@@ -110,7 +112,6 @@ protected:
 private:
     Tree(xercesc::MemoryManager& memory, XalanSourceTreeDocument* common)
         : Nodes(memory, common), XResultTreeFrag(fragment, memory) {}
-    ~Tree() override { release(); }
 };
 
 NewNodes::NewNodes(const ExsltCall& call)
@@ -128,26 +129,42 @@ NewNodes::~NewNodes() = default;
 void NewNodes::addText(std::u16string_view text) {
     checkLength(m_length, text.size(), m_call);
     m_length += text.size();
-    if (!text.empty()) {
-        m_writer.characters(text.data(), text.size());
+    m_text.append(text);
+}
+
+/** The engine copies its text for each piece. */
+void NewNodes::writeText() {
+    if (!m_text.empty()) {
+        m_writer.characters(m_text.data(), m_text.size());
+        m_text.clear();
     }
+}
+
+void NewNodes::startElement(const char16_t* name, xalanc::AttributeListImpl& attributes) {
+    writeText();
+    m_writer.startElement(name, attributes);
+}
+
+void NewNodes::endElement(const char16_t* name) {
+    writeText();
+    m_writer.endElement(name);
 }
 
 void NewNodes::addElement(std::u16string_view name, std::u16string_view text) {
     const std::u16string tag(name);
     xalanc::AttributeListImpl none(m_call.context().getMemoryManager());
-    m_writer.startElement(tag.c_str(), none);
+    startElement(tag.c_str(), none);
     addText(text);
-    m_writer.endElement(tag.c_str());
+    endElement(tag.c_str());
 }
 
 void NewNodes::addCommonElement(std::u16string_view localName, std::u16string_view text) {
     const std::u16string tag = u"exsl:" + std::u16string(localName);
     xalanc::AttributeListImpl attributes(m_call.context().getMemoryManager());
     attributes.addAttribute(u"xmlns:exsl", u"CDATA", m_prefixes->commonUri().c_str());
-    m_writer.startElement(tag.c_str(), attributes);
+    startElement(tag.c_str(), attributes);
     addText(text);
-    m_writer.endElement(tag.c_str());
+    endElement(tag.c_str());
 }
 
 void NewNodes::addCopy(const XalanNode& top) {
@@ -184,7 +201,7 @@ void NewNodes::start(const XalanNode& node, const XalanNode& top) {
             addTo(attributes, *all.item(i));
         }
         m_prefixes->setElement(&node);
-        m_writer.startElement(node.getNodeName().c_str(), attributes);
+        startElement(node.getNodeName().c_str(), attributes);
         break;
     }
     case XalanNode::TEXT_NODE:
@@ -192,9 +209,11 @@ void NewNodes::start(const XalanNode& node, const XalanNode& top) {
         addText({value.c_str(), value.length()});
         break;
     case XalanNode::COMMENT_NODE:
+        writeText();
         m_writer.comment(value.c_str());
         break;
     case XalanNode::PROCESSING_INSTRUCTION_NODE:
+        writeText();
         m_writer.processingInstruction(node.getNodeName().c_str(), value.c_str());
         break;
     default:
@@ -204,11 +223,12 @@ void NewNodes::start(const XalanNode& node, const XalanNode& top) {
 
 void NewNodes::end(const XalanNode& node) {
     if (node.getNodeType() == XalanNode::ELEMENT_NODE) {
-        m_writer.endElement(node.getNodeName().c_str());
+        endElement(node.getNodeName().c_str());
     }
 }
 
 ExsltCall::Result NewNodes::nodes() {
+    writeText();
     m_writer.endDocument();
     xalanc::XPathExecutionContext::BorrowReturnMutableNodeRefList list(m_call.context());
     for (XalanNode* node = m_tree->fragment.getFirstChild(); node; node = node->getNextSibling()) {

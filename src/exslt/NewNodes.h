@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include <xalanc/PlatformSupport/AttributeListImpl.hpp>
 #include <xalanc/XalanSourceTree/FormatterToSourceTree.hpp>
 
 /**
@@ -38,11 +39,16 @@ private:
     class Prefixes;
     class Tree;
 
+    void writeText();
+    void startElement(const char16_t* name, xalanc::AttributeListImpl& attributes);
+    void endElement(const char16_t* name);
     void start(const xalanc::XalanNode& node, const xalanc::XalanNode& top);
     void end(const xalanc::XalanNode& node);
 
     const ExsltCall& m_call;
     std::size_t m_length = 0;
+    /** Not written yet. */
+    std::u16string m_text;
     std::unique_ptr<Prefixes> m_prefixes;
     Tree* m_tree;
     /** Keeps the tree alive. */

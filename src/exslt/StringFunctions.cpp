@@ -194,13 +194,14 @@ ExsltCall::Result padding(const ExsltCall& call) {
     if (!(length > 0) || pattern.empty()) {
         return call.result(Text());
     }
+    checkLength(0, length > MOST_CHARACTERS ? MOST_CHARACTERS + 1 : 0, call);
     const std::size_t inPattern = countCharacters(pattern);
     ExsltText padding(call);
-    double rest = length;
-    for (; rest >= static_cast<double>(inPattern); rest -= static_cast<double>(inPattern)) {
+    auto rest = static_cast<std::size_t>(length);
+    for (; rest >= inPattern; rest -= inPattern) {
         padding.append(pattern);
     }
-    padding.append(firstCharacters(pattern, static_cast<std::size_t>(rest)));
+    padding.append(firstCharacters(pattern, rest));
     return call.result(padding.text());
 }
 
