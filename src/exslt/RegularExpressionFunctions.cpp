@@ -12,7 +12,7 @@ namespace {
 using Text = std::u16string_view;
 
 /** A hostile expression must not use much time, memory or stack. */
-constexpr std::size_t MOST_PATTERN = 20'000;
+constexpr std::size_t MOST_PATTERN = 10'000;
 constexpr std::int32_t MOST_GROUPS = 200;
 /** Units of ICU: each is some milliseconds, more for an expression with many groups. */
 constexpr std::int32_t MOST_TIME = 1000;
