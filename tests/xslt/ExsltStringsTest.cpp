@@ -165,6 +165,21 @@ TEST(ExsltNodesTest, KeepTheNamespacesOfWhatTheyCopy) {
               "<b xmlns=\"urn:d\" xmlns:q=\"urn:q\" q:c=\"1\"><q:d/><!--e--><?f g?>h</b>");
 }
 
+TEST(ExsltNodesTest, AreMadeAnewInEachRun) {
+    vexa::Transformation run(compiledRootTemplate(
+        "<xsl:variable name='t' select='str:tokenize(.)' xmlns:str='http://exslt.org/strings'/>"
+        "<xsl:value-of select='concat(count($t), $t[last()])'/>"));
+    for (const char* source : {"<a>b c</a>", "<a>d</a>", "<a>e f g</a>"}) {
+        const std::string text = vexa::XPath::compile("concat(count(str:tokenize(.)), "
+                                                      "str:tokenize(.)[last()])",
+                                                      exsltNamespaces())
+                                     .evaluate(parsed(source))
+                                     .string();
+        EXPECT_EQ(run.toString(vexa::Input::text(source)), text);
+    }
+    EXPECT_EQ(run.toString(vexa::Input::text("<a>b c</a>")), "2c");
+}
+
 TEST(ExsltNodesTest, ReachTheHost) {
     const vexa::Value value =
         vexa::XPath::compile("str:tokenize('a b')", exsltNamespaces()).evaluate(parsed("<a/>"));
