@@ -91,7 +91,7 @@ std::vector<Row> rows() {
         inTemplate("AnEndlessLoop", loops(""), "time limit of 2 s exceeded (--max-seconds)"),
         inTemplate("AnEndlessVariable",
                    "<xsl:variable name='v'>" + loops("<x/>") + "</xsl:variable>",
-                   "memory limit of 64 MiB exceeded (--max-memory)"),
+                   "memory limit of 32 MiB exceeded (--max-memory)"),
         inTemplate("ALargeNumber", "<xsl:value-of select='1 div 0." + repeated("0", 120) + "1'/>",
                    ""),
         inTemplate("AnUnknownAttributeOfText", "<xsl:text unknown='x'>y</xsl:text>", "'unknown'"),
@@ -114,7 +114,7 @@ std::vector<Row> rows() {
 }
 
 constexpr const char* LIMITS =
-    " --no-entities --max-memory 64 --max-seconds 2 --max-output 1 --max-depth 1000";
+    " --no-entities --max-memory 32 --max-seconds 2 --max-output 1 --max-depth 1000";
 
 class HostileInputTest : public ToolTest, public ::testing::WithParamInterface<Row> {
 protected:

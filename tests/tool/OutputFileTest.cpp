@@ -98,12 +98,12 @@ TEST_F(OutputFileTest, LeavesAnEarlierFileAsItWasWhenTheTransformFails) {
 }
 
 TEST_F(OutputFileTest, LeavesAnEarlierFileAsItWasWhenTheDiskIsFull) {
-    writeSheet("<b>" + std::string(100'000, 'x') + "</b>");
+    writeSheet("<b>" + std::string(1'000'000, 'x') + "</b>");
     m_folder.write("out", "earlier");
     for (const char* arguments :
          {"transform sheet.xsl ok.xml -o out", "transform sheet.xsl -o out <ok.xml"}) {
-        // A limit of 8 KiB on the size of files stands in for a full disk.
-        expectFailure(shell(std::string("ulimit -f 8; vexa-xslt ") + arguments), 1,
+        // A limit of 512 KiB on the size of files stands in for a full disk.
+        expectFailure(shell(std::string("ulimit -f 512; vexa-xslt ") + arguments), 1,
                       "out: cannot write: File too large\n");
         EXPECT_EQ(file("out"), "earlier");
         EXPECT_EQ(m_folder.list(), "ok.xml ok.xsl out sheet.xsl");

@@ -51,6 +51,13 @@ const std::map<std::string, std::string> DIFFERENCES{
     {"expressions/errors-an-unknown-variable", "the variable 'nobody' is not declared"},
 };
 
+/** What the engine alone refuses, and the second interface does with a warning. */
+const std::map<std::string, std::string> RESULTS_OF_ITS_OWN{
+    {"errors/a-global-variable-twice", "x"},
+    {"errors/a-variable-twice", "x"},
+    {"errors/an-unknown-attribute-of-an-instruction", "1"},
+};
+
 /** Indentation, escaping marks and escaped links are not part of the tree. */
 const std::set<std::string> CHANGED_BY_SERIALISATION{
     "output/html-links-are-escaped",
@@ -158,7 +165,10 @@ std::string asTestName(const std::string& name) {
 } // namespace
 
 TEST_P(CorpusTest, GivesWhatTheFileTransformGives) {
-    const std::string expected = classic();
+    const auto own = RESULTS_OF_ITS_OWN.find(m_case.name);
+    const std::string classicResult = classic();
+    const std::string& expected = own == RESULTS_OF_ITS_OWN.end() ? classicResult : own->second;
+    EXPECT_EQ(classicResult != expected, own != RESULTS_OF_ITS_OWN.end());
     const auto difference = DIFFERENCES.find(m_case.name);
     for (const auto& operation :
          {&CorpusTest_GivesWhatTheFileTransformGives_Test::toFile,
