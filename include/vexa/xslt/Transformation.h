@@ -45,9 +45,9 @@ using Function = std::function<Value(const Call&)>;
 
 /** What a stylesheet says of a further result; a text is empty where it says nothing. */
 struct DocumentSettings {
-    std::string method; ///< "xml", "html" or "text"
-    std::string encoding;
-    std::string mediaType;
+    std::string method;    ///< "xml", "html" or "text"
+    std::string encoding;  ///< of the bytes
+    std::string mediaType; ///< as the attribute media-type has it
 };
 
 /**
