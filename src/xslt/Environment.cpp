@@ -15,6 +15,7 @@
 namespace {
 
 constexpr const XMLCh* COMMON_NAMESPACE = u"http://exslt.org/common";
+constexpr const XMLCh* FUNCTIONS_NAMESPACE = u"http://exslt.org/functions";
 constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
 
 } // namespace
@@ -204,5 +205,6 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
 
 bool Environment::elementAvailable(const xalanc::XalanDOMString& uri,
                                    const xalanc::XalanDOMString& name) const {
-    return uri == COMMON_NAMESPACE && name == u"document";
+    return (uri == COMMON_NAMESPACE && name == u"document") ||
+           (uri == FUNCTIONS_NAMESPACE && (name == u"function" || name == u"result"));
 }

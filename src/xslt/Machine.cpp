@@ -2,11 +2,13 @@
 
 #include "xslt/BorrowedLists.h"
 #include "xslt/CallData.h"
+#include "xslt/NamespaceScopes.h"
 #include "xslt/OperationProblems.h"
 #include "xslt/RunContext.h"
 #include "xslt/StripAnswers.h"
 #include "xslt/Text.h"
 
+#include "engine/ExpressionGuard.h"
 #include "engine/IcuCollation.h"
 #include "functions/BuiltInFunctions.h"
 
@@ -147,6 +149,33 @@ public:
         m_machine.m_furtherResults->end();
     }
 
+    void setFunctionResult(const XObjectPtr& result) override {
+        if (!m_functionResults.empty()) {
+            m_functionResults.back() = result;
+        }
+    }
+
+    using RunContext::functionAvailable;
+    bool functionAvailable(const XalanDOMString& name,
+                           const xalanc::Locator* locator) const override {
+        const std::u16string_view whole(name.c_str(), name.length());
+        const std::u16string prefix(prefixOf(whole));
+        const std::u16string local(localPart(whole));
+        const XalanDOMString* const uri = getPrefixResolver()->getNamespaceForPrefix(
+            XalanDOMString(prefix.c_str(), m_machine.m_memory));
+        return (!prefix.empty() && uri &&
+                m_machine.m_stylesheet.findFunction(
+                    *uri, XalanDOMString(local.c_str(), m_machine.m_memory))) ||
+               RunContext::functionAvailable(name, locator);
+    }
+    const XObjectPtr extFunction(const XalanDOMString& uri, const XalanDOMString& name,
+                                 xalanc::XalanNode* node, const XObjectArgVectorType& arguments,
+                                 const xalanc::Locator* locator) override {
+        const auto* const function = m_machine.m_stylesheet.findFunction(uri, name);
+        return function ? call(*function, toUtf8(name), node, arguments, locator)
+                        : RunContext::extFunction(uri, name, node, arguments, locator);
+    }
+
     bool shouldStripSourceNode(const xalanc::XalanText& text) override {
         return m_stripAnswers.isStripped(text, m_machine.m_stylesheet.root());
     }
@@ -272,6 +301,44 @@ private:
 
     Operation& operation() const { return m_machine.m_environment.operation(); }
 
+    /** Executes a function of the stylesheet. */
+    XObjectPtr call(const xalanc::ElemTemplateElement& function, const std::string& name,
+                    xalanc::XalanNode* node, const XObjectArgVectorType& arguments,
+                    const xalanc::Locator* locator) {
+        constexpr std::size_t STACK_OF_CALL = std::size_t{64} * 1024;
+        if (!hasStackFor(STACK_OF_CALL)) {
+            operation().fail(ErrorKind::Transform, "'" + name + "' is called too deeply",
+                             toLocation(locator));
+        }
+        operation().checkDepth(++m_depth);
+        pushContextMarker();
+        beginParams();
+        std::size_t passed = 0;
+        for (const auto* child = function.getFirstChildElem();
+             child && child->getXSLToken() == Construction::ELEMNAME_PARAM &&
+             passed < arguments.size();
+             child = child->getNextSiblingElem()) {
+            pushParam(child->getNameAttribute(), arguments[passed++]);
+        }
+        endParams();
+        if (passed < arguments.size()) {
+            operation().fail(ErrorKind::Transform,
+                             "'" + name + "' takes " + std::to_string(passed) + " arguments",
+                             toLocation(locator));
+        }
+        m_functionResults.emplace_back();
+        // What it writes is lost.
+        beginCreateXResultTreeFrag(node);
+        function.execute(*this);
+        endCreateXResultTreeFrag();
+        popContextMarker();
+        --m_depth;
+        const XObjectPtr result = m_functionResults.back();
+        m_functionResults.pop_back();
+        return result.null() ? getXObjectFactory().createString(XalanDOMString(getMemoryManager()))
+                             : result;
+    }
+
     /** A long sort is nothing but comparisons. */
     class Collation : public IcuCollation {
     public:
@@ -295,6 +362,8 @@ private:
     Machine& m_machine;
     const RunSettings& m_settings;
     Collation m_collation{*this};
+    /** Of the functions that call one another; null until there is one. */
+    std::vector<XObjectPtr> m_functionResults;
     /** Outlives the parameters, which return lists. */
     BorrowedLists m_lists;
     ParamVectorType m_parameters;

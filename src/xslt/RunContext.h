@@ -17,4 +17,6 @@ public:
     virtual void beginFurtherResult(const ResultAttributes& attributes,
                                     const xercesc::Locator* locator) = 0;
     virtual void endFurtherResult() = 0;
+    /** The result of the function of the stylesheet that is executed. */
+    virtual void setFunctionResult(const xalanc::XObjectPtr& result) = 0;
 };

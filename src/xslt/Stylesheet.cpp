@@ -1,6 +1,7 @@
 #include "xslt/CallTemplateElement.h"
 #include "xslt/DocumentElement.h"
 #include "xslt/DocumentParser.h"
+#include "xslt/FunctionResultElement.h"
 #include "xslt/InvalidExpression.h"
 #include "xslt/ModuleParser.h"
 #include "xslt/NumberElement.h"
@@ -22,6 +23,7 @@
 #include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/PlatformSupport/XalanLocator.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XPath/XalanQNameByReference.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
 #include <xalanc/XSLT/ProblemListener.hpp>
 #include <xalanc/XSLT/StylesheetHandler.hpp>
@@ -36,6 +38,7 @@ using xalanc::XalanDOMString;
 namespace {
 
 constexpr const XMLCh* EXSLT_COMMON = u"http://exslt.org/common";
+constexpr const XMLCh* EXSLT_FUNCTIONS = u"http://exslt.org/functions";
 
 /** The engine as far as compiling needs it. */
 struct Compiler {
@@ -272,6 +275,9 @@ public:
         if (m_filter->elementName() == StylesheetFilter::ExpandedName(EXSLT_COMMON, u"document")) {
             return makeElement<DocumentElement>(stylesheet, attributes, locator);
         }
+        if (m_filter->elementName() == StylesheetFilter::ExpandedName(EXSLT_FUNCTIONS, u"result")) {
+            return makeElement<FunctionResultElement>(stylesheet, attributes, locator);
+        }
         return StylesheetConstructionContextDefault::createElement(stylesheet, name, attributes,
                                                                    handler, locator);
     }
@@ -287,7 +293,7 @@ private:
     }
 
     void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler, bool isIncluded) {
-        StylesheetFilter filter(handler, *m_operation, isIncluded);
+        StylesheetFilter filter(handler, *m_operation, isIncluded, m_data.m_functions);
         StylesheetFilter* const outer = std::exchange(m_filter, &filter);
         parseModule(*opened.source, filter, *m_operation, *m_sources,
                     [this](const std::string& uri) { addModule(uri); });
@@ -325,6 +331,17 @@ void Stylesheet::Data::compile(const Input& input, Operation& operation) {
 }
 
 Stylesheet::Data::~Data() = default;
+
+const xalanc::ElemTemplateElement*
+Stylesheet::Data::findFunction(const XalanDOMString& uri, const XalanDOMString& name) const {
+    if (m_functions.empty() ||
+        m_functions.count({{uri.c_str(), uri.length()}, {name.c_str(), name.length()}}) == 0) {
+        return nullptr;
+    }
+    XalanDOMString templateName(name, engineMemory());
+    templateName.append(StylesheetFilter::SUFFIX_OF_FUNCTIONS);
+    return m_root->findNamedTemplate(xalanc::XalanQNameByReference(uri, templateName));
+}
 
 const Stylesheet::Data& StylesheetAccess::data(const Stylesheet& stylesheet) {
     if (!stylesheet.m_data) {

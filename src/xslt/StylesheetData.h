@@ -42,6 +42,10 @@ public:
         return m_endingMessages.count(locator) > 0;
     }
 
+    /** The template that is a function of the stylesheet; null if there is none of this name. */
+    const xalanc::ElemTemplateElement* findFunction(const xalanc::XalanDOMString& uri,
+                                                    const xalanc::XalanDOMString& name) const;
+
 private:
     class Construction;
 
@@ -50,6 +54,8 @@ private:
     /** Of modules that the resolver answered from another place: what was asked to what is. */
     std::map<std::string, std::string> m_realUris;
     std::set<const xercesc::Locator*> m_endingMessages;
+    /** The names of the functions that stylesheet has itself: URI, local name. */
+    std::set<std::pair<std::u16string, std::u16string>> m_functions;
     /** With all of the compiled stylesheet, which is not destroyed piece by piece. */
     MemoryPool m_memory;
     const xalanc::StylesheetRoot* m_root = nullptr;

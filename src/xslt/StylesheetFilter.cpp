@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr std::u16string_view FUNCTIONS_NAMESPACE = u"http://exslt.org/functions";
+
 /** The attributes of each element of XSLT, in blanks. */
 constexpr std::pair<std::u16string_view, std::u16string_view> ATTRIBUTES[] = {
     {u"apply-imports", u""},
@@ -90,8 +92,8 @@ private:
 };
 
 StylesheetFilter::StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation,
-                                   bool isIncluded)
-    : m_handler(handler), m_operation(operation), m_bIncluded(isIncluded) {}
+                                   bool isIncluded, std::set<ExpandedName>& functions)
+    : m_handler(handler), m_operation(operation), m_bIncluded(isIncluded), m_functions(functions) {}
 
 void StylesheetFilter::setDocumentLocator(const xercesc::Locator* locator) {
     m_locator = locator;
@@ -108,7 +110,11 @@ void StylesheetFilter::startElement(const XMLCh* name, xercesc::AttributeList& a
     m_elements.push_back(begin(name, attributes));
     Attributes changes(attributes);
     if (!m_elements.back().isXslt) {
-        if (isInXslt && m_elements.size() > 2) {
+        const bool isTopLevel = m_elements.size() == 2;
+        const std::u16string_view uri = m_namespaces.uriOf(prefixOf(name));
+        if (isTopLevel && uri == FUNCTIONS_NAMESPACE) {
+            startFunction(changes);
+        } else if (isInXslt && !isTopLevel && m_elements.size() > 2) {
             excludePrefixesOfModule(changes);
         }
     } else if (!startXsltElement(name, changes)) {
@@ -132,6 +138,32 @@ bool StylesheetFilter::startXsltElement(std::u16string_view name, Attributes& ch
         return startVariable(name, changes.get());
     }
     return true;
+}
+
+/** func:function is a template for the handler. */
+void StylesheetFilter::startFunction(Attributes& changes) {
+    Element& element = m_elements.back();
+    const std::u16string local(localPart(element.name));
+    const std::u16string name(valueOf(changes.get(), u"name"));
+    if (local == u"script") {
+        m_operation.fail(vexa::ErrorKind::Compile,
+                         "'" + toUtf8(element.name) + "' is not supported", toLocation(m_locator));
+    }
+    const std::u16string prefix(m_namespaces.prefixOf(XSLT_NAMESPACE));
+    if (local != u"function" || (prefix.empty() && m_namespaces.uriOf(u"") != XSLT_NAMESPACE)) {
+        return;
+    }
+    ExpandedName function = expand(name);
+    if (function.first.empty()) {
+        m_operation.fail(vexa::ErrorKind::Compile,
+                         "the function '" + toUtf8(name) + "' has no namespace",
+                         toLocation(m_locator));
+    }
+    m_functions.insert(std::move(function));
+    changes.remove(u"name");
+    changes.add(u"name", name + SUFFIX_OF_FUNCTIONS);
+    element.isXslt = true;
+    element.name = prefix.empty() ? u"template" : prefix + u":template";
 }
 
 /** The handler refuses names that are declared already. */

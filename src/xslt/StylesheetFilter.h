@@ -8,6 +8,7 @@
 #include "xslt/Operation.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,8 +25,18 @@ class StylesheetFilter : public xercesc::DocumentHandler {
 public:
     using ExpandedName = std::pair<std::u16string, std::u16string>; // URI, local name
 
-    /** @param isIncluded whether the module is another one's */
-    StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation, bool isIncluded);
+    /**
+     * What follows the name of a function in that of the template that the handler sees in its
+     * place.
+     */
+    static constexpr const char16_t* SUFFIX_OF_FUNCTIONS = u".function";
+
+    /**
+     * @param isIncluded whether the module is another one's
+     * @param functions  gets the names of the module's own functions
+     */
+    StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation, bool isIncluded,
+                     std::set<ExpandedName>& functions);
 
     /** Of the element that begins: whether XSLT of a later version may be in it. */
     bool isForwardsCompatible() const { return m_elements.back().isForwardsCompatible; }
@@ -63,6 +74,7 @@ private:
 
     Element begin(const XMLCh* name, const xercesc::AttributeList& attributes) const;
     bool startXsltElement(std::u16string_view name, Attributes& changes);
+    void startFunction(Attributes& changes);
     bool startVariable(std::u16string_view name, const xercesc::AttributeList& attributes);
     void hide(Hidden kind);
     void leave();
@@ -78,6 +90,7 @@ private:
     xercesc::DocumentHandler& m_handler;
     Operation& m_operation;
     bool m_bIncluded;
+    std::set<ExpandedName>& m_functions;
     const xercesc::Locator* m_locator = nullptr;
     NamespaceScopes m_namespaces;
     std::vector<Element> m_elements;
