@@ -3,6 +3,7 @@
 #include "xslt/DocumentParser.h"
 #include "xslt/FunctionResultElement.h"
 #include "xslt/InvalidExpression.h"
+#include "xslt/LiteralElement.h"
 #include "xslt/ModuleParser.h"
 #include "xslt/NumberElement.h"
 #include "xslt/OperationProblems.h"
@@ -243,6 +244,7 @@ public:
     xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
                                                const xalanc::AttributeListType& attributes,
                                                const xercesc::Locator* locator) override {
+        m_module = &stylesheet;
         if (token == ELEMNAME_NUMBER && !attributes.getValue(u"count") &&
             !attributes.getValue(u"value")) {
             return new (m_data.m_memory.allocate(sizeof(NumberElement))) NumberElement(
@@ -266,6 +268,18 @@ public:
             m_data.m_endingMessages.insert(element->getLocator());
         }
         return element;
+    }
+
+    xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
+                                               const XMLCh* name,
+                                               const xalanc::AttributeListType& attributes,
+                                               const xercesc::Locator* locator) override {
+        if (token == ELEMNAME_LITERAL_RESULT) {
+            return new (m_data.m_memory.allocate(sizeof(LiteralElement))) LiteralElement(
+                *this, stylesheet, name, attributes, locator, m_data.m_names.aliases);
+        }
+        return StylesheetConstructionContextDefault::createElement(token, stylesheet, name,
+                                                                   attributes, locator);
     }
 
     xalanc::ElemTemplateElement* createElement(xalanc::Stylesheet& stylesheet, const XMLCh* name,
@@ -293,7 +307,14 @@ private:
     }
 
     void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler, bool isIncluded) {
-        StylesheetFilter filter(handler, *m_operation, isIncluded, m_data.m_functions);
+        const auto declareExtensions = [this](const std::u16string& uri) {
+            const XalanDOMString name(uri.c_str(), getMemoryManager());
+            if (m_module && !m_module->lookupExtensionNSHandler(name)) {
+                m_module->processExtensionNamespace(*this, name);
+            }
+        };
+        StylesheetFilter filter(handler, *m_operation, isIncluded, m_data.m_names,
+                                declareExtensions);
         StylesheetFilter* const outer = std::exchange(m_filter, &filter);
         parseModule(*opened.source, filter, *m_operation, *m_sources,
                     [this](const std::string& uri) { addModule(uri); });
@@ -312,6 +333,8 @@ private:
     Sources* m_sources;
     /** Of the module that is read; after a failure nobody asks for it. */
     StylesheetFilter* m_filter = nullptr;
+    /** That of the instruction that was read last. */
+    xalanc::Stylesheet* m_module = nullptr;
     const InvalidExpression m_invalidExpression{getMemoryManager()};
 };
 
@@ -334,8 +357,9 @@ Stylesheet::Data::~Data() = default;
 
 const xalanc::ElemTemplateElement*
 Stylesheet::Data::findFunction(const XalanDOMString& uri, const XalanDOMString& name) const {
-    if (m_functions.empty() ||
-        m_functions.count({{uri.c_str(), uri.length()}, {name.c_str(), name.length()}}) == 0) {
+    if (m_names.functions.empty() ||
+        m_names.functions.count({{uri.c_str(), uri.length()}, {name.c_str(), name.length()}}) ==
+            0) {
         return nullptr;
     }
     XalanDOMString templateName(name, engineMemory());

@@ -7,6 +7,7 @@
 #include "xslt/EngineUse.h"
 #include "xslt/MemoryPool.h"
 #include "xslt/Sources.h"
+#include "xslt/StylesheetNames.h"
 
 #include <vexa/xslt/Stylesheet.h>
 
@@ -54,8 +55,7 @@ private:
     /** Of modules that the resolver answered from another place: what was asked to what is. */
     std::map<std::string, std::string> m_realUris;
     std::set<const xercesc::Locator*> m_endingMessages;
-    /** The names of the functions that stylesheet has itself: URI, local name. */
-    std::set<std::pair<std::u16string, std::u16string>> m_functions;
+    StylesheetNames m_names;
     /** With all of the compiled stylesheet, which is not destroyed piece by piece. */
     MemoryPool m_memory;
     const xalanc::StylesheetRoot* m_root = nullptr;

@@ -59,6 +59,23 @@ bool isListed(std::u16string_view name, std::u16string_view list) {
     return list.find(u" " + std::u16string(name) + u" ") != std::u16string_view::npos;
 }
 
+std::u16string_view withoutDefault(std::u16string_view prefix) {
+    return prefix == u"#default" ? std::u16string_view() : prefix;
+}
+
+std::vector<std::u16string> words(std::u16string_view text) {
+    constexpr std::u16string_view SPACE = u" \t\r\n";
+    std::vector<std::u16string> result;
+    while (true) {
+        text.remove_prefix(std::min(text.find_first_not_of(SPACE), text.size()));
+        if (text.empty()) {
+            return result;
+        }
+        result.emplace_back(text.substr(0, text.find_first_of(SPACE)));
+        text.remove_prefix(result.back().size());
+    }
+}
+
 std::u16string_view valueOf(const xercesc::AttributeList& attributes, const XMLCh* name) {
     const XMLCh* const value = attributes.getValue(name);
     return value ? value : std::u16string_view();
@@ -92,8 +109,10 @@ private:
 };
 
 StylesheetFilter::StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation,
-                                   bool isIncluded, std::set<ExpandedName>& functions)
-    : m_handler(handler), m_operation(operation), m_bIncluded(isIncluded), m_functions(functions) {}
+                                   bool isIncluded, StylesheetNames& names,
+                                   std::function<void(const std::u16string&)> declareExtensions)
+    : m_handler(handler), m_operation(operation), m_bIncluded(isIncluded), m_names(names),
+      m_declareExtensions(std::move(declareExtensions)) {}
 
 void StylesheetFilter::setDocumentLocator(const xercesc::Locator* locator) {
     m_locator = locator;
@@ -109,7 +128,9 @@ void StylesheetFilter::startElement(const XMLCh* name, xercesc::AttributeList& a
     const bool isInXslt = m_elements.empty() || m_elements.back().isXslt;
     m_elements.push_back(begin(name, attributes));
     Attributes changes(attributes);
+    dropMissingDefault(changes);
     if (!m_elements.back().isXslt) {
+        findExtensions(attributes);
         const bool isTopLevel = m_elements.size() == 2;
         const std::u16string_view uri = m_namespaces.uriOf(prefixOf(name));
         if (isTopLevel && uri == FUNCTIONS_NAMESPACE) {
@@ -136,6 +157,8 @@ bool StylesheetFilter::startXsltElement(std::u16string_view name, Attributes& ch
         hide(Hidden::Document);
     } else if ((local == u"variable" || local == u"param") && m_elements.size() > 1) {
         return startVariable(name, changes.get());
+    } else if (local == u"namespace-alias" && m_elements.size() == 2) {
+        return startAlias(changes.get());
     }
     return true;
 }
@@ -159,11 +182,32 @@ void StylesheetFilter::startFunction(Attributes& changes) {
                          "the function '" + toUtf8(name) + "' has no namespace",
                          toLocation(m_locator));
     }
-    m_functions.insert(std::move(function));
+    m_names.functions.insert(std::move(function));
     changes.remove(u"name");
     changes.add(u"name", name + SUFFIX_OF_FUNCTIONS);
     element.isXslt = true;
     element.name = prefix.empty() ? u"template" : prefix + u":template";
+}
+
+/** The handler knows only aliases between two namespaces, and refuses prefixes without one. */
+bool StylesheetFilter::startAlias(const xercesc::AttributeList& attributes) {
+    const auto prefixIn = [&](const char16_t* name) {
+        return withoutDefault(valueOf(attributes, name));
+    };
+    const std::u16string_view prefix = prefixIn(u"stylesheet-prefix");
+    const std::u16string_view resultPrefix = prefixIn(u"result-prefix");
+    const std::u16string_view uri = m_namespaces.uriOf(prefix);
+    const std::u16string_view resultUri = m_namespaces.uriOf(resultPrefix);
+    const auto isUnknown = [](std::u16string_view name, std::u16string_view namespaceUri) {
+        return !name.empty() && namespaceUri.empty();
+    };
+    if ((!uri.empty() && !resultUri.empty()) || isUnknown(prefix, uri) ||
+        isUnknown(resultPrefix, resultUri) || attributes.getLength() < 2) {
+        return true;
+    }
+    m_names.aliases[std::u16string(uri)] = {std::u16string(prefix), std::u16string(resultPrefix),
+                                            std::u16string(resultUri)};
+    return false;
 }
 
 /** The handler refuses names that are declared already. */
@@ -302,18 +346,35 @@ void StylesheetFilter::dropUnknownAttributes(std::u16string_view local, Attribut
     }
 }
 
+/** The handler refuses to exclude the default namespace where there is none. */
+void StylesheetFilter::dropMissingDefault(Attributes& changes) const {
+    const bool isRoot = m_elements.size() == 1;
+    const std::u16string prefix(isRoot ? u"" : m_namespaces.prefixOf(XSLT_NAMESPACE));
+    const std::u16string name = prefix + (isRoot ? u"" : u":") + u"exclude-result-prefixes";
+    const std::u16string_view value = valueOf(changes.get(), name.c_str());
+    if (value.find(u"#default") == value.npos || !m_namespaces.uriOf(u"").empty()) {
+        return;
+    }
+    std::u16string others;
+    for (const std::u16string& other : words(value)) {
+        others += other == u"#default" ? u"" : u" " + other;
+    }
+    changes.remove(name.c_str());
+    changes.add(name.c_str(), others);
+}
+
 void StylesheetFilter::keepExcludedPrefixes(const xercesc::AttributeList& attributes) {
-    std::u16string_view prefixes = valueOf(attributes, u"exclude-result-prefixes");
-    constexpr std::u16string_view SPACE = u" \t\r\n";
-    while (true) {
-        prefixes.remove_prefix(std::min(prefixes.find_first_not_of(SPACE), prefixes.size()));
-        if (prefixes.empty()) {
-            return;
-        }
-        const auto end = std::min(prefixes.find_first_of(SPACE), prefixes.size());
-        const std::u16string_view prefix = prefixes.substr(0, end);
-        m_excluded.emplace_back(prefix, m_namespaces.uriOf(prefix == u"#default" ? u"" : prefix));
-        prefixes.remove_prefix(end);
+    for (const std::u16string& prefix : words(valueOf(attributes, u"exclude-result-prefixes"))) {
+        m_excluded.emplace_back(prefix, m_namespaces.uriOf(withoutDefault(prefix)));
+    }
+}
+
+/** The engine looks for them at the module's root only. */
+void StylesheetFilter::findExtensions(const xercesc::AttributeList& attributes) const {
+    const std::u16string_view xslt = m_namespaces.prefixOf(XSLT_NAMESPACE);
+    const std::u16string name = std::u16string(xslt) + u":extension-element-prefixes";
+    for (const std::u16string& prefix : words(valueOf(attributes, name.c_str()))) {
+        m_declareExtensions(std::u16string(m_namespaces.uriOf(withoutDefault(prefix))));
     }
 }
 
@@ -321,7 +382,7 @@ void StylesheetFilter::keepExcludedPrefixes(const xercesc::AttributeList& attrib
 void StylesheetFilter::excludePrefixesOfModule(Attributes& changes) const {
     std::u16string here;
     for (const auto& [prefix, uri] : m_excluded) {
-        if (m_namespaces.uriOf(prefix == u"#default" ? u"" : std::u16string_view(prefix)) == uri) {
+        if (m_namespaces.uriOf(withoutDefault(prefix)) == uri) {
             here += u" " + prefix;
         }
     }

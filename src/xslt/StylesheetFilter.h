@@ -6,12 +6,12 @@
 
 #include "xslt/NamespaceScopes.h"
 #include "xslt/Operation.h"
+#include "xslt/StylesheetNames.h"
 
+#include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <xercesc/sax/DocumentHandler.hpp>
@@ -23,7 +23,7 @@
  */
 class StylesheetFilter : public xercesc::DocumentHandler {
 public:
-    using ExpandedName = std::pair<std::u16string, std::u16string>; // URI, local name
+    using ExpandedName = StylesheetNames::ExpandedName;
 
     /**
      * What follows the name of a function in that of the template that the handler sees in its
@@ -33,10 +33,13 @@ public:
 
     /**
      * @param isIncluded whether the module is another one's
-     * @param functions  gets the names of the module's own functions
+     * @param names      gets the names of the module
+     * @param declareExtensions is told of each namespace that a literal element declares as that
+     *                   of extension elements
      */
     StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation, bool isIncluded,
-                     std::set<ExpandedName>& functions);
+                     StylesheetNames& names,
+                     std::function<void(const std::u16string&)> declareExtensions);
 
     /** Of the element that begins: whether XSLT of a later version may be in it. */
     bool isForwardsCompatible() const { return m_elements.back().isForwardsCompatible; }
@@ -75,6 +78,7 @@ private:
     Element begin(const XMLCh* name, const xercesc::AttributeList& attributes) const;
     bool startXsltElement(std::u16string_view name, Attributes& changes);
     void startFunction(Attributes& changes);
+    bool startAlias(const xercesc::AttributeList& attributes);
     bool startVariable(std::u16string_view name, const xercesc::AttributeList& attributes);
     void hide(Hidden kind);
     void leave();
@@ -83,6 +87,8 @@ private:
                           const xercesc::AttributeList& attributes) const;
     [[noreturn]] void refuseAttribute(const std::string& name) const;
     void dropUnknownAttributes(std::u16string_view local, Attributes& changes) const;
+    void findExtensions(const xercesc::AttributeList& attributes) const;
+    void dropMissingDefault(Attributes& changes) const;
     void keepExcludedPrefixes(const xercesc::AttributeList& attributes);
     void excludePrefixesOfModule(Attributes& changes) const;
     void warn(const std::string& text) const;
@@ -90,7 +96,8 @@ private:
     xercesc::DocumentHandler& m_handler;
     Operation& m_operation;
     bool m_bIncluded;
-    std::set<ExpandedName>& m_functions;
+    StylesheetNames& m_names;
+    const std::function<void(const std::u16string&)> m_declareExtensions;
     const xercesc::Locator* m_locator = nullptr;
     NamespaceScopes m_namespaces;
     std::vector<Element> m_elements;

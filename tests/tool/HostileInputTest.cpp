@@ -63,6 +63,18 @@ std::string loops(std::string content) {
     return content;
 }
 
+/** Writes further results. */
+Row inDocuments(const char* name, const std::string& instructions, const std::string& text) {
+    return inTemplate(name,
+                      "<a xmlns:e='http://exslt.org/common' xsl:extension-element-prefixes='e'>" +
+                          instructions + "</a>",
+                      text);
+}
+
+std::string document(const std::string& href) {
+    return "<e:document method='text' href='" + href + "'>x</e:document>";
+}
+
 std::vector<Row> rows() {
     return {
         inSource("AnExternalEntity",
@@ -105,6 +117,23 @@ std::vector<Row> rows() {
                    "xmlns:exsl='http://exslt.org/common' "
                    "select='exsl:node-set($v)'><xsl:number/></xsl:for-each>",
                    ""),
+        inDocuments("ADocumentElsewhere", document("new") + document("../x"),
+                    "the document '../x' may not be written: it is not below the folder"),
+        inDocuments("ADocumentOnADevice", document("new") + document("/dev/full"),
+                    "the document '/dev/full' may not be written: it is not below the folder"),
+        inDocuments("ADocumentTwice", document("new") + document("new"),
+                    "the document 'new' is written twice"),
+        inDocuments("AMillionDocuments",
+                    "<xsl:for-each select='//i'><xsl:variable name='n' select='position()'/>"
+                    "<xsl:for-each select='//i'>" +
+                        document("{$n}-{position()}") + "</xsl:for-each></xsl:for-each>",
+                    "Too many open files"),
+        inSheet("AFunctionThatCallsItself",
+                "<f:function name='m:f' xmlns:f='http://exslt.org/functions' xmlns:m='urn:m'>"
+                "<a xsl:extension-element-prefixes='f'><f:result select='m:f()'/></a></f:function>"
+                "<xsl:template match='/' xmlns:m='urn:m'>"
+                "<xsl:value-of select='m:f()'/></xsl:template>",
+                "the depth limit of 1000"),
         {"AnExpressionThatEvaluatesItself",
          stylesheetWithRootTemplate("<xsl:value-of xmlns:dyn='http://exslt.org/dynamic' "
                                     "select='dyn:evaluate(string(a))'/>"),
@@ -125,7 +154,8 @@ protected:
     }
 
     Outcome run(const std::string& arguments) {
-        return shell("ulimit -c unlimited; timeout 60 vexa-xslt " + arguments + LIMITS);
+        return shell("ulimit -c unlimited; ulimit -n 200; timeout 60 vexa-xslt " + arguments +
+                     LIMITS);
     }
 
     static void expectOneLine(const Outcome& outcome) {

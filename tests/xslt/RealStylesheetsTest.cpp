@@ -68,6 +68,35 @@ const std::vector<Case> CASES = {
      "<xsl:template match='/'><e><xsl:attribute name='n'><xsl:variable name='v'><i>1</i>"
      "</xsl:variable>2<xsl:copy-of select='$v'/>3</xsl:attribute></e></xsl:template>",
      "<e n=\"23\"/>"},
+    {"AnAliasLeadsToNoNamespace",
+     "<xsl:namespace-alias stylesheet-prefix='o' result-prefix='#default' xmlns:o='urn:o'/>"
+     "<xsl:template match='/'><o:e xmlns:o='urn:o' n='1'><f/><o:g/></o:e></xsl:template>",
+     "<e n=\"1\"><f/><g/></e>"},
+    {"AnAliasLeadsFromNoNamespace",
+     "<xsl:namespace-alias stylesheet-prefix='#default' result-prefix='r' xmlns:r='urn:r'/>"
+     "<xsl:template match='/'><e n='{1}'><o:f xmlns:o='urn:o'><g/></o:f></e></xsl:template>",
+     "<r:e xmlns:r=\"urn:r\" n=\"1\"><o:f xmlns:o=\"urn:o\"><r:g/></o:f></r:e>"},
+    {"AnAliasLeadsFromNoNamespaceToXslt",
+     "<xsl:template match='/'><template match='/'><xsl:value-of select='1'/></template>"
+     "</xsl:template><xsl:namespace-alias stylesheet-prefix='#default' result-prefix='xsl'/>",
+     "<xsl:template xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\" match=\"/\">1"
+     "</xsl:template>"},
+    {"AnAliasMayStandLast",
+     "<xsl:template match='/'><o:e xmlns:o='urn:o'/></xsl:template>"
+     "<xsl:namespace-alias stylesheet-prefix='o' result-prefix='#default' xmlns:o='urn:o'/>",
+     "<e/>"},
+    {"ALiteralElementDeclaresExtensions",
+     "<xsl:template match='/'><e xmlns:u='urn:u' xsl:extension-element-prefixes='u'><f><u:g>"
+     "<xsl:fallback>1</xsl:fallback></u:g></f></e></xsl:template>",
+     "<e><f>1</f></e>"},
+    {"AnExtensionElementDeclaresItself",
+     "<xsl:template match='/'><e><u:g xmlns:u='urn:u' xsl:extension-element-prefixes='u'>"
+     "<xsl:fallback>1</xsl:fallback></u:g></e></xsl:template>",
+     "<e>1</e>"},
+    {"AMissingDefaultNamespaceIsExcluded",
+     "<xsl:template match='/'><u:e xmlns:u='urn:u' xmlns:v='urn:v' "
+     "xsl:exclude-result-prefixes='v #default'/></xsl:template>",
+     "<u:e xmlns:u=\"urn:u\"/>"},
     {"AVariableIsDeclaredAgain",
      "<xsl:template match='/'><xsl:variable name='v' select='1'/><e><xsl:if test='true()'>"
      "<xsl:variable name='v'><i/>2</xsl:variable><xsl:value-of select='$v'/></xsl:if>"

@@ -68,6 +68,16 @@ void parse(const std::string& text, const Options& options) {
     Document::parse(Input::text(text), options);
 }
 
+void callAFunctionThatCallsItself(const Options& options) {
+    const std::string content =
+        "<f:function name='m:f' xmlns:f='http://exslt.org/functions' xmlns:m='urn:m'>"
+        "<a xsl:extension-element-prefixes='f'><f:result select='m:f()'/></a></f:function>"
+        "<xsl:template match='/' xmlns:m='urn:m'>"
+        "<xsl:value-of select='m:f()'/></xsl:template>";
+    Transformation(Stylesheet::compile(Input::text(stylesheet(content))), options)
+        .toString(Input::text("<a/>"));
+}
+
 std::string nested(int depth) {
     return repeated("<a>", depth) + repeated("</a>", depth);
 }
@@ -130,6 +140,16 @@ const Hostile ALL_HOSTILE[] = {
      [](const Options& options) {
          Transformation(Stylesheet::compile(Input::text(stylesheet(endlessRecursion()))), options)
              .toString(Input::text("<a/>"));
+     }},
+    {"AFunctionThatCallsItself", ErrorKind::Limit, "the depth limit of 1000",
+     [](const Options& options) { callAFunctionThatCallsItself(options); }},
+    {"AFunctionThatCallsItselfWithoutALimit", ErrorKind::Transform, "is called too deeply",
+     [](const Options&) { callAFunctionThatCallsItself({}); }},
+    {"ADocumentWithoutAHandler", ErrorKind::Denied, "the document 'file:///tmp/x' may not be",
+     [](const Options& options) {
+         run("<a xmlns:e='http://exslt.org/common' xsl:extension-element-prefixes='e'>"
+             "<e:document href='file:///tmp/x'/></a>",
+             "<a/>", options);
      }},
     {"AnExpressionThatEvaluatesItself", ErrorKind::Transform, "",
      [](const Options& options) {
