@@ -7,6 +7,7 @@
 
 #include <unicode/uchar.h>
 #include <unicode/ucnv.h>
+#include <unicode/ustring.h>
 
 namespace {
 
@@ -230,9 +231,18 @@ ExsltCall::Result align(const ExsltCall& call) {
 
 using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
 
-/** @return null for an encoding that is not known. @param index of the argument that names it */
-Converter converterFor(const ExsltCall& call, std::size_t index) {
-    const Text name = call.size() > index ? call.text(index) : u"UTF-8";
+struct Encoding {
+    bool isKnown;
+    /** Null for UTF-8, which needs none. */
+    Converter converter;
+};
+
+/** @param index of the argument that names it */
+Encoding encodingFor(const ExsltCall& call, std::size_t index) {
+    const Text name = call.size() > index ? call.text(index) : Text();
+    if (call.size() <= index || name == u"UTF-8") {
+        return {true, Converter(nullptr, ucnv_close)};
+    }
     UErrorCode status = U_ZERO_ERROR;
     const bool isName = !name.empty() && name.size() <= UCNV_MAX_CONVERTER_NAME_LENGTH &&
                         std::all_of(name.begin(), name.end(),
@@ -240,11 +250,11 @@ Converter converterFor(const ExsltCall& call, std::size_t index) {
     Converter converter(isName ? ucnv_open(std::string(name.begin(), name.end()).c_str(), &status)
                                : nullptr,
                         ucnv_close);
-    return U_SUCCESS(status) ? std::move(converter) : Converter(nullptr, ucnv_close);
+    return {isName && U_SUCCESS(status), std::move(converter)};
 }
 
 bool isHexDigit(char16_t c) {
-    return c < 0x80 && u_isxdigit(c);
+    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
 }
 
 bool isEscape(Text text, std::size_t index) {
@@ -260,11 +270,16 @@ void appendEscape(unsigned char byte, std::u16string& text) {
 }
 
 /** Escapes a character. One that the encoding does not have becomes a question mark. */
-void appendEscaped(Text character, UConverter& converter, std::u16string& text) {
+void appendEscaped(Text character, UConverter* converter, std::u16string& text) {
     char bytes[16];
     UErrorCode status = U_ZERO_ERROR;
-    const auto length = ucnv_fromUChars(&converter, bytes, sizeof bytes, character.data(),
-                                        static_cast<std::int32_t>(character.size()), &status);
+    std::int32_t length = 0;
+    const auto units = static_cast<std::int32_t>(character.size());
+    if (converter) {
+        length = ucnv_fromUChars(converter, bytes, sizeof bytes, character.data(), units, &status);
+    } else {
+        u_strToUTF8(bytes, sizeof bytes, &length, character.data(), units, &status);
+    }
     if (U_FAILURE(status) || length > static_cast<std::int32_t>(sizeof bytes)) {
         appendEscape('?', text);
         return;
@@ -275,13 +290,15 @@ void appendEscaped(Text character, UConverter& converter, std::u16string& text) 
 }
 
 ExsltCall::Result encodeUri(const ExsltCall& call) {
-    const Converter converter = converterFor(call, 2);
-    if (!converter) {
+    const auto [isKnown, converter] = encodingFor(call, 2);
+    if (!isKnown) {
         return call.result(Text());
     }
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr,
-                          &status);
+    if (converter) {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr,
+                              &status);
+    }
     const Text text = call.text(0);
     const Text reserved = call.boolean(1) ? u"" : u";/?:@&=+$,[]";
     ExsltText encoded(call);
@@ -295,7 +312,7 @@ ExsltCall::Result encodeUri(const ExsltCall& call) {
             encoded.append(character);
         } else {
             escaped.clear();
-            appendEscaped(character, *converter, escaped);
+            appendEscaped(character, converter.get(), escaped);
             encoded.append(escaped);
         }
         i += character.size();
@@ -304,17 +321,34 @@ ExsltCall::Result encodeUri(const ExsltCall& call) {
 }
 
 unsigned hexValue(char16_t digit) {
-    return static_cast<unsigned>(u_digit(digit, 16));
+    return digit <= u'9' ? digit - u'0' : (digit | 0x20U) - u'a' + 10U;
 }
 
-/** Bytes that are no character of the encoding, and no character of XML, are left out. */
-void appendDecoded(const std::string& bytes, UConverter& converter, ExsltText& text) {
+/** What the bytes say; those that are no character of the encoding are left out. */
+std::u16string decode(const std::string& bytes, UConverter* converter) {
+    const auto count = static_cast<std::int32_t>(bytes.size());
     std::u16string decoded(bytes.size() * 2, u'\0');
+    const auto room = static_cast<std::int32_t>(decoded.size());
     UErrorCode status = U_ZERO_ERROR;
-    const auto length =
-        ucnv_toUChars(&converter, decoded.data(), static_cast<std::int32_t>(decoded.size()),
-                      bytes.data(), static_cast<std::int32_t>(bytes.size()), &status);
+    std::int32_t length = 0;
+    if (converter) {
+        ucnv_setToUCallBack(converter, UCNV_TO_U_CALLBACK_SKIP, nullptr, nullptr, nullptr, &status);
+        length = ucnv_toUChars(converter, decoded.data(), room, bytes.data(), count, &status);
+    } else {
+        u_strFromUTF8(decoded.data(), room, &length, bytes.data(), count, &status);
+        if (status == U_INVALID_CHAR_FOUND) {
+            status = U_ZERO_ERROR;
+            const Converter utf8(ucnv_open("UTF-8", &status), ucnv_close);
+            return decode(bytes, utf8.get());
+        }
+    }
     decoded.resize(U_FAILURE(status) ? 0 : static_cast<std::size_t>(length));
+    return decoded;
+}
+
+/** Characters that XML does not have are left out. */
+void appendDecoded(const std::string& bytes, UConverter* converter, ExsltText& text) {
+    std::u16string decoded = decode(bytes, converter);
     decoded.erase(std::remove_if(decoded.begin(), decoded.end(),
                                  [](char16_t c) {
                                      return (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r') ||
@@ -325,13 +359,10 @@ void appendDecoded(const std::string& bytes, UConverter& converter, ExsltText& t
 }
 
 ExsltCall::Result decodeUri(const ExsltCall& call) {
-    const Converter converter = converterFor(call, 1);
-    if (!converter) {
+    const auto [isKnown, converter] = encodingFor(call, 1);
+    if (!isKnown) {
         return call.result(Text());
     }
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_SKIP, nullptr, nullptr, nullptr,
-                        &status);
     const Text text = call.text(0);
     ExsltText decoded(call);
     std::string bytes;
@@ -341,10 +372,11 @@ ExsltCall::Result decodeUri(const ExsltCall& call) {
             for (; i < text.size() && isEscape(text, i); i += 3) {
                 bytes += static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]));
             }
-            appendDecoded(bytes, *converter, decoded);
+            appendDecoded(bytes, converter.get(), decoded);
         } else {
-            decoded.append(text.substr(i, 1));
-            ++i;
+            const Text plain = text.substr(i, text.find(u'%', i + 1) - i);
+            decoded.append(plain);
+            i += plain.size();
         }
     }
     return call.result(decoded.text());

@@ -53,6 +53,8 @@ public:
 private:
     /** 309 digits before the point, 35 behind it, and a sign. */
     static constexpr std::size_t MOST = 350;
+    /** The smallest number, with as many digits as give it back. */
+    static constexpr std::size_t SHORTEST = 400;
 
     void assign(std::string_view text) {
         std::copy(text.begin(), text.end(), m_characters);
@@ -61,14 +63,23 @@ private:
 
     /** With the fewest digits from 10 to 35 behind the point that give the number back. */
     void assign(double number) {
-        char text[MOST];
-        char* end = nullptr;
-        double back = 0;
-        int digits = 10;
-        do {
-            end = std::to_chars(text, text + MOST, number, std::chars_format::fixed, digits).ptr;
-            std::from_chars(text, end, back);
-        } while (back != number && ++digits <= 35);
+        // Below, numbers with ten digits behind the point are far apart compared with doubles.
+        constexpr double SMALL = 1e5;
+        char text[SHORTEST];
+        char* end = std::to_chars(text, std::end(text), number, std::chars_format::fixed).ptr;
+        const char* const point = std::find(text, end, '.');
+        const auto behind = end - point - 1;
+        if (behind > 35) {
+            end = std::to_chars(text, std::end(text), number, std::chars_format::fixed, 35).ptr;
+        } else if (behind < 10 && std::fabs(number) >= SMALL) {
+            double back = 0;
+            int digits = 10;
+            do {
+                end = std::to_chars(text, std::end(text), number, std::chars_format::fixed, digits)
+                          .ptr;
+                std::from_chars(text, end, back);
+            } while (back != number && ++digits <= 35);
+        }
         while (end[-1] == '0') {
             --end;
         }

@@ -8,6 +8,8 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <cstring>
+
 #include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/XPath/XObjectFactory.hpp>
 #include <xalanc/XSLT/XSLTEngineImpl.hpp>
@@ -17,6 +19,12 @@ namespace {
 constexpr const XMLCh* COMMON_NAMESPACE = u"http://exslt.org/common";
 constexpr const XMLCh* FUNCTIONS_NAMESPACE = u"http://exslt.org/functions";
 constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
+
+/** Faster than the standard library's comparison, which goes character by character. */
+bool areEqual(std::u16string_view left, std::u16string_view right) {
+    return left.size() == right.size() &&
+           std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0;
+}
 
 } // namespace
 
@@ -55,6 +63,8 @@ void Environment::finish() {
     m_documents.clear();
     m_uris.clear();
     m_kept.clear();
+    m_callees.clear();
+    m_evaluate.finish();
     m_operation = nullptr;
     m_sources = nullptr;
 }
@@ -130,25 +140,32 @@ Environment::findURIFromDoc(const xalanc::XalanDocument* document) const {
     return known == m_uris.end() ? m_noUri : known->second;
 }
 
-const ExsltFunction* Environment::findExslt(const xalanc::XalanDOMString& uri,
-                                            const xalanc::XalanDOMString& name) const {
-    const ExsltFunction* const function =
-        findExsltFunction({uri.c_str(), uri.length()}, {name.c_str(), name.length()});
-    return function && m_replaced.count(function) == 0 ? function : nullptr;
-}
-
 void Environment::installExternalFunctionLocal(const xalanc::XalanDOMString& uri,
                                                const xalanc::XalanDOMString& name,
                                                const xalanc::Function& function) {
-    if (const ExsltFunction* const exslt = findExslt(uri, name)) {
-        m_replaced.insert(exslt);
-    }
+    m_installed.emplace(uri.c_str(), name.c_str());
     XSLTProcessorEnvSupportDefault::installExternalFunctionLocal(uri, name, function);
 }
 
 bool Environment::functionAvailable(const xalanc::XalanDOMString& uri,
                                     const xalanc::XalanDOMString& name) const {
-    return findExslt(uri, name) || XSLTProcessorEnvSupportDefault::functionAvailable(uri, name);
+    return findCallee(uri, name).exslt ||
+           XSLTProcessorEnvSupportDefault::functionAvailable(uri, name);
+}
+
+const Environment::Callee& Environment::findCallee(const xalanc::XalanDOMString& uri,
+                                                   const xalanc::XalanDOMString& name) const {
+    const std::u16string_view uriView(uri.c_str(), uri.length());
+    const std::u16string_view nameView(name.c_str(), name.length());
+    Callee& callee = m_callees[&name];
+    if (!areEqual(callee.name, nameView) || !areEqual(callee.uri, uriView)) {
+        callee = {std::u16string(uriView), std::u16string(nameView)};
+        if (m_installed.count({callee.uri, callee.name}) == 0) {
+            callee.exslt = findExsltFunction(uriView, nameView);
+            callee.engines = callee.exslt ? nullptr : m_engineFunctions.find(uri, name);
+        }
+    }
+    return callee;
 }
 
 void Environment::reportWrongExpression(const xalanc::XSLException& exception,
@@ -165,20 +182,25 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
                                             xalanc::XalanNode* node,
                                             const XObjectArgVectorType& arguments,
                                             const xalanc::Locator* locator) const {
-    if (uri == InvalidExpression::NAMESPACE.data()) {
+    // The engine's comparisons measure texts first.
+    const Callee& callee = findCallee(uri, name);
+    if (areEqual(callee.uri, InvalidExpression::NAMESPACE)) {
         m_operation->fail(vexa::ErrorKind::Transform, toUtf8(arguments[0]->str(context)),
                           toLocation(locator));
     }
-    const bool isEvaluate = m_evaluates && name == u"evaluate" && arguments.size() == 1;
+    const bool isEvaluate = m_evaluates && callee.name == u"evaluate" && arguments.size() == 1;
     const bool isDynamic = isEvaluate && uri == DYNAMIC_NAMESPACE;
     try {
         if (isDynamic || (isEvaluate && uri == xalanc::XSLTEngineImpl::getXalanXSLNameSpaceURL())) {
             return m_evaluate.execute(arguments[0]->str(context), context, node, locator,
                                       *m_operation);
         }
-        if (const ExsltFunction* const function = findExslt(uri, name)) {
+        if (callee.exslt) {
             const ExsltAccess host(*this, context, locator);
-            return callExsltFunction(*function, {context, node, arguments, locator, host});
+            return callExsltFunction(*callee.exslt, {context, node, arguments, locator, host});
+        }
+        if (callee.engines) {
+            return callee.engines->execute(context, node, arguments, locator);
         }
         return XSLTProcessorEnvSupportDefault::extFunction(context, uri, name, node, arguments,
                                                            locator);

@@ -14,9 +14,11 @@
 #include <map>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <xalanc/PlatformSupport/XSLException.hpp>
+#include <xalanc/XPath/XPathEnvSupportDefault.hpp>
 #include <xalanc/XSLT/XSLTProcessorEnvSupportDefault.hpp>
 #include <xalanc/XalanSourceTree/XalanSourceTreeDOMSupport.hpp>
 
@@ -40,7 +42,8 @@ public:
     using DocumentPtr = vexa::DocumentAccess::Ptr;
 
     Environment(xercesc::MemoryManager& memory, DocumentParser& parser)
-        : XSLTProcessorEnvSupportDefault(memory, nullptr), m_parser(parser) {}
+        : XSLTProcessorEnvSupportDefault(memory, nullptr), m_parser(parser),
+          m_engineFunctions(memory) {}
 
     /** Leaves evaluate() to a function that is installed. */
     void leaveEvaluateToHost() { m_evaluates = false; }
@@ -84,19 +87,40 @@ public:
 private:
     class ExsltAccess;
 
+    /** What a name of a function stands for: one of these, or neither. */
+    struct Callee {
+        std::u16string uri;
+        std::u16string name;
+        const ExsltFunction* exslt = nullptr;
+        const xalanc::Function* engines = nullptr;
+    };
+    /** The functions that the engine has for all. */
+    class EngineFunctions : public xalanc::XPathEnvSupportDefault {
+    public:
+        using XPathEnvSupportDefault::XPathEnvSupportDefault;
+
+        const xalanc::Function* find(const xalanc::XalanDOMString& uri,
+                                     const xalanc::XalanDOMString& name) const {
+            return findFunction(uri, name);
+        }
+    };
+
     void reportWrongExpression(const xalanc::XSLException& exception,
                                const xalanc::Locator* locator) const;
-    /** @return null where the function of the host or the engine's own is called */
-    const ExsltFunction* findExslt(const xalanc::XalanDOMString& uri,
-                                   const xalanc::XalanDOMString& name) const;
+    /** Of one that was called in this run already, without a search. */
+    const Callee& findCallee(const xalanc::XalanDOMString& uri,
+                             const xalanc::XalanDOMString& name) const;
     xalanc::XalanDocument* find(const std::string& reference, const std::string& base);
     DocumentPtr parse(const std::string& uri, const std::string& base);
 
     DocumentParser& m_parser;
     bool m_evaluates = true;
-    /** Functions of EXSLT that the host has installed itself. */
-    std::set<const ExsltFunction*> m_replaced;
+    EngineFunctions m_engineFunctions;
+    /** Those that are the host's: their URIs and names. */
+    std::set<std::pair<std::u16string, std::u16string>> m_installed;
     mutable EvaluateFunction m_evaluate;
+    /** By the place of the name, which an expression keeps. Another one may be there later. */
+    mutable std::unordered_map<const void*, Callee> m_callees;
     Operation* m_operation = nullptr;
     Sources* m_sources = nullptr;
     std::map<std::string, DocumentPtr> m_documents;

@@ -4,6 +4,7 @@
 
 #include "engine/ExpressionGuard.h"
 
+#include <xalanc/XPath/XObjectFactory.hpp>
 #include <xalanc/XPath/XPath.hpp>
 #include <xalanc/XPath/XPathProcessorImpl.hpp>
 
@@ -23,7 +24,36 @@ private:
     unsigned& m_depth;
 };
 
+/** The result does not refer to the expression, which may end before it. */
+xalanc::XObjectPtr separated(const xalanc::XObjectPtr& result,
+                             xalanc::XPathExecutionContext& context) {
+    switch (result->getType()) {
+    case xalanc::XObject::eTypeString:
+        return context.getXObjectFactory().createString(result->str(context));
+    case xalanc::XObject::eTypeNumber:
+        return context.getXObjectFactory().createNumber(result->num(context));
+    default:
+        return result;
+    }
+}
+
 } // namespace
+
+struct EvaluateFunction::Compiled {
+    Compiled(const xalanc::XalanDOMString& text, const xalanc::PrefixResolver& resolver,
+             xalanc::MemoryManager& memory, const xercesc::Locator* locator)
+        : expression(text, memory), prefixes(resolver), construction(memory),
+          xpath(memory, locator) {
+        rejectTooDeepExpression({expression.c_str(), expression.length()});
+        xalanc::XPathProcessorImpl processor(memory);
+        processor.initXPath(xpath, construction, expression, prefixes, locator);
+    }
+
+    const xalanc::XalanDOMString expression;
+    const xalanc::PrefixResolver& prefixes;
+    ConstructionContext construction;
+    xalanc::XPath xpath;
+};
 
 template <typename Use>
 auto EvaluateFunction::compile(const xalanc::XalanDOMString& expression,
@@ -34,14 +64,13 @@ auto EvaluateFunction::compile(const xalanc::XalanDOMString& expression,
                        toLocation(locator));
     }
     const Level level(m_depth);
-    rejectTooDeepExpression({expression.c_str(), expression.length()});
-    auto& memory = context.getMemoryManager();
     const xalanc::PrefixResolver& prefixes = *context.getPrefixResolver();
-    xalanc::XPathProcessorImpl processor(memory);
-    ConstructionContext construction(memory);
-    xalanc::XPath compiled(memory, locator);
-    processor.initXPath(compiled, construction, expression, prefixes, locator);
-    return use(compiled, prefixes);
+    if (!m_last || &m_last->prefixes != &prefixes || m_last->expression != expression) {
+        m_last = std::make_shared<const Compiled>(expression, prefixes, context.getMemoryManager(),
+                                                  locator);
+    }
+    const std::shared_ptr<const Compiled> compiled = m_last; // it may evaluate others
+    return use(compiled->xpath, prefixes);
 }
 
 xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expression,
@@ -51,7 +80,7 @@ xalanc::XObjectPtr EvaluateFunction::execute(const xalanc::XalanDOMString& expre
                                              Operation& operation) {
     return compile(expression, context, locator, operation,
                    [&](const xalanc::XPath& compiled, const xalanc::PrefixResolver& prefixes) {
-                       return compiled.execute(node, prefixes, context);
+                       return separated(compiled.execute(node, prefixes, context), context);
                    });
 }
 

@@ -8,6 +8,7 @@
 #include "xslt/Operation.h"
 
 #include <functional>
+#include <memory>
 #include <string_view>
 
 #include <xalanc/XPath/NodeRefListBase.hpp>
@@ -31,11 +32,18 @@ public:
                         Operation& operation,
                         const std::function<void(const xalanc::XObject&)>& visit);
 
+    /** Lets go of what belongs to the run. */
+    void finish() { m_last.reset(); }
+
 private:
+    struct Compiled;
+
     /** Calls `use` with the compiled expression. */
     template <typename Use>
     auto compile(const xalanc::XalanDOMString& expression, xalanc::XPathExecutionContext& context,
                  const xercesc::Locator* locator, Operation& operation, Use use);
 
     unsigned m_depth = 0;
+    /** In loops the same expression is evaluated again and again. */
+    std::shared_ptr<const Compiled> m_last;
 };

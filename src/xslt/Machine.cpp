@@ -464,9 +464,9 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     m_processor.process(input, target, *m_context);
     m_memory.setCleaningUp(true);
     m_context->reset(); // and the processor and the factories with it
-    m_memory.setCleaningUp(false);
     m_values.reset();
     m_environment.finish();
+    m_memory.setCleaningUp(false);
     m_memory.setOperation(nullptr);
     m_processor.setProblemListener(nullptr);
     m_problems = nullptr;
