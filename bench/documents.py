@@ -73,6 +73,27 @@ def book(chapters):
     return '<book lang="en"><title>A large book</title>' + "\n".join(parts) + "</book>\n"
 
 
+def reference(entries):
+    """A DocBook reference of the same page again and again."""
+    page = ('<refentry id="r{0}"><refmeta><refentrytitle>tool{0}</refentrytitle><manvolnum>1</manvolnum></refmeta>'
+            "<refnamediv><refname>tool{0}</refname><refpurpose>does something</refpurpose></refnamediv><refsynopsisdiv>"
+            "<cmdsynopsis><command>tool{0}</command><arg>-a <replaceable>file</replaceable></arg></cmdsynopsis>"
+            "</refsynopsisdiv>" + "<refsect1><title>Description</title><para>It reads <filename>/etc/tool</filename> and "
+            "does <emphasis>all</emphasis> of it.</para><variablelist><varlistentry><term><option>-a</option></term>"
+            "<listitem><para>All. See <citerefentry><refentrytitle>ls</refentrytitle><manvolnum>1</manvolnum>"
+            "</citerefentry>.</para></listitem></varlistentry></variablelist></refsect1>" * 10 + "</refentry>")
+    return ('<reference lang="en"><title>Tools</title>' + "\n".join(page.format(number) for number in range(entries))
+            + "</reference>\n")
+
+
+STYLESHEETS = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl")
+# Stylesheet and source.
+DOCBOOK = {"HTML, 900 kB": (STYLESHEETS / "html" / "docbook.xsl", "book.xml"),
+           "HTML in chunks, 220 kB": (STYLESHEETS / "html" / "chunk.xsl", "book-small.xml"),
+           "FO, 900 kB": (STYLESHEETS / "fo" / "docbook.xsl", "book.xml"),
+           "100 man pages": (STYLESHEETS / "manpages" / "docbook.xsl", "reference.xml")}
+
+
 def entities(levels):
     """An entity with ten references to an entity with ten references, and so on."""
     declared = ['<!ENTITY e0 "abc">']
@@ -137,3 +158,5 @@ def write_documents(folder):
         (folder / hostile_file(title)).write_text(make())
     shutil.copy(PROJECT / "tests" / "data" / "handbook.xml", folder)
     (folder / "book.xml").write_text(book(160))
+    (folder / "book-small.xml").write_text(book(40))
+    (folder / "reference.xml").write_text(reference(100))

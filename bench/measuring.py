@@ -12,13 +12,14 @@ import sys
 
 import documents
 
-DOCBOOK = pathlib.Path("/usr/share/xml/docbook/stylesheet/docbook-xsl/html/docbook.xsl")
+DOCBOOK = documents.STYLESHEETS / "html" / "docbook.xsl"
 
 # Other load does not change the counts, so one process for each processor counts at a time. A large document is
 # counted in its own process: the counts depend on the state of the heap.
 COUNTED = [("facade_cost", f"{who} {kind} large") for who in ("facade", "bare") for kind in ("files", "streams", "memory", "query", "serialise")] + [
     ("facade_cost", "medium"), ("facade_cost", "tiny"), ("chain_cost", ""), ("function_cost", ""),
-    ("lifecycle_cost", ""), ("xslt_cost", "files"), ("xslt_cost", "compile"), ("xslt_cost", "parse")]
+    ("lifecycle_cost", ""), ("xslt_cost", "files"), ("xslt_cost", "compile"), ("xslt_cost", "parse"),
+    ("xslt_cost", "exslt")]
 
 # Seconds for each work, and the number of repetitions: the shortest time is taken.
 TIMED = {"facade_cost": (0.05, 4), "chain_cost": (0.1, 4), "function_cost": (0.03, 3),
@@ -71,18 +72,38 @@ def polling_lines():
             "xslt/Machine.cpp": {number for number, text in enumerate(machine, 1) if "operation()" in text}}
 
 
-def read_polling_share(folder, name):
-    """The share of a work's instructions that are spent on polling, in percent."""
+def is_polling():
+    """Says of a place whether it belongs to polling."""
+    lines_of = polling_lines()
+
+    def says(path, _function, number):
+        lines = next((of for end, of in lines_of.items() if path.endswith(end)), set())
+        return lines is None or number in lines
+
+    return says
+
+
+def is_override(_path, function, _number):
+    """Whether a function stands in for the engine's so that real stylesheets run."""
+    return re.search(r"LiteralElement::|CallTemplateElement::|pushCurrentTemplate|(push|pop)CurrentStackFrameIndex"
+                     r"|CopyTextNodesOnly|getInvoker", function) is not None
+
+
+def read_share(folder, name, says):
+    """The share of a work's instructions, in percent, that are spent in places of some kind."""
     file = next(file for file in folder.iterdir()
                 if f"desc: Trigger: Client Request: {name}\n" in file.read_text(errors="replace"))
-    lines_of, files, lines, polling, total, number, is_call = polling_lines(), {}, set(), 0, 0, 0, False
+    files, functions, path, function, counted, total, number, is_call = {}, {}, "", "", 0, 0, 0, False
     for line in file.read_text(errors="replace").splitlines():
-        place = re.match(r"(fl|fi|fe|cfi|cfl)=\((\d+)\)(?: (.*))?$", line)
+        place = re.match(r"(fl|fi|fe|cfi|cfl|fn|cfn)=\((\d+)\)(?: (.*))?$", line)
         cost = re.match(r"([+-]?)(\d+|\*) (\d+)$", line)
         if place:
-            path = files.setdefault(place[2], place[3])
-            if place[1][0] == "f":
-                lines = next((of for end, of in lines_of.items() if path.endswith(end)), set())
+            names = functions if place[1].endswith("fn") else files
+            named = names.setdefault(place[2], place[3])
+            if place[1] == "fn":
+                function = named
+            elif place[1][0] == "f":
+                path = named
         elif line.startswith("calls="):
             is_call = True  # the next line has the cost of the callee
         elif cost:
@@ -90,9 +111,9 @@ def read_polling_share(folder, name):
                 number = {"": 0, "+": number, "-": number}[cost[1]] + int(cost[1] + cost[2])
             if not is_call:
                 total += int(cost[3])
-                polling += int(cost[3]) if lines is None or number in lines else 0
+                counted += int(cost[3]) if says(path, function, number) else 0
             is_call = False
-    return 100 * polling / total
+    return 100 * counted / total
 
 
 def count_part(build, program, part):
@@ -202,6 +223,32 @@ def batch_commands(build, sources):
     each = f"while read -r source; do '{program}' transform table.xsl $source -o by-one; done <{sources}.list"
     return {"one": [*batch, "-j", 1], "two": [*batch, "-j", 2], "each": ["bash", "-c", each],
             "libxslt": [build / "bin" / "libxslt_batch", "table.xsl", names, f"{sources}-by-libxslt"]}
+
+
+def docbook_commands(build, stylesheet, source, results):
+    """DocBook by two programs, each into a folder of its own."""
+    ours, others = (build / "documents" / f"{results}-by-{name}" for name in ("vexa-xslt", "xsltproc"))
+    return {"vexa-xslt": (ours, [build / "bin" / "vexa-xslt", "transform", stylesheet, source, "-o", ours / "result"]),
+            "xsltproc": (others, ["xsltproc", "--nonet", "-o", f"{others}/result", stylesheet, source])}
+
+
+def measure_docbook(build):
+    """The least milliseconds of processor time."""
+    results = {}
+    for title, (stylesheet, source) in documents.DOCBOOK.items():
+        progress(f"DocBook, {title}")
+        times, counts = {}, {}
+        for _ in range(3):
+            for name, (folder, command) in docbook_commands(build, stylesheet, source, title.replace(" ", "-")).items():
+                shutil.rmtree(folder, ignore_errors=True)
+                folder.mkdir()
+                words = run([build / "bin" / "measure_process", *command], cwd=build / "documents").split()
+                times[name] = min(float(words[1]) * 1000, times.get(name, float("inf")))
+                counts[name] = sum(file.is_file() and file.stat().st_size > 0 for file in folder.rglob("*"))
+        if len(set(counts.values())) != 1:
+            raise Failed(f"DocBook, {title}: {counts}")
+        results[title] = {**times, "files": counts["xsltproc"]}
+    return results
 
 
 def measure_batches(build):

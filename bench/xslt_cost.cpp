@@ -5,8 +5,10 @@
 
 #include <vexa/xslt.h>
 
+#include <fstream>
 #include <memory>
 
+#include <libexslt/exslt.h>
 #include <libxslt/transform.h>
 #include <libxslt/xsltutils.h>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
@@ -127,6 +129,101 @@ constexpr Program PROGRAMS[] = {{"vexa", vexaFiles, vexaCompile},
                                 {"bare", bareFiles, bareCompile},
                                 {"libxslt", libxsltFiles, libxsltCompile}};
 
+// ---- The functions of EXSLT ----
+
+struct Function {
+    const char* name; // with the namespace's prefix
+    const char* arguments;
+};
+
+/** Those of libexslt that give the same each time. */
+constexpr Function EXSLT_FUNCTIONS[] = {
+    {"exsl:node-set", "$nodes"},
+    {"exsl:object-type", "$nodes"},
+    {"str:tokenize", "'a b c'"},
+    {"str:split", "'a, b, c', ', '"},
+    {"str:replace", "'a b c', 'b', 'd'"},
+    {"str:padding", "20, '-='"},
+    {"str:align", "'a', '----------', 'center'"},
+    {"str:concat", "$nodes"},
+    {"str:encode-uri", "'a b/c', true()"},
+    {"str:decode-uri", "'a%20b%2Fc'"},
+    {"date:date", "'2001-06-03T11:40:23Z'"},
+    {"date:time", "'2001-06-03T11:40:23Z'"},
+    {"date:year", "'2001-06-03T11:40:23Z'"},
+    {"date:leap-year", "'2001-06-03T11:40:23Z'"},
+    {"date:month-in-year", "'2001-06-03T11:40:23Z'"},
+    {"date:month-name", "'2001-06-03T11:40:23Z'"},
+    {"date:month-abbreviation", "'2001-06-03T11:40:23Z'"},
+    {"date:week-in-year", "'2001-06-03T11:40:23Z'"},
+    {"date:week-in-month", "'2001-06-03T11:40:23Z'"},
+    {"date:day-in-year", "'2001-06-03T11:40:23Z'"},
+    {"date:day-in-month", "'2001-06-03T11:40:23Z'"},
+    {"date:day-of-week-in-month", "'2001-06-03T11:40:23Z'"},
+    {"date:day-in-week", "'2001-06-03T11:40:23Z'"},
+    {"date:day-name", "'2001-06-03T11:40:23Z'"},
+    {"date:day-abbreviation", "'2001-06-03T11:40:23Z'"},
+    {"date:hour-in-day", "'2001-06-03T11:40:23Z'"},
+    {"date:minute-in-hour", "'2001-06-03T11:40:23Z'"},
+    {"date:second-in-minute", "'2001-06-03T11:40:23Z'"},
+    {"date:seconds", "'2001-06-03T11:40:23Z'"},
+    {"date:add", "'2001-06-03T11:40:23Z', 'P1M2DT3H'"},
+    {"date:add-duration", "'P1Y2M', 'P3Y'"},
+    {"date:difference", "'2001-06-03', '2001-07-03'"},
+    {"date:duration", "100000"},
+    {"math:min", "$nodes"},
+    {"math:max", "$nodes"},
+    {"math:highest", "$nodes"},
+    {"math:lowest", "$nodes"},
+    {"math:abs", "-1.5"},
+    {"math:sqrt", "2"},
+    {"math:power", "2, 0.5"},
+    {"math:constant", "'PI', 10"},
+    {"math:log", "2"},
+    {"math:exp", "2"},
+    {"math:sin", "2"},
+    {"math:atan2", "1, 2"},
+    {"set:difference", "$nodes, $some"},
+    {"set:intersection", "$nodes, $some"},
+    {"set:distinct", "$nodes"},
+    {"set:has-same-node", "$nodes, $some"},
+    {"set:leading", "$nodes, $some"},
+    {"set:trailing", "$nodes, $some"},
+    {"dyn:evaluate", "'1 + 1'"},
+    {"dyn:map", "$some, '1 + 1'"},
+};
+
+/** A stylesheet that evaluates an expression for each of the source's rows. */
+Files exsltFiles(const std::string& folder, const std::string& name,
+                 const std::string& expression) {
+    Files files{folder + "/rows-calls.xml", folder + "/exslt-" + name + ".xsl",
+                folder + "/by-exslt"};
+    std::ofstream(files.stylesheet)
+        << "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' "
+           "xmlns:exsl='http://exslt.org/common' xmlns:str='http://exslt.org/strings' "
+           "xmlns:date='http://exslt.org/dates-and-times' xmlns:math='http://exslt.org/math' "
+           "xmlns:set='http://exslt.org/sets' xmlns:dyn='http://exslt.org/dynamic'>"
+           "<xsl:output method='text'/>"
+           "<xsl:variable name='nodes' select='/rows/row[position() &lt; 11]'/>"
+           "<xsl:variable name='some' select='/rows/row[position() = 3]'/>"
+           "<xsl:template match='/'><xsl:for-each select='/rows/row'><xsl:value-of select=\""
+        << expression << "\"/></xsl:for-each></xsl:template></xsl:stylesheet>";
+    return files;
+}
+
+void addExslt(Works& works, const std::string& folder) {
+    const auto add = [&](const std::string& name, const std::string& expression) {
+        const Files files = exsltFiles(folder, name, expression);
+        works.push_back({"vexa exslt " + name, [files] { return vexaFiles(files); }});
+        works.push_back({"libxslt exslt " + name, [files] { return libxsltFiles(files); }});
+    };
+    exsltRegisterAll();
+    add("nothing", "'x'");
+    for (const auto& [name, arguments] : EXSLT_FUNCTIONS) {
+        add(name, std::string(name) + "(" + arguments + ")");
+    }
+}
+
 } // namespace
 
 /** Of work that takes seconds under callgrind. */
@@ -161,6 +258,7 @@ Works makeWorks(const std::string& folder) {
         works.push_back(
             {std::string("parse ") + title, [file] { return vexaParse(file); }, FEW_CALLS});
     }
+    addExslt(works, folder);
     const auto document = vexa::Document::parse(vexa::Input::file(folder + "/rows-medium.xml"));
     const auto stylesheet = vexa::Stylesheet::compile(vexa::Input::file(folder + "/rows.xsl"));
     const auto shared = [document, stylesheet] { return vexaShared(document, stylesheet); };
