@@ -63,10 +63,15 @@ std::string zoneName(const DateTime& date) {
     if (!date.zone) {
         return {};
     }
-    const int minutes = std::abs(*date.zone);
-    return *date.zone == 0 ? "GMT"
-                           : (*date.zone < 0 ? "GMT-" : "GMT+") + padded(minutes / 60, 2) + ":" +
-                                 padded(minutes % 60, 2);
+    std::string name = "GMT";
+    if (*date.zone != 0) {
+        const int minutes = std::abs(*date.zone);
+        name += *date.zone < 0 ? '-' : '+';
+        name += padded(minutes / 60, 2);
+        name += ':';
+        name += padded(minutes % 60, 2);
+    }
+    return name;
 }
 
 /** Missing components on the right have their first value, those on the left none. */
@@ -164,14 +169,15 @@ bool takeWord(Text& text, std::string_view word) {
     return true;
 }
 
-/** Takes one of the names, in full or abbreviated. @return its number, or nothing */
-std::optional<int> takeName(Text& text, const std::string_view* names, int count) {
+/** Takes one of the names, in full or abbreviated. The first one has the number 1. */
+bool takeName(Text& text, const std::string_view* names, int count, std::optional<int>& number) {
     for (int i = 0; i < count; ++i) {
         if (takeWord(text, names[i]) || takeWord(text, names[i].substr(0, ABBREVIATION))) {
-            return i;
+            number = i + 1;
+            return true;
         }
     }
-    return {};
+    return false;
 }
 
 /** Takes a number of at most so many digits. @return nothing where there is none */
@@ -185,24 +191,20 @@ std::optional<std::int64_t> takeNumber(Text& text, std::size_t mostDigits) {
     return count > 0 ? std::optional<std::int64_t>(number) : std::nullopt;
 }
 
+/** Takes the name of UTC, an offset from it, or both. */
 std::optional<int> takeZone(Text& text) {
-    if (!takeWord(text, "GMT") && !takeWord(text, "UTC") && takeWord(text, "Z")) {
-        return 0;
+    const bool isNamed = takeWord(text, "GMT") || takeWord(text, "UTC") || takeWord(text, "Z");
+    const bool isBehind = takeWord(text, "-");
+    if (!isBehind && !takeWord(text, "+")) {
+        return isNamed ? std::optional<int>(0) : std::nullopt;
     }
-    if (text.empty() || (text.front() != u'+' && text.front() != u'-')) {
-        return 0;
-    }
-    const int sign = text.front() == u'-' ? -1 : 1;
-    text.remove_prefix(1);
     const auto hours = takeNumber(text, 2);
-    if (!text.empty() && text.front() == u':') {
-        text.remove_prefix(1);
-    }
+    takeWord(text, ":");
     const auto minutes = takeNumber(text, 2);
-    if (!hours || !minutes || *hours > 14 || *minutes > 59) {
+    if (!hours || !minutes || *minutes > 59 || *hours * 60 + *minutes > MOST_ZONE) {
         return {};
     }
-    return static_cast<int>(*hours * 60 + *minutes) * sign;
+    return static_cast<int>(*hours * 60 + *minutes) * (isBehind ? -1 : 1);
 }
 
 /** A year of two digits is at most 80 years ago, and less than 20 to come. */
@@ -241,14 +243,10 @@ bool takeComponent(const Token& token, Text& text, std::size_t mostDigits, Compo
     case u'y':
         return takeYear(token, text, mostDigits, found);
     case u'M':
-        if (token.count > 2) {
-            found.month = takeName(text, monthNames(), 12);
-            found.month = found.month ? std::optional<int>(*found.month + 1) : std::nullopt;
-            return found.month.has_value();
-        }
-        return takeInto(found.month, text, mostDigits, 1, 12);
+        return token.count > 2 ? takeName(text, monthNames(), 12, found.month)
+                               : takeInto(found.month, text, mostDigits, 1, 12);
     case u'E':
-        return takeName(text, dayNames(), 7).has_value();
+        return takeName(text, dayNames(), 7, ignored);
     case u'd':
         return takeInto(found.day, text, mostDigits, 1, 31);
     case u'D':
@@ -288,7 +286,7 @@ bool takeComponent(const Token& token, Text& text, std::size_t mostDigits, Compo
 std::optional<DateForm> formOf(const Components& found) {
     const bool hasTime = found.hour || found.minute || found.second || found.millisecond;
     const bool hasDay = found.day || found.dayInYear;
-    if (found.year || (hasTime && (found.month || hasDay))) {
+    if (found.year || (hasTime && (found.month || found.day))) {
         return hasTime       ? DateForm::DateTime
                : hasDay      ? DateForm::Date
                : found.month ? DateForm::YearMonth
@@ -298,14 +296,14 @@ std::optional<DateForm> formOf(const Components& found) {
         return DateForm::Time;
     }
     if (found.month) {
-        return hasDay ? DateForm::MonthDay : DateForm::Month;
+        return found.day ? DateForm::MonthDay : DateForm::Month;
     }
     return found.day ? std::optional<DateForm>(DateForm::Day) : std::nullopt;
 }
 
 std::optional<DateTime> toDateTime(const Components& found) {
     const auto form = formOf(found);
-    if (!form) {
+    if (!form || (found.dayInYear && !found.year)) {
         return {};
     }
     DateTime date;
@@ -314,14 +312,19 @@ std::optional<DateTime> toDateTime(const Components& found) {
     if (found.isBeforeChrist) {
         date.year = 1 - date.year;
     }
-    date.month = found.month.value_or(1);
-    date.day = found.day.value_or(1);
+    if (!found.dayInYear) {
+        date.month = found.month.value_or(1);
+        date.day = found.day.value_or(1);
+    }
     date.hour = found.hour.value_or(0) + (found.isHalfDay && found.isAfternoon ? 12 : 0);
     date.minute = found.minute.value_or(0);
     date.second = found.second.value_or(0);
     date.nanosecond = found.millisecond.value_or(0) * 1'000'000;
     date.zone = found.zone;
-    if (found.dayInYear && found.year && !found.day && !found.month) {
+    if (found.dayInYear) {
+        if (*found.dayInYear == 366 && !isLeapYear(date.year)) {
+            return {};
+        }
         Duration days;
         days.seconds = std::int64_t{*found.dayInYear - 1} * 86'400;
         return sum(date, days);

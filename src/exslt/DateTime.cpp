@@ -14,7 +14,6 @@ constexpr std::int64_t MOST_YEAR = 999'999'999;
 constexpr std::size_t MOST_DIGITS = 12;
 constexpr int NANOSECONDS = 1'000'000'000;
 constexpr std::int64_t DAY = 86'400;
-constexpr int MOST_ZONE = 14 * 60;
 
 bool isDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
@@ -45,12 +44,9 @@ std::int64_t daysSince1970(const DateTime& date) {
 
 void setDays(DateTime& date, std::int64_t days) {
     days += daysBefore(1970);
-    // 400 years have 146097 days.
+    // 400 years have 146097 days. This gives the year, or the one before.
     date.year = floorDivide(days * 400, 146'097) + 1;
-    while (daysBefore(date.year) > days) {
-        --date.year;
-    }
-    while (daysBefore(date.year + 1) <= days) {
+    if (daysBefore(date.year + 1) <= days) {
         ++date.year;
     }
     auto rest = static_cast<int>(days - daysBefore(date.year));
@@ -68,8 +64,9 @@ public:
     explicit Reader(Text text) : m_text(text) {}
 
     bool atEnd() const { return m_text.empty(); }
+    char16_t next() const { return m_text.empty() ? u'\0' : m_text.front(); }
     bool skip(char16_t c) {
-        if (m_text.empty() || m_text.front() != c) {
+        if (next() != c) {
             return false;
         }
         m_text.remove_prefix(1);
@@ -322,8 +319,7 @@ std::string DateTime::text(DateForm format) const {
 bool DateTime::isValid() const {
     // February has 29 days where no year is known.
     const std::int64_t leapYear = 2000;
-    return month >= 1 && month <= 12 && day >= 1 &&
-           day <= (form == DateForm::Day ? 31 : daysInMonth(hasYear() ? year : leapYear, month));
+    return form == DateForm::Day || day <= daysInMonth(hasYear() ? year : leapYear, month);
 }
 
 int DateTime::dayInYear() const {
@@ -381,11 +377,8 @@ std::optional<Duration> Duration::parse(Text text) {
         }
         const std::int64_t number = reader.digits(digits) * sign;
         int fraction = 0;
-        const bool hasFraction = !reader.atEnd() && inTime && [&] {
-            Reader ahead = reader;
-            return ahead.skip(u'.');
-        }();
-        if (hasFraction && !reader.readFraction(fraction)) {
+        const bool hasFraction = reader.next() == u'.';
+        if (!reader.readFraction(fraction)) {
             return {};
         }
         const Part* const parts = inTime ? TIME : DATE;
@@ -465,7 +458,7 @@ std::optional<DateTime> sum(const DateTime& date, const Duration& duration) {
     const std::int64_t months = date.year * 12 + date.month - 1 + duration.months;
     result.year = floorDivide(months, 12);
     result.month = static_cast<int>(floorRemainder(months, 12)) + 1;
-    const auto isPossible = [&] { return std::abs(result.year) <= MOST_YEAR; };
+    const auto isPossible = [&] { return std::abs(result.yearInText()) <= MOST_YEAR; };
     if (!isPossible() || std::abs(duration.seconds) > MOST_YEAR * 366 * DAY) {
         return {};
     }

@@ -12,6 +12,9 @@
 /** The formats, from the least truncated on the right, then those truncated on the left. */
 enum class DateForm { DateTime, Date, YearMonth, Year, Time, MonthDay, Month, Day };
 
+/** In minutes. */
+constexpr int MOST_ZONE = 14 * 60;
+
 struct DateTime {
     DateForm form = DateForm::DateTime;
     /** The year before 1 is 0 here. There is no year 0000 in a text: it is -0001. */

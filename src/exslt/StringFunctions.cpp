@@ -113,10 +113,11 @@ void cut(Text text, Text search, std::size_t number, std::vector<Piece>& pieces,
 }
 
 std::vector<std::u16string> searchStrings(const ExsltCall& call) {
-    if (!call.isNodeSet(1)) {
-        return {std::u16string(call.text(1))};
-    }
     std::vector<std::u16string> strings;
+    if (!call.isNodeSet(1)) {
+        strings.emplace_back(call.text(1));
+        return strings;
+    }
     const auto& nodes = call.nodes(1);
     for (xalanc::NodeRefListBase::size_type i = 0; i < nodes.getLength(); ++i) {
         strings.push_back(textOf(*nodes.item(i), call));
@@ -178,12 +179,11 @@ std::size_t countCharacters(Text text) {
     return count;
 }
 
-/** The first characters of a text, or all. */
+/** The first characters of a text, which has as many or more. */
 Text firstCharacters(Text text, std::size_t count) {
     std::size_t end = 0;
-    while (count > 0 && end < text.size()) {
+    for (; count > 0; --count) {
         end += lengthOfCharacter(text, end);
-        --count;
     }
     return text.substr(0, end);
 }

@@ -103,6 +103,8 @@ INSTANTIATE_TEST_SUITE_P(
         // A string without a node in its place is deleted.
         ExsltCase{"str:concat(str:replace('a3b1c', //b, //c[1]))", "a3bc"},
         ExsltCase{"str:replace('a3b1c', //b, 'y')", "aybc"},
+        ExsltCase{"str:replace('abc', //z, 'y')", "abc"},
+        ExsltCase{"str:replace('', 'a', 'y')", ""},
         // The longest first, and nothing twice.
         ExsltCase{"str:concat(str:replace('abcd', str:tokenize('ab bcd'), str:tokenize('1 2')))",
                   "a2"},
@@ -146,6 +148,16 @@ INSTANTIATE_TEST_SUITE_P(
         ExsltCase{"str:decode-uri('%E9', 'ISO-8859-1')", "\xC3\xA9"},
         ExsltCase{"str:decode-uri('a%E9b%00c')", "abc"}, ExsltCase{"str:decode-uri('%4')", "%4"},
         ExsltCase{"str:decode-uri('%zz%')", "%zz%"},
+        ExsltCase{"str:decode-uri('%\xC3\xA9%4\xC3\xA9%4g')", "%\xC3\xA9%4\xC3\xA9%4g"},
+        // Characters that XML does not have are left out.
+        ExsltCase{"str:encode-uri(str:decode-uri('a%09%0A%0D%1Fb'), true())", "a%09%0A%0Db"},
+        ExsltCase{"str:decode-uri('a%EF%BF%BDb%EF%BF%BEc%EF%BF%BFd')", "a\xEF\xBF\xBD"
+                                                                       "bcd"},
+        ExsltCase{"str:decode-uri('a', '')", ""},
+        ExsltCase{"str:decode-uri('a', 'UTF-8,version=1')", ""},
+        ExsltCase{"str:decode-uri('a', 'UTF 8')", ""},
+        ExsltCase{"str:decode-uri('a', 'UTF-8\x7F')", ""},
+        ExsltCase{"str:decode-uri('a', str:padding(100, 'x'))", ""},
         ExsltCase{"str:decode-uri('a', 'no such encoding')", ""}));
 
 /** Of a variable, after the expression that made them. */
