@@ -6,6 +6,7 @@
 
 #include <vexa/TqXsltFunction.h>
 
+#include <memory>
 #include <new>
 
 #include <xalanc/Include/XalanMemoryManagement.hpp>
@@ -20,7 +21,7 @@
 template <typename Concrete>
 class BuiltInFunction : public TqXsltFunction {
 public:
-    TqXsltFunction* clone() const final { return new Concrete; }
+    TqXsltFunction* clone() const final { return std::make_unique<Concrete>().release(); }
 
     xalanc::Function* clone(xercesc::MemoryManager& memoryManager) const final {
         xalanc::XalanAllocationGuard memory(memoryManager, sizeof(Concrete));

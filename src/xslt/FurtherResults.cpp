@@ -173,9 +173,10 @@ FormatterListener& FurtherResults::begin(const ResultAttributes& attributes,
         m_operation.fail(ErrorKind::Denied, "the document '" + href + "' may not be written",
                          where);
     }
-    const vexa::DocumentSettings settings{toUtf8(attributes.get(u"method")),
-                                          toUtf8(attributes.get(u"encoding")),
-                                          toUtf8(attributes.get(u"media-type"))};
+    vexa::DocumentSettings settings;
+    settings.method = toUtf8(attributes.get(u"method"));
+    settings.encoding = toUtf8(attributes.get(u"encoding"));
+    settings.mediaType = toUtf8(attributes.get(u"media-type"));
     const vexa::Output output = ask(href, settings, where);
     const std::string uri = fileUriOf(output);
     if (!uri.empty() && !m_uris.insert(uri).second) {

@@ -237,20 +237,16 @@ void OutputWriter::write(const char* bytes, std::size_t size) {
 
 void OutputWriter::commit() {
     const OutputData& data = OutputAccess::data(m_output);
-    switch (data.kind) {
-    case OutputData::Kind::File:
+    if (m_file) {
         m_file->write(m_text.data(), m_text.size());
         m_file->commit();
-        break;
-    case OutputData::Kind::Stream:
+    } else if (data.kind == OutputData::Kind::Text) {
+        *data.text = std::move(m_text);
+    } else {
         data.stream->flush();
         if (!*data.stream) {
             m_operation.fail(ErrorKind::Output, "the stream does not take the result");
         }
-        break;
-    case OutputData::Kind::Text:
-        *data.text = std::move(m_text);
-        break;
     }
 }
 

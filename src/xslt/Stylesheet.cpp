@@ -357,9 +357,11 @@ Stylesheet::Data::~Data() = default;
 
 const xalanc::ElemTemplateElement*
 Stylesheet::Data::findFunction(const XalanDOMString& uri, const XalanDOMString& name) const {
-    if (m_names.functions.empty() ||
-        m_names.functions.count({{uri.c_str(), uri.length()}, {name.c_str(), name.length()}}) ==
-            0) {
+    if (m_names.functions.empty()) {
+        return nullptr;
+    }
+    const StylesheetFilter::ExpandedName function(uri.c_str(), name.c_str());
+    if (m_names.functions.count(function) == 0) {
         return nullptr;
     }
     XalanDOMString templateName(name, engineMemory());

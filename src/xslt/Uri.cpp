@@ -102,11 +102,10 @@ std::string withoutDotSegments(std::string_view path) {
     return result;
 }
 
+/** With a scheme. */
 std::string join(const Parts& parts, std::string_view path) {
-    std::string uri;
-    if (parts.scheme) {
-        uri.append(*parts.scheme) += ':';
-    }
+    std::string uri(*parts.scheme);
+    uri += ':';
     if (parts.authority) {
         uri.append("//").append(*parts.authority);
     }

@@ -51,11 +51,10 @@ std::string Value::string() const {
         return numberText(std::get<double>(data().value));
     case Type::Boolean:
         return std::get<bool>(data().value) ? "true" : "false";
-    case Type::NodeSet:
-        break;
+    default:
+        const auto& nodes = std::get<std::vector<Node>>(data().value);
+        return nodes.empty() ? std::string() : nodes.front().string();
     }
-    const auto& nodes = std::get<std::vector<Node>>(data().value);
-    return nodes.empty() ? std::string() : nodes.front().string();
 }
 
 double Value::number() const {
@@ -79,10 +78,9 @@ bool Value::boolean() const {
     }
     case Type::Boolean:
         return std::get<bool>(data().value);
-    case Type::NodeSet:
-        break;
+    default:
+        return !std::get<std::vector<Node>>(data().value).empty();
     }
-    return !std::get<std::vector<Node>>(data().value).empty();
 }
 
 const std::vector<Node>& Value::nodes() const& {

@@ -89,6 +89,7 @@ xalanc::XObjectPtr ValueExchange::toEngine(const Value& value,
 }
 
 Value ValueExchange::toHost(const XObject& object, xalanc::XPathExecutionContext& context) {
+    std::vector<Node> nodes;
     switch (object.getType()) {
     case XObject::eTypeBoolean:
         return object.boolean(context);
@@ -96,7 +97,6 @@ Value ValueExchange::toHost(const XObject& object, xalanc::XPathExecutionContext
         return object.num(context);
     case XObject::eTypeNodeSet: {
         const xalanc::NodeRefListBase& list = object.nodeset();
-        std::vector<Node> nodes;
         nodes.reserve(list.getLength());
         for (xalanc::NodeRefListBase::size_type i = 0; i < list.getLength(); ++i) {
             nodes.push_back(toHost(*list.item(i)));
@@ -104,7 +104,8 @@ Value ValueExchange::toHost(const XObject& object, xalanc::XPathExecutionContext
         return nodes;
     }
     case XObject::eTypeResultTreeFrag:
-        return std::vector<Node>{toHost(object.rtree())};
+        nodes.push_back(toHost(object.rtree()));
+        return nodes;
     default:
         return toUtf8(object.str(context));
     }
