@@ -13,10 +13,9 @@ const char* codeOf(Style style) {
         return "\033[1m";
     case Style::Error:
         return "\033[1;31m";
-    case Style::Caret:
-        break;
+    default:
+        return "\033[1;32m";
     }
-    return "\033[1;32m";
 }
 
 } // namespace

@@ -50,7 +50,10 @@ Parameter parseParameter(const std::string& option, Parameter::Kind kind,
     if (end == std::string::npos || end == 0) {
         throw UsageError(given, "expected NAME=VALUE, such as title=Orders");
     }
-    Parameter parameter{kind, argument.substr(0, end), argument.substr(end + 1)};
+    Parameter parameter;
+    parameter.kind = kind;
+    parameter.name = argument.substr(0, end);
+    parameter.value = argument.substr(end + 1);
     const auto brace = parameter.name.rfind('{', 0) == 0 ? parameter.name.find('}') : 0;
     if (!isName(parameter.name.substr(brace == 0 ? 0 : brace + 1))) {
         throw UsageError(given, "expected a name such as title or {urn:example}title, got '" +

@@ -9,7 +9,7 @@
 struct Parameter {
     enum class Kind { String, Number, Expression };
 
-    Kind kind;
+    Kind kind = Kind::String;
     /** "name" or "{uri}name". */
     std::string name;
     std::string value;

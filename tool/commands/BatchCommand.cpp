@@ -71,10 +71,11 @@ void checkOptions(const BatchOptions& options) {
 }
 
 void makeDirectory(const std::string& directory) {
+    const fs::path path(directory);
     std::error_code error;
     std::error_code ignored;
-    fs::create_directory(directory, error);
-    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
+    fs::create_directory(path, error);
+    if (fs::exists(path, ignored) && !fs::is_directory(path, ignored)) {
         throw Failure(directory, systemMessage(ENOTDIR));
     }
     if (error) {
@@ -86,7 +87,9 @@ void makeDirectory(const std::string& directory) {
 }
 
 NamedFiles filesOf(const BatchOptions& options, const std::vector<BatchJob>& jobs) {
-    NamedFiles files{{InputArgument(options.stylesheet)}, options.directory};
+    NamedFiles files;
+    files.inputs.emplace_back(options.stylesheet);
+    files.output = options.directory;
     if (options.run.sandbox) {
         for (const BatchJob& job : jobs) {
             files.inputs.emplace_back(job.source);

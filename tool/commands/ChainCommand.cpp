@@ -32,7 +32,7 @@ struct ChainOptions {
 
 /** Of a document without one no stylesheet makes anything. */
 void requireElement(const vexa::Document& result, const InputArgument& stylesheet) {
-    static const vexa::XPath hasElement = vexa::XPath::compile("boolean(/*)");
+    const vexa::XPath hasElement = vexa::XPath::compile("boolean(/*)");
     if (!hasElement.evaluate(result).boolean()) {
         throw vexa::Error(vexa::ErrorKind::Transform, "the result has no document element",
                           {stylesheet.uri(), 0, 0});
@@ -62,7 +62,9 @@ void runChain(Session& session, const NamedFiles& files) {
 }
 
 int runChain(const ChainOptions& options) {
-    NamedFiles files{{InputArgument(options.source)}, options.output};
+    NamedFiles files;
+    files.output = options.output;
+    files.inputs.emplace_back(options.source);
     for (const std::string& stylesheet : options.stylesheets) {
         files.inputs.emplace_back(stylesheet);
     }

@@ -115,7 +115,7 @@ int runGuarded(const RunOptions& options, const NamedFiles& files, const InputAr
 std::vector<fs::path> readableFolders(const RunOptions& options, const NamedFiles& files) {
     auto folders = files.folders();
     if (!options.noCatalogs) {
-        folders.insert(folders.end(), catalogFolders().begin(), catalogFolders().end());
+        folders.insert(folders.end(), std::begin(CATALOG_FOLDERS), std::end(CATALOG_FOLDERS));
     }
     return folders;
 }

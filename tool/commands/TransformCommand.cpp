@@ -38,8 +38,10 @@ struct TransformOptions {
 };
 
 int runTransform(const TransformOptions& options) {
-    const NamedFiles files{{InputArgument(options.stylesheet), InputArgument(options.source)},
-                           options.output};
+    NamedFiles files;
+    files.output = options.output;
+    files.inputs.emplace_back(options.stylesheet);
+    files.inputs.emplace_back(options.source);
     checkFiles(files);
     const InputArgument& source = files.inputs[1];
     return runSession(options.run, files, source, [&](Session& session) {

@@ -86,7 +86,8 @@ void printValue(const vexa::Value& value, Printer& printer) {
 }
 
 int runXPath(const XPathOptions& options) {
-    const NamedFiles files{{InputArgument(options.source)}};
+    NamedFiles files;
+    files.inputs.emplace_back(options.source);
     requireUtf8("expression", options.expression);
     const vexa::Namespaces namespaces = readNamespaces(options.namespaces);
     return runSession(options.run, files, files.inputs[0], [&](Session& session) {

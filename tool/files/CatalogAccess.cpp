@@ -39,9 +39,3 @@ vexa::Resolver lazyCatalogResolver() {
 void loadCatalogLibrary() {
     catalogResolver();
 }
-
-const std::vector<std::filesystem::path>& catalogFolders() {
-    static const std::vector<std::filesystem::path> folders{"/etc/xml", "/usr/share/xml",
-                                                            "/usr/share/sgml"};
-    return folders;
-}

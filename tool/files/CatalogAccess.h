@@ -7,9 +7,6 @@
 
 #include <vexa/xslt/Options.h>
 
-#include <filesystem>
-#include <vector>
-
 /** Asks the catalogs for each reference that is no existing file. */
 vexa::Resolver lazyCatalogResolver();
 
@@ -17,4 +14,4 @@ vexa::Resolver lazyCatalogResolver();
 void loadCatalogLibrary();
 
 /** Where the system has its catalogs, and what they lead to. */
-const std::vector<std::filesystem::path>& catalogFolders();
+inline constexpr const char* CATALOG_FOLDERS[] = {"/etc/xml", "/usr/share/xml", "/usr/share/sgml"};

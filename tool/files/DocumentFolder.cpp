@@ -24,6 +24,10 @@ fs::path realPlace(const fs::path& path) {
     return failure ? fs::path() : real;
 }
 
+vexa::Error denied(const std::string& href, const std::string& reason) {
+    return {vexa::ErrorKind::Denied, "the document '" + href + "' may not be written: " + reason};
+}
+
 } // namespace
 
 DocumentFolder::DocumentFolder(const fs::path& folder) : m_given(folder) {
@@ -32,21 +36,17 @@ DocumentFolder::DocumentFolder(const fs::path& folder) : m_given(folder) {
 }
 
 vexa::Output DocumentFolder::output(const std::string& href, const std::string& base) const {
-    const auto deny = [&href](const std::string& reason) {
-        throw vexa::Error(vexa::ErrorKind::Denied,
-                          "the document '" + href + "' may not be written: " + reason);
-    };
     const auto enclosing = pathOfFileUri(base);
     const bool isInside = enclosing && isBelow(m_folder, realPlace(*enclosing));
     const auto asked = pathOfFileUri(resolveUri(href, isInside ? base : fileUri(m_folder) + "/"));
     const fs::path place = asked ? realPlace(*asked) : fs::path();
     if (m_folder.empty() || !isBelow(m_folder, place) || place == m_folder) {
-        deny("it is not below the folder " + m_given.string());
+        throw denied(href, "it is not below the folder " + m_given.string());
     }
     std::error_code ignored;
     fs::create_directories(place.parent_path(), ignored);
     if (fs::exists(place, ignored) && !fs::is_regular_file(place, ignored)) {
-        deny("it is no regular file");
+        throw denied(href, "it is no regular file");
     }
     return vexa::Output::file(place);
 }
