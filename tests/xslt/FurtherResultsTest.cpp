@@ -90,6 +90,27 @@ TEST_F(FurtherResultsTest, DeclareTheirNamespacesThemselves) {
                                     "<f/></p:d><p:g xmlns:p=\"urn:p\"/>");
 }
 
+TEST_F(FurtherResultsTest, DeclareNoNamespaceTwiceAndNotThatOfXml) {
+    run("<m xmlns='urn:d'><exsl:document href='d'><q:e p:y='2' xml:lang='en' q:z='3'><f/></q:e>"
+        "</exsl:document></m><exsl:document href='n'><e xml:lang='en' q:z='3' xmlns:r='urn:r'/>"
+        "</exsl:document>",
+        "xmlns:p='urn:p' xmlns:q='urn:q'");
+    const vexa::Document document = vexa::Document::parse(Input::text(m_results["d"]));
+    const auto value = [&](const std::string& expression) {
+        return vexa::XPath::compile(expression, {{"p", "urn:p"}, {"q", "urn:q"}, {"d", "urn:d"}})
+            .evaluate(document)
+            .string();
+    };
+    EXPECT_EQ(value("concat(/q:e/@p:y, /q:e/@q:z, /q:e/@xml:lang, count(/q:e/d:f))"), "23en1");
+    EXPECT_EQ(m_results["d"].find("xmlns:xml"), std::string::npos);
+    EXPECT_EQ(m_results["d"].find("xmlns:q"), m_results["d"].rfind("xmlns:q"));
+    EXPECT_EQ(m_results["d"].find("xmlns:p"), m_results["d"].rfind("xmlns:p"));
+    EXPECT_EQ(vexa::XPath::compile("string(/e[@xml:lang = 'en']/@q:z)", {{"q", "urn:q"}})
+                  .evaluate(vexa::Document::parse(Input::text(m_results["n"])))
+                  .string(),
+              "3");
+}
+
 TEST_F(FurtherResultsTest, MayStandInEachOtherAndInVariables) {
     EXPECT_EQ(run("<m><exsl:document href='o'><o>1<exsl:document href='i'><i/></exsl:document>2"
                   "</o></exsl:document><xsl:variable name='v'>x<exsl:document href='v'><v/>"
@@ -165,6 +186,15 @@ TEST_F(FurtherResultsTest, AreNotWrittenTwice) {
     }
 }
 
+TEST_F(FurtherResultsTest, FollowNoEndlessLink) {
+    std::filesystem::create_symlink("loop", m_folder.path("loop"));
+    Transformation run(compiledWith("<exsl:document href='loop'/>"));
+    writeToFolder(run);
+    expectFailure([&] { run.toString(Input::text("<a/>")); }, ErrorKind::Output,
+                  "Too many levels of symbolic links");
+    EXPECT_EQ(m_folder.list(), "loop");
+}
+
 TEST_F(FurtherResultsTest, CountForTheLimits) {
     Options options;
     options.limits.output = 100;
@@ -184,6 +214,12 @@ TEST_F(FurtherResultsTest, LetTheExceptionsOfTheHandlerPass) {
     writeToMemory(run);
     run.toString(Input::text("<a/>"));
     EXPECT_EQ(m_results.size(), 1U);
+    run.onDocument([](const auto&...) -> Output {
+        throw vexa::Error(ErrorKind::Input, "mine", {"urn:mine", 3, 4});
+    });
+    const auto error = failureOf([&] { run.toString(Input::text("<a/>")); });
+    EXPECT_EQ(error.kind(), ErrorKind::Input);
+    EXPECT_EQ(std::string(error.what()), "urn:mine:3:4: mine");
     run.onDocument({});
     expectFailure([&] { run.toString(Input::text("<a/>")); }, ErrorKind::Denied, "");
 }

@@ -143,9 +143,10 @@ TEST_F(OutputTest, AFileThatTheProcessHasOpenIsAppendedTo) {
     const std::string path = m_folder.write("log", "before ");
     const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
     write(Output::file("/dev/fd/" + std::to_string(file)));
+    write(Output::file("/proc/self/fd/" + std::to_string(file)));
     EXPECT_EQ(::write(file, " after", 6), 6);
     ::close(file);
-    EXPECT_EQ(readFile(path), "before <b/> after");
+    EXPECT_EQ(readFile(path), "before <b/><b/> after");
     EXPECT_EQ(m_folder.list(), "log");
 }
 
@@ -168,6 +169,8 @@ TEST_F(OutputTest, WhatCannotBeWrittenIsAnErrorThatNamesIt) {
         EXPECT_EQ(error.where().uri, "file://" + path);
     }
     EXPECT_EQ(m_folder.list(), "");
+    expectFailure([&] { write(Output::file("/proc/self/fd/no")); }, ErrorKind::Output,
+                  "cannot create");
     expectFailure([&] { write(Output::file("/dev/full")); }, ErrorKind::Output, "No space left");
     expectFailure([&] { write(Output::file("")); }, ErrorKind::Output, "No such file");
     expectFailure([&] { write(Output::file(m_folder.path("new.xml") + std::string(1, '\0'))); },

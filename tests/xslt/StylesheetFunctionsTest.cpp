@@ -88,6 +88,24 @@ TEST_F(StylesheetFunctionsTest, AreAvailable) {
               "truefalsetrue");
 }
 
+/** Whatever prefix XSLT itself has. */
+TEST_F(StylesheetFunctionsTest, AreDeclaredWithoutAPrefixOfXsltToo) {
+    const Stylesheet sheet = Stylesheet::compile(Input::text(
+        "<stylesheet version='1.0' xmlns:func='http://exslt.org/functions' xmlns:f='urn:f' "
+        "xmlns='http://www.w3.org/1999/XSL/Transform' extension-element-prefixes='func'>"
+        "<output method='text'/><func:function name='f:f'><func:result select='7'/>"
+        "</func:function><template match='/'><value-of select='f:f()'/></template></stylesheet>"));
+    EXPECT_EQ(Transformation(sheet).toString(Input::text("<a/>")), "7");
+}
+
+TEST_F(StylesheetFunctionsTest, AreAvailableByTheirNamesOnly) {
+    EXPECT_EQ(run(function("f:f", ""), "concat(element-available(&quot;func:function&quot;), "
+                                       "element-available(&quot;func:script&quot;), "
+                                       "element-available(&quot;f:result&quot;), "
+                                       "function-available(&quot;f:f&quot;))"),
+              "truefalsefalsetrue");
+}
+
 TEST_F(StylesheetFunctionsTest, ShareNoNameWithTemplates) {
     EXPECT_EQ(run(function("f:f", "<func:result select='1'/>") +
                       "<xsl:template name='f:f'>2</xsl:template>",

@@ -119,6 +119,21 @@ TEST(XPathTest, NestingThatWouldOverflowTheStackIsACompileError) {
     expectFailure([&] { XPath::compile(deep); }, ErrorKind::Compile, "nested too deeply");
 }
 
+/** Long ones, as the stack that they need is counted only then. */
+TEST(XPathTest, LongSyntaxErrorsAreCompileErrors) {
+    std::string operators = "1";
+    std::string numbers = "1";
+    for (int i = 0; i < 100; ++i) {
+        operators += " ^ 1";
+        numbers += " + 1.2.3";
+    }
+    for (const std::string& wrong :
+         {operators, numbers, std::string(30, '('), std::string(30, ')'),
+          "a" + std::string(30, '['), "1" + std::string(100, '@'), "1" + std::string(100, '$')}) {
+        expectFailure([&] { XPath::compile(wrong); }, ErrorKind::Compile, "");
+    }
+}
+
 TEST(XPathTest, KeyAndCurrentAreUnknown) {
     for (const char* expression :
          {"key('k', 1)", "current()", "1 + count( key ('a', 'b'))", "a[current() = 1]",

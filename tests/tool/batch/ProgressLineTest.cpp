@@ -19,6 +19,7 @@ TEST(ProgressLineTest, ShowsHowFarItIsHowFastAndHowLongItTakes) {
               "[=============>                ] 450 of 1000, 90/s, 0:06 left, 2 failed");
     EXPECT_EQ(progressLine(tally(4, 1, 0), 0.5, 60),
               "[=======>                      ] 1 of 4, 2.0/s, 0:02 left");
+    EXPECT_EQ(progressLine(tally(4, 1, 0), 0, 60), "[=======>                      ] 1 of 4");
     EXPECT_EQ(progressLine(tally(4, 4, 0), 2, 60),
               "[==============================] 4 of 4, 2.0/s, 0:00 left");
     EXPECT_EQ(progressLine(tally(20'000, 1, 0), 1, 60),

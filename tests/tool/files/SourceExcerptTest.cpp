@@ -31,6 +31,7 @@ TEST_F(SourceExcerptTest, ShowsALineWithItsNumber) {
     EXPECT_EQ(excerpt("\xEF\xBB\xBF<a>", 1, 1), "  1 | <a>\n    | ^");
     EXPECT_EQ(excerpt(std::string(9, '\n') + "<a>", 10, 3), "  10 | <a>\n     |   ^");
     EXPECT_EQ(excerpt("<a>", 1, 0), "  1 | <a>");
+    EXPECT_EQ(excerpt("<a>\n\n<b/>", 2, 1), "  2 | \n    | ^");
     EXPECT_EQ(excerpt("<a>", 1, 4), "  1 | <a>\n    |    ^");
     EXPECT_EQ(excerpt("<a>", 1, 99), "  1 | <a>\n    |    ^") << "after the end";
 }
@@ -40,6 +41,8 @@ TEST_F(SourceExcerptTest, CountsColumnsAsATerminalShowsThem) {
     EXPECT_EQ(beforeCaret("\xCE\xB1\xCE\xB2<a>", 3), "  ");
     EXPECT_EQ(beforeCaret("\xE4\xBD\xA0\xE5\xA5\xBD<a>", 3), "    ") << "wide";
     EXPECT_EQ(beforeCaret("e\xCC\x81<a>", 3), " ") << "combining";
+    EXPECT_EQ(beforeCaret("e\xE2\x83\x9D<a>", 3), " ") << "enclosing";
+    EXPECT_EQ(beforeCaret("\xEF\xBC\xA1<a>", 2), "  ") << "of full width";
     EXPECT_EQ(beforeCaret("\xF0\x9F\x98\x80<a>", 2), "  ") << "beyond the 16-bit range";
     EXPECT_EQ(excerpt("\xE2\x80\xAE<a>", 1, 2), "  1 | ?<a>\n    |  ^") << "turns the direction";
     EXPECT_EQ(excerpt("\033[2J<a>", 1, 5), "  1 | ?[2J<a>\n    |     ^") << "a control character";
