@@ -10,7 +10,6 @@ TEST(InputArgumentTest, IsAUriWithTheSchemesThatAreKnown) {
 }
 
 TEST(InputArgumentTest, IsAFileOtherwise) {
-
     for (const char* name : {"a", "http:a", "https:/a", "ftp:a", "file:a", "x://h/a", "c:a"}) {
         EXPECT_EQ(InputArgument(name).path(), name);
     }
