@@ -102,6 +102,7 @@ TEST_F(ToolCatalogTest, WorkInTheSandbox) {
     }
     EXPECT_EQ(withCatalog("transform include.xsl source.xml --sandbox").output,
               "<b>entitydata</b>");
+    EXPECT_EQ(withCatalog("transform ok.xsl ok.xml --sandbox --no-catalogs").output, "<b>x</b>");
     // What the catalog leads to has to be where files may be read.
     shell("mkdir own; cp ok.xml include.xsl own");
     expectFailure(withCatalog("transform own/include.xsl own/ok.xml --sandbox"), 1,

@@ -134,6 +134,7 @@ TEST_F(DiagnosticsTest, PrintsMessagesAsTheyAre) {
 TEST_F(DiagnosticsTest, KeepsResultAndMessagesApartWhereStandardStreamsAreClosed) {
     writeSheet("<xsl:message>a message</xsl:message><b/>");
     EXPECT_EQ(tool("transform ok.xsl ok.xml -o /dev/stderr --isolate").error, "<b>x</b>");
+    EXPECT_EQ(tool("transform ok.xsl ok.xml -o /dev/fd/2").error, "<b>x</b>");
     EXPECT_EQ(tool("transform sheet.xsl ok.xml -o out 2>&-; cat out").output, "<b/>");
     EXPECT_EQ(tool("transform sheet.xsl -o out2 <ok.xml 2>&-; cat out2").output, "<b/>");
     expectFailure(tool("transform ok.xsl ok.xml >&-"), 1, "standard output: Bad file descriptor\n");

@@ -59,6 +59,14 @@ TEST_F(DocumentsTest, AreRefusedWhereNoFolderIsKnown) {
     }
 }
 
+TEST_F(DocumentsTest, AreRefusedWhereTheFolderCannotBe) {
+    expectFailure(tool("transform many.xsl source.xml --documents source.xml/x"), 1,
+                  "many.xsl:2:", "it is not below the folder source.xml/x\n");
+    expectFailure(tool("transform many.xsl source.xml --documents source.xml"), 1,
+                  "source.xml/part/1.xml: cannot open: Not a directory\n");
+    EXPECT_EQ(file("source.xml"), "<a><b>1</b><b>2</b></a>");
+}
+
 TEST_F(DocumentsTest, NestedOnesAreRelativeToEachOther) {
     writeDocuments("nested.xsl", document("a/o.xml", "<o/>" + document("b/i.xml", "<i/>") +
                                                          document("../up.xml", "<u/>")) +

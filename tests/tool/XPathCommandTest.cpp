@@ -78,6 +78,12 @@ TEST_F(XPathCommandTest, KnowsThePrefixesOfTheDocumentAndOthers) {
     // What is given on the command line comes before what the document declares.
     EXPECT_EQ(tool("xpath 'count(//q:i)' default.xml -n q=urn:d").output, "1\n");
     EXPECT_EQ(tool("xpath 'concat(\"q:j \", //q:j)' default.xml").output, "q:j inner\n");
+    // A prefix is a name, of whatever letters.
+    m_folder.write("names.xml", "<a xmlns:p_q.r-s='urn:p' xmlns:\xC3\xA4='urn:a'>"
+                                "<p_q.r-s:b>1</p_q.r-s:b><\xC3\xA4:c>2</\xC3\xA4:c></a>");
+    EXPECT_EQ(tool("xpath 'concat(//p_q.r-s:b, //\xC3\xA4:c)' names.xml").output, "12\n");
+    expectFailure(tool("xpath '//a:' names.xml"), 1, "expression: ", "'a' is not declared");
+    expectFailure(tool("xpath '//*[:b]' names.xml"), 1, "expression: ", "NCName");
     expectFailure(tool("xpath 'count(//e:i)' default.xml"), 1,
                   "expression: ", "'e' is not declared");
     for (const char* wrong : {"d", "=urn:d", "d=", "{u}d=urn:d", "1=urn:d"}) {

@@ -127,6 +127,14 @@ TEST_F(FurtherResultsTest, AreThoseOfXslt11Too) {
     EXPECT_EQ(m_results["d"], "t");
 }
 
+TEST_F(FurtherResultsTest, MayDeclareNamespaces) {
+    run("<exsl:document href='d' xmlns='urn:d' xmlns:p='urn:p'><d/></exsl:document>");
+    EXPECT_EQ(vexa::XPath::compile("count(/d:d)", {{"d", "urn:d"}})
+                  .evaluate(vexa::Document::parse(Input::text(m_results["d"])))
+                  .number(),
+              1);
+}
+
 TEST_F(FurtherResultsTest, AreAvailableAsAnElement) {
     EXPECT_EQ(run("<m x=\"{element-available('exsl:document')}\" "
                   "y=\"{element-available('exsl:none')}\"/>"

@@ -138,6 +138,33 @@ TEST(StylesheetTest, AnIncompletePatternIsACompileError) {
     }
 }
 
+TEST(StylesheetTest, ABarInAStringIsNoAlternative) {
+    EXPECT_EQ(transformed("<xsl:apply-templates select='/*/*'/></xsl:template>"
+                          "<xsl:template match='b[. = \"|\"]'>1</xsl:template>"
+                          "<xsl:template match=\"b[. = '/']\">2",
+                          "<a><b>|</b><b>/</b><b>3</b></a>"),
+              "123");
+}
+
+/** Only a call with a literal name is one of the library. */
+TEST(StylesheetTest, ThePropertyOfTheVendorIsNamedByALiteral) {
+    EXPECT_EQ(transformed("<xsl:value-of select=\"concat(system-property(//name), '-', "
+                          "//system-property, '-', system-property ( 'xsl:vendor' ))\"/>",
+                          "<a><name>xsl:version</name><system-property>3</system-property></a>"),
+              "1-3-VEXA");
+    for (const char* wrong : {"system-property('xsl:vendor', 1)", "system-property('xsl:vendor'"}) {
+        failureOf(
+            [&] { transformed("<xsl:value-of select=\"" + std::string(wrong) + "\"/>", "<a/>"); });
+    }
+}
+
+TEST(StylesheetTest, AMessageEndsTheTransformOnlyWhereItSaysSo) {
+    for (const char* end : {"", " terminate='no'"}) {
+        EXPECT_EQ(transformed("<xsl:message" + std::string(end) + ">m</xsl:message>1", "<a/>"),
+                  "1");
+    }
+}
+
 TEST(StylesheetTest, NestingThatWouldOverflowTheStackIsACompileError) {
     const std::string deep = std::string(100'000, '(') + "1" + std::string(100'000, ')');
     for (const std::string& content :
