@@ -36,7 +36,7 @@ double textNumber(std::string_view text) {
     double number = 0;
     const char* const end = text.data() + text.size();
     const auto [parsedEnd, error] = std::from_chars(text.data(), end, number);
-    if (parsedEnd != end || error == std::errc::invalid_argument) {
+    if (parsedEnd != end) {
         return NOT_A_NUMBER;
     }
     if (error == std::errc::result_out_of_range) {
