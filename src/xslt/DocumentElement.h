@@ -1,8 +1,10 @@
 /**
  * @file
- * exsl:document and xsl:document.
+ * exsl:document, xsl:document and saxon:output.
  */
 #pragma once
+
+#include <string_view>
 
 #include <xalanc/Include/XalanVector.hpp>
 #include <xalanc/XSLT/AVT.hpp>
@@ -11,6 +13,12 @@
 /** Writes its content to a further result. */
 class DocumentElement : public xalanc::ElemTemplateElement {
 public:
+    /** Whether this extension element is one; saxon:output is what others offer, too. */
+    static bool isNamed(std::u16string_view uri, std::u16string_view name) {
+        return (uri == u"http://exslt.org/common" && name == u"document") ||
+               (uri == u"http://icl.com/saxon" && name == u"output");
+    }
+
     DocumentElement(xalanc::StylesheetConstructionContext& construction,
                     xalanc::Stylesheet& stylesheet, const xalanc::AttributeListType& attributes,
                     const xercesc::Locator* locator);

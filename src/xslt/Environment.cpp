@@ -1,5 +1,6 @@
 #include "xslt/Environment.h"
 
+#include "xslt/DocumentElement.h"
 #include "xslt/InvalidExpression.h"
 #include "xslt/Text.h"
 #include "xslt/Uri.h"
@@ -16,7 +17,6 @@
 
 namespace {
 
-constexpr const XMLCh* COMMON_NAMESPACE = u"http://exslt.org/common";
 constexpr const XMLCh* FUNCTIONS_NAMESPACE = u"http://exslt.org/functions";
 constexpr const XMLCh* DYNAMIC_NAMESPACE = u"http://exslt.org/dynamic";
 
@@ -227,6 +227,6 @@ xalanc::XObjectPtr Environment::extFunction(xalanc::XPathExecutionContext& conte
 
 bool Environment::elementAvailable(const xalanc::XalanDOMString& uri,
                                    const xalanc::XalanDOMString& name) const {
-    return (uri == COMMON_NAMESPACE && name == u"document") ||
+    return DocumentElement::isNamed({uri.c_str(), uri.length()}, {name.c_str(), name.length()}) ||
            (uri == FUNCTIONS_NAMESPACE && (name == u"function" || name == u"result"));
 }

@@ -168,7 +168,9 @@ FurtherResults::~FurtherResults() = default;
 FormatterListener& FurtherResults::begin(const ResultAttributes& attributes,
                                          const vexa::Location& where,
                                          const xalanc::StylesheetExecutionContext& context) {
-    const std::string href = toUtf8(attributes.get(u"href"));
+    const XalanDOMString& reference = attributes.get(u"href");
+    // saxon:output has both.
+    const std::string href = toUtf8(reference.empty() ? attributes.get(u"file") : reference);
     if (!m_handler) {
         m_operation.fail(ErrorKind::Denied, "the document '" + href + "' may not be written",
                          where);

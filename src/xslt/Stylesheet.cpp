@@ -38,7 +38,6 @@ using xalanc::XalanDOMString;
 
 namespace {
 
-constexpr const XMLCh* EXSLT_COMMON = u"http://exslt.org/common";
 constexpr const XMLCh* EXSLT_FUNCTIONS = u"http://exslt.org/functions";
 
 /** The engine as far as compiling needs it. */
@@ -286,10 +285,11 @@ public:
                                                const xalanc::AttributeListType& attributes,
                                                xalanc::ExtensionNSHandler& handler,
                                                const xercesc::Locator* locator) override {
-        if (m_filter->elementName() == StylesheetFilter::ExpandedName(EXSLT_COMMON, u"document")) {
+        const StylesheetFilter::ExpandedName expanded = m_filter->elementName();
+        if (DocumentElement::isNamed(expanded.first, expanded.second)) {
             return makeElement<DocumentElement>(stylesheet, attributes, locator);
         }
-        if (m_filter->elementName() == StylesheetFilter::ExpandedName(EXSLT_FUNCTIONS, u"result")) {
+        if (expanded == StylesheetFilter::ExpandedName(EXSLT_FUNCTIONS, u"result")) {
             return makeElement<FunctionResultElement>(stylesheet, attributes, locator);
         }
         return StylesheetConstructionContextDefault::createElement(stylesheet, name, attributes,

@@ -18,7 +18,8 @@ protected:
     static Stylesheet compiledWith(const std::string& instructions, const std::string& root = {}) {
         return Stylesheet::compile(Input::text(
             "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' "
-            "xmlns:exsl='http://exslt.org/common' extension-element-prefixes='exsl' " +
+            "xmlns:exsl='http://exslt.org/common' xmlns:s='http://icl.com/saxon' "
+            "extension-element-prefixes='exsl s' " +
             root + "><xsl:template match='/'>" + instructions +
             "</xsl:template></xsl:stylesheet>"));
     }
@@ -133,6 +134,15 @@ TEST_F(FurtherResultsTest, MayDeclareNamespaces) {
                   .evaluate(vexa::Document::parse(Input::text(m_results["d"])))
                   .number(),
               1);
+}
+
+// The DocBook stylesheets put base.dir before all names of files where saxon:output is available.
+TEST_F(FurtherResultsTest, AreThoseOfSaxonToo) {
+    EXPECT_EQ(run("<m x=\"{element-available('s:output')}\" y=\"{element-available('s:none')}\">"
+                  "<s:output href='h'>1</s:output><s:output file='f'>2</s:output></m>"),
+              "<m x=\"true\" y=\"false\"/>");
+    EXPECT_EQ(body(m_results["h"]), "1");
+    EXPECT_EQ(body(m_results["f"]), "2");
 }
 
 TEST_F(FurtherResultsTest, AreAvailableAsAnElement) {
