@@ -176,8 +176,10 @@ public:
                         : RunContext::extFunction(uri, name, node, arguments, locator);
     }
 
+    /** xsl:strip-space is about source documents; the engine strips trees in variables, too. */
     bool shouldStripSourceNode(const xalanc::XalanText& text) override {
-        return m_stripAnswers.isStripped(text, m_machine.m_stylesheet.root());
+        return m_stripAnswers.isStripped(text, m_machine.m_stylesheet.root()) &&
+               text.getOwnerDocument() != getSourceTreeFactory(getMemoryManager());
     }
 
     /** For xsl:number. The engine's own prints errors, and is asked for "&name" at attributes. */

@@ -64,6 +64,13 @@ const std::vector<Case> CASES = {
      "<xsl:value-of select='count(n:node-set($v)/*)' xmlns:n='http://exslt.org/common'/>"
      "</xsl:attribute></e></xsl:template>",
      "<e n=\"2\"/>"},
+    {"ATreeInAVariableKeepsItsWhitespace",
+     "<xsl:strip-space elements='i'/><xsl:template match='/'><xsl:variable name='v'><i>"
+     "<xsl:text> </xsl:text><b/><xsl:text> </xsl:text></i></xsl:variable>"
+     "<e n='{count(n:node-set($v)/i/node())}' xsl:exclude-result-prefixes='n' "
+     "xmlns:n='http://exslt.org/common'><xsl:copy-of select='n:node-set($v)/i'/>"
+     "<xsl:apply-templates select='n:node-set($v)/i'/></e></xsl:template>",
+     "<e n=\"3\"><i> <b/> </i>  </e>"},
     {"WhatIsNoTextIsLeftOutOfAnAttribute",
      "<xsl:template match='/'><e><xsl:attribute name='n'><xsl:variable name='v'><i>1</i>"
      "</xsl:variable>2<xsl:copy-of select='$v'/>3</xsl:attribute></e></xsl:template>",
