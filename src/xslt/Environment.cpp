@@ -143,7 +143,10 @@ Environment::findURIFromDoc(const xalanc::XalanDocument* document) const {
 void Environment::installExternalFunctionLocal(const xalanc::XalanDOMString& uri,
                                                const xalanc::XalanDOMString& name,
                                                const xalanc::Function& function) {
-    m_installed.emplace(uri.c_str(), name.c_str());
+    if (findExsltFunction({uri.c_str(), uri.length()}, {name.c_str(), name.length()}) ||
+        m_engineFunctions.find(uri, name)) {
+        m_replaced.emplace(uri.c_str(), name.c_str());
+    }
     XSLTProcessorEnvSupportDefault::installExternalFunctionLocal(uri, name, function);
 }
 
@@ -160,7 +163,7 @@ const Environment::Callee& Environment::findCallee(const xalanc::XalanDOMString&
     Callee& callee = m_callees[&name];
     if (!areEqual(callee.name, nameView) || !areEqual(callee.uri, uriView)) {
         callee = {std::u16string(uriView), std::u16string(nameView)};
-        if (m_installed.count({callee.uri, callee.name}) == 0) {
+        if (m_replaced.count({callee.uri, callee.name}) == 0) {
             callee.exslt = findExsltFunction(uriView, nameView);
             callee.engines = callee.exslt ? nullptr : m_engineFunctions.find(uri, name);
         }

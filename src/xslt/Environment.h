@@ -116,8 +116,8 @@ private:
     DocumentParser& m_parser;
     bool m_evaluates = true;
     EngineFunctions m_engineFunctions;
-    /** Those that are the host's: their URIs and names. */
-    std::set<std::pair<std::u16string, std::u16string>> m_installed;
+    /** Those of EXSLT and of the engine that the host has replaced: their URIs and names. */
+    std::set<std::pair<std::u16string, std::u16string>> m_replaced;
     mutable EvaluateFunction m_evaluate;
     /** By the place of the name, which an expression keeps. Another one may be there later. */
     mutable std::unordered_map<const void*, Callee> m_callees;
