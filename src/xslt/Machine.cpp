@@ -236,6 +236,10 @@ public:
     void cloneToResultTree(const xalanc::XalanNode& node, xalanc::XalanNode::NodeType type,
                            bool overridesStrip, bool clonesAttributes,
                            const xalanc::Locator* locator) override {
+        if (type == xalanc::XalanNode::ATTRIBUTE_NODE && isElementPending() &&
+            addWithOtherPrefix(node)) {
+            return;
+        }
         const auto* const attributes = clonesAttributes && type == xalanc::XalanNode::ELEMENT_NODE
                                            ? node.getAttributes()
                                            : nullptr;
@@ -302,6 +306,44 @@ private:
     static constexpr XMLSize_t MANY_ATTRIBUTES = 1000;
 
     Operation& operation() const { return m_machine.m_environment.operation(); }
+
+    void declare(const std::u16string& prefix, const XalanDOMString& uri) {
+        RunContext::addResultAttribute(
+            XalanDOMString((u"xmlns:" + prefix).c_str(), getMemoryManager()), uri);
+    }
+
+    /**
+     * Declares the prefix of an attribute that is copied: the engine does not. If it stands for
+     * another namespace there, adds the attribute with one that does not.
+     *
+     * @return whether the attribute is added
+     */
+    bool addWithOtherPrefix(const xalanc::XalanNode& attribute) {
+        const XalanDOMString& uri = attribute.getNamespaceURI();
+        const XalanDOMString& prefix = attribute.getPrefix();
+        if (prefix.empty() || prefix == u"xml" || prefix == u"xmlns") {
+            return false;
+        }
+        const XalanDOMString* const declared = getResultNamespaceForPrefix(prefix);
+        if (!declared) {
+            declare(prefix.c_str(), uri);
+        }
+        if (!declared || *declared == uri) {
+            return false;
+        }
+        const XalanDOMString* const known = getResultPrefixForNamespace(uri);
+        XalanDOMString other(getMemoryManager());
+        if (known && !known->empty()) {
+            other = *known;
+        } else {
+            getUniqueNamespaceValue(other);
+            declare(other.c_str(), uri);
+        }
+        other.append(u":");
+        other.append(attribute.getLocalName());
+        addResultAttribute(other, attribute.getNodeValue());
+        return true;
+    }
 
     /** Executes a function of the stylesheet. */
     XObjectPtr call(const xalanc::ElemTemplateElement& function, const std::string& name,

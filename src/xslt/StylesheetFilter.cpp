@@ -155,12 +155,23 @@ bool StylesheetFilter::startXsltElement(std::u16string_view name, Attributes& ch
         keepExcludedPrefixes(changes.get());
     } else if (local == u"document") {
         hide(Hidden::Document);
+    } else if (local == u"attribute" && !changes.get().getValue(u"namespace")) {
+        addNamespace(changes);
     } else if ((local == u"variable" || local == u"param") && m_elements.size() > 1) {
         return startVariable(name, changes.get());
     } else if (local == u"namespace-alias" && m_elements.size() == 2) {
         return startAlias(changes.get());
     }
     return true;
+}
+
+/** The engine does not declare a prefix where another one stands for its namespace. */
+void StylesheetFilter::addNamespace(Attributes& changes) const {
+    const std::u16string prefix(prefixOf(valueOf(changes.get(), u"name")));
+    const std::u16string_view uri = m_namespaces.uriOf(prefix);
+    if (!prefix.empty() && !uri.empty() && uri.find_first_of(u"{}") == uri.npos) {
+        changes.add(u"namespace", std::u16string(uri));
+    }
 }
 
 /** func:function is a template for the handler. */

@@ -77,6 +77,7 @@ private:
 
     Element begin(const XMLCh* name, const xercesc::AttributeList& attributes) const;
     bool startXsltElement(std::u16string_view name, Attributes& changes);
+    void addNamespace(Attributes& changes) const;
     void startFunction(Attributes& changes);
     bool startAlias(const xercesc::AttributeList& attributes);
     bool startVariable(std::u16string_view name, const xercesc::AttributeList& attributes);

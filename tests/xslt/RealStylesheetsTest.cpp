@@ -122,6 +122,25 @@ const std::vector<Case> CASES = {
      "<xsl:template match='/' use='1'><xsl:choose><xsl:when test='false()'/>"
      "<xsl:otherwise test='x'><e/></xsl:otherwise></xsl:choose></xsl:template>",
      "<e/>"},
+    {"AnAttributeHasAPrefixThatIsDeclared",
+     "<xsl:template match='/'><e xmlns='urn:p'><xsl:call-template name='p'/>"
+     "<f xmlns='' xmlns:q='urn:p'><xsl:call-template name='p'/></f></e></xsl:template>"
+     "<xsl:template name='p'><xsl:attribute name='p:n' xmlns:p='urn:p'>1</xsl:attribute>"
+     "</xsl:template>",
+     "<e xmlns=\"urn:p\" xmlns:p=\"urn:p\" p:n=\"1\">"
+     "<f xmlns=\"\" xmlns:q=\"urn:p\" p:n=\"1\"/></e>"},
+    {"ACopiedAttributeHasAPrefixThatIsDeclared",
+     "<xsl:variable name='v'><s xmlns:p='urn:p' p:n='1' xml:lang='en'/></xsl:variable>"
+     "<xsl:variable name='s' select='n:node-set($v)/s/@*' xmlns:n='http://exslt.org/common'/>"
+     "<xsl:template match='/'><r><e xmlns='urn:p'><xsl:copy-of select='$s'/></e>"
+     "<e xmlns:q='urn:p'><xsl:for-each select='$s'><xsl:copy/></xsl:for-each></e>"
+     "<p:e xmlns:p='urn:other'><xsl:copy-of select='$s'/></p:e>"
+     "<p:e xmlns:p='urn:other' xmlns:q='urn:p'><xsl:for-each select='$s'><xsl:copy/></xsl:for-each>"
+     "</p:e></r></xsl:template>",
+     "<r><e xmlns=\"urn:p\" xmlns:p=\"urn:p\" p:n=\"1\" xml:lang=\"en\"/>"
+     "<e xmlns:q=\"urn:p\" xmlns:p=\"urn:p\" p:n=\"1\" xml:lang=\"en\"/>"
+     "<p:e xmlns:p=\"urn:other\" xmlns:ns0=\"urn:p\" ns0:n=\"1\" xml:lang=\"en\"/>"
+     "<p:e xmlns:p=\"urn:other\" xmlns:q=\"urn:p\" q:n=\"1\" xml:lang=\"en\"/></r>"},
     {"ATemplateThatDoesNotExistIsNotCalled",
      "<xsl:template match='/'><e><xsl:if test='false()'><xsl:call-template name='none'/></xsl:if>"
      "</e></xsl:template>",
