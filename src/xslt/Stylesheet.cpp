@@ -19,13 +19,17 @@
 #include <vexa/xslt/Error.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include <xalanc/PlatformSupport/XSLException.hpp>
 #include <xalanc/PlatformSupport/XalanLocator.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XPath/XalanQNameByReference.hpp>
-#include <xalanc/XSLT/ElemTemplateElement.hpp>
+#include <xalanc/XSLT/ElemTemplate.hpp>
 #include <xalanc/XSLT/ProblemListener.hpp>
 #include <xalanc/XSLT/StylesheetHandler.hpp>
 #include <xalanc/XSLT/XSLTEngineImpl.hpp>
@@ -64,30 +68,40 @@ bool hasValue(const xalanc::AttributeListType& attributes, const char16_t* name,
     return found && value == found;
 }
 
+/** What a pattern has between its operators |, without white space around it. */
+std::vector<std::u16string_view> alternativesOf(std::u16string_view pattern) {
+    std::vector<std::u16string_view> alternatives;
+    std::size_t depth = 0;
+    std::size_t begin = 0;
+    const auto add = [&](std::size_t end) {
+        constexpr std::u16string_view SPACE = u" \t\r\n";
+        std::u16string_view alternative = pattern.substr(begin, end - begin);
+        alternative.remove_prefix(
+            std::min(alternative.find_first_not_of(SPACE), alternative.size()));
+        alternatives.push_back(alternative.substr(0, alternative.find_last_not_of(SPACE) + 1));
+        begin = end + 1;
+    };
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        const char16_t c = pattern[i];
+        if (c == u'"' || c == u'\'') {
+            i = std::min(pattern.find(c, i + 1), pattern.size());
+        } else if (c == u'|' && depth == 0) {
+            add(i);
+        }
+        depth += c == u'[' || c == u'(';
+        depth -= depth > 0 && (c == u']' || c == u')');
+    }
+    add(pattern.size());
+    return alternatives;
+}
+
 /** Whether an alternative of a pattern is empty, or has a slash at its end that needs a step. */
 bool isIncompletePattern(std::u16string_view pattern) {
-    std::size_t depth = 0;
-    std::size_t length = 0; // of the alternative, without white space
-    char16_t last = 0;
-    const auto isIncomplete = [&] { return length == 0 || (length > 1 && last == u'/'); };
-    while (!pattern.empty()) {
-        const char16_t c = pattern.front();
-        const bool isQuote = c == u'"' || c == u'\'';
-        const auto end = isQuote ? pattern.find(c, 1) : 0;
-        pattern.remove_prefix(std::min(end, pattern.size() - 1) + 1);
-        if (c == u'|' && depth == 0) {
-            if (isIncomplete()) {
-                return true;
-            }
-            length = 0;
-        } else if (!xercesc::XMLChar1_0::isWhitespace(c)) {
-            depth += c == u'[' || c == u'(';
-            depth -= depth > 0 && (c == u']' || c == u')');
-            last = c;
-            ++length;
-        }
-    }
-    return isIncomplete();
+    const auto alternatives = alternativesOf(pattern);
+    return std::any_of(
+        alternatives.begin(), alternatives.end(), [](std::u16string_view alternative) {
+            return alternative.empty() || (alternative.size() > 1 && alternative.back() == u'/');
+        });
 }
 
 /** Removes a piece from the beginning, and white space before it. @return whether it was there */
@@ -239,6 +253,29 @@ public:
                                                                         allowVariables, allowKey);
     }
 
+    /**
+     * Called for each alternative of a rule's pattern. Each one is a rule of its own, with its own
+     * priority; the engine gives that to a node which any of them matches.
+     */
+    const xalanc::XalanMatchPatternData*
+    createXalanMatchPatternData(const xalanc::ElemTemplate& rule,
+                                XalanDOMString::size_type position, const XalanDOMString& target,
+                                const xalanc::XPath& pattern, const XalanDOMString& text,
+                                xalanc::XPath::eMatchScore priority) override {
+        m_alternative = &rule == m_rule ? m_alternative + 1 : 0;
+        m_rule = &rule;
+        const auto alternatives = alternativesOf({text.c_str(), text.length()});
+        const xalanc::XPath* own = &pattern;
+        if (alternatives.size() > 1 && m_alternative < alternatives.size()) {
+            const std::u16string alternative(alternatives[m_alternative]);
+            own = createMatchPattern(rule.getLocator(),
+                                     XalanDOMString(alternative.c_str(), getMemoryManager()), rule,
+                                     false, true);
+        }
+        return StylesheetConstructionContextDefault::createXalanMatchPatternData(
+            rule, position, target, *own, text, priority);
+    }
+
     using StylesheetConstructionContextDefault::createElement;
     xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
                                                const xalanc::AttributeListType& attributes,
@@ -335,6 +372,9 @@ private:
     StylesheetFilter* m_filter = nullptr;
     /** That of the instruction that was read last. */
     xalanc::Stylesheet* m_module = nullptr;
+    /** The rule whose alternatives are added, and the number of the last one. */
+    const xalanc::ElemTemplate* m_rule = nullptr;
+    std::size_t m_alternative = 0;
     const InvalidExpression m_invalidExpression{getMemoryManager()};
 };
 

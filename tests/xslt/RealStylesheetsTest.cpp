@@ -141,6 +141,12 @@ const std::vector<Case> CASES = {
      "<e xmlns:q=\"urn:p\" xmlns:p=\"urn:p\" p:n=\"1\" xml:lang=\"en\"/>"
      "<p:e xmlns:p=\"urn:other\" xmlns:ns0=\"urn:p\" ns0:n=\"1\" xml:lang=\"en\"/>"
      "<p:e xmlns:p=\"urn:other\" xmlns:q=\"urn:p\" q:n=\"1\" xml:lang=\"en\"/></r>"},
+    {"EachAlternativeOfAPatternHasItsOwnPriority",
+     "<xsl:template match='x[1]'>1</xsl:template><xsl:template match='x | x[2]'>2</xsl:template>"
+     "<xsl:template match=\"x[@n='|'] | p:x[2] | c[1]\" xmlns:p='urn:p'>3</xsl:template>"
+     "<xsl:template match='c'>4</xsl:template><xsl:template match='/'><e><xsl:apply-templates/></e>"
+     "</xsl:template>",
+     "<e>13</e>"},
     {"ATemplateThatDoesNotExistIsNotCalled",
      "<xsl:template match='/'><e><xsl:if test='false()'><xsl:call-template name='none'/></xsl:if>"
      "</e></xsl:template>",
