@@ -5,8 +5,9 @@ import os
 import re
 import xml.parsers.expat
 
-# Both programs generate identifiers: ours as N0x55d0c8N0x55d0f0, xsltproc as id1234.
-OUR_ID = re.compile(r"N(?:0x[0-9a-f]+|\(nil\))N0x[0-9a-f]+")
+# Both programs generate identifiers: ours from two addresses, xsltproc as id1234.
+ADDRESS = r"0x(?:[0-9a-f]{12}|[0-9a-f]{8})"
+OUR_ID = re.compile(rf"N(?:{ADDRESS}|\(nil\))N{ADDRESS}")
 THEIR_ID = re.compile(r"(?<![A-Za-z])id[mp]?[0-9]+")
 
 

@@ -10,7 +10,7 @@ from known_differences import KNOWN_DIFFERENCES
 
 PAGE = '<!DOCTYPE html>\n<html><body><p id="{0}">a<br>&lt;</p><a href="#{0}">b</a><i id="{1}"></i></body></html>'
 XML = '<?xml version="1.0"?><a xmlns="urn:a" id="{0}"><b xml:lang="en" c="{1}">text</b></a>'
-OURS = ("N0x1aN0x2b", "N0x1aN0x3c")
+OURS = ("N(nil)N0x55d3ce34a3d0", "N0x55d3ce34a3d0N0x55d3ce34a3f8")
 THEIRS = ("id7", "id12")
 
 
@@ -94,6 +94,9 @@ class CompareResultsTest(unittest.TestCase):
                 ("xhtml", "<h xmlns='x'><t xml:lang='en'/></h>",
                  "<h xmlns='x'><meta http-equiv='Content-Type'/><t xml:lang='en' lang='en'/></h>",
                  "<h xmlns='x'><meta/><t xml:lang='en' lang='en'/></h>"),
+                ("copied_namespaces", "<html><m:m xmlns='urn:x' xmlns:m='urn:m'><br>",
+                 "<html><m:m xmlns:m='urn:m'><br>", "<html><m:m xmlns:m='urn:m' xml:m=''><br>"),
+                ("system_id", "<i src='url(a.svg)'/>", "<i src='url(/b/a.svg)'/>", "<i src='url(/b/c.svg)'/>"),
                 ("time_of_run", "<a>2026-11-23T02:28:55Z</a>", "<a>2026-11-23T02:28:56Z</a>", "<a>2026-11-23</a>")):
             settle = {"settle": KNOWN_DIFFERENCES[name]}
             self.expect_difference({"r": ours}, {"r": theirs}, "line 1")
