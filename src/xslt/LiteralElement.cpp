@@ -65,7 +65,14 @@ void LiteralElement::namespacesPostConstruction(Construction& construction,
                                                     scopes);
         }
     }
+    // The engine keeps the namespace of the prefix that the name has, here that of elements without
+    // one: another prefix stands in its place.
+    const XalanDOMString* const name = m_name;
+    if (name) {
+        m_name = &construction.getPooledString(u"xmlns:name");
+    }
     ElemLiteralResult::namespacesPostConstruction(construction, parent, namespaces);
+    m_name = name;
 }
 
 void LiteralElement::evaluateAVTs(xalanc::StylesheetExecutionContext& context) const {

@@ -215,6 +215,16 @@ TEST_F(RealModulesTest, AnIncludedModuleExcludesPrefixes) {
               "<h xmlns:z=\"urn:other\" xmlns:y=\"urn:y\"/>");
 }
 
+TEST_F(RealModulesTest, AnAliasLeadsFromTheDefaultNamespaceOfAModuleToNone) {
+    m_folder.write("base.xsl",
+                   "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' "
+                   "xmlns='urn:o' xmlns:o='urn:o'><xsl:template match='/'><e n='1'><f/>"
+                   "<p:g xmlns:p='urn:p'/></e></xsl:template></xsl:stylesheet>");
+    EXPECT_EQ(run("<xsl:import href='base.xsl'/><xsl:namespace-alias stylesheet-prefix='o' "
+                  "result-prefix='#default' xmlns:o='urn:o'/>"),
+              "<e n=\"1\"><f/><p:g xmlns:p=\"urn:p\"/></e>");
+}
+
 TEST_F(RealModulesTest, TheVendorIsNotTheEngines) {
     EXPECT_EQ(run("<xsl:template match='/'><e a='{function-available(\"o:f\") and "
                   "o:system-property(\"xsl:vendor\")}' xmlns:o='urn:o'/></xsl:template>"),
