@@ -96,6 +96,8 @@ class CompareResultsTest(unittest.TestCase):
                  "<h xmlns='x'><meta/><t xml:lang='en' lang='en'/></h>"),
                 ("copied_namespaces", "<html><m:m xmlns='urn:x' xmlns:m='urn:m'><br>",
                  "<html><m:m xmlns:m='urn:m'><br>", "<html><m:m xmlns:m='urn:m' xml:m=''><br>"),
+                ("legacy_compat", "<!DOCTYPE HTML SYSTEM \"about:legacy-compat\"><html><br>", "<!DOCTYPE html><html><br>",
+                 "<!DOCTYPE html SYSTEM 'x'><html><br>"),
                 ("system_id", "<i src='url(a.svg)'/>", "<i src='url(/b/a.svg)'/>", "<i src='url(/b/c.svg)'/>"),
                 ("time_of_run", "<a>2026-11-23T02:28:55Z</a>", "<a>2026-11-23T02:28:56Z</a>", "<a>2026-11-23</a>")):
             settle = {"settle": KNOWN_DIFFERENCES[name]}
