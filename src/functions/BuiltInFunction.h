@@ -6,7 +6,6 @@
 
 #include <vexa/TqXsltFunction.h>
 
-#include <memory>
 #include <new>
 
 #include <xalanc/Include/XalanMemoryManagement.hpp>
@@ -21,7 +20,7 @@
 template <typename Concrete>
 class BuiltInFunction : public TqXsltFunction {
 public:
-    TqXsltFunction* clone() const final { return std::make_unique<Concrete>().release(); }
+    TqXsltFunction* clone() const final { return new Concrete; }
 
     xalanc::Function* clone(xercesc::MemoryManager& memoryManager) const final {
         xalanc::XalanAllocationGuard memory(memoryManager, sizeof(Concrete));
