@@ -140,10 +140,12 @@ private:
                                                    publicId, attributes.isYes(u"indent", true),
                                                    INDENT_OF_HTML, true, false);
         }
+        const bool hasDeclaration = !attributes.isYes(u"omit-xml-declaration");
+        // The engine writes one for a value of standalone.
         return xalanc::XalanXMLSerializerFactory::create(
             memory, m_printer, XalanDOMString(u"1.0", memory), attributes.isYes(u"indent"), 0,
-            encoding, mediaType, system, publicId, !attributes.isYes(u"omit-xml-declaration"),
-            attributes.get(u"standalone"));
+            encoding, mediaType, system, publicId, hasDeclaration,
+            attributes.get(hasDeclaration ? u"standalone" : u""));
     }
 
     static constexpr int INDENT_OF_HTML = 0;

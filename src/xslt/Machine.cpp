@@ -114,6 +114,18 @@ public:
         return RunContext::returnMutableNodeRefList(list);
     }
 
+    /** The engine writes an XML declaration for a value of standalone, too. */
+    xalanc::FormatterListener*
+    createFormatterToXML(xalanc::Writer& writer, const XalanDOMString& version, bool indents,
+                         int indent, const XalanDOMString& encoding,
+                         const XalanDOMString& mediaType, const XalanDOMString& system,
+                         const XalanDOMString& publicId, bool hasDeclaration,
+                         const XalanDOMString& standalone) override {
+        return RunContext::createFormatterToXML(
+            writer, version, indents, indent, encoding, mediaType, system, publicId, hasDeclaration,
+            hasDeclaration ? standalone : XalanDOMString(getMemoryManager()));
+    }
+
     void beginCreateXResultTreeFrag(xalanc::XalanNode* source) override {
         xalanc::FormatterToSourceTree& writer = m_machine.m_fragments.begin(
             *getSourceTreeFactory(getMemoryManager()), &m_machine.m_processor);

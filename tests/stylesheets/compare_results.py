@@ -103,7 +103,7 @@ class HtmlEvents(html.parser.HTMLParser):
         self.add("comment", data)
 
     def handle_decl(self, decl):
-        self.add("doctype", decl)
+        self.add("doctype", re.sub("^doctype html", "DOCTYPE html", decl, flags=re.IGNORECASE))
 
     def handle_pi(self, data):
         self.add("instruction", data)

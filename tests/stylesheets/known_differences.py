@@ -23,7 +23,7 @@ def digits(ours, theirs):
     """xsltproc writes numbers with 15 digits; vexa-xslt with all that XPath 1.0 asks for."""
     def rounded(text):
         return re.sub(r"[0-9]+\.[0-9]{10,}", lambda match: f"{float(match.group()):.15g}", text)
-    return [(line, kind, tuple(map(rounded, strings))) for line, kind, strings in ours], theirs
+    return [[(line, kind, tuple(map(rounded, strings))) for line, kind, strings in events] for events in (ours, theirs)]
 
 
 def xhtml(ours, theirs):
@@ -62,7 +62,7 @@ def system_id(ours, theirs):
 
 def legacy_compat(ours, theirs):
     """xsltproc leaves the system identifier "about:legacy-compat" out of an HTML result."""
-    legacy = "DOCTYPE HTML SYSTEM \"about:legacy-compat\""
+    legacy = "DOCTYPE html SYSTEM \"about:legacy-compat\""
     return [(line, kind, ("DOCTYPE html",)) if (kind, strings) == ("doctype", (legacy,)) else (line, kind, strings)
             for line, kind, strings in ours], theirs
 

@@ -182,6 +182,14 @@ protected:
     TemporaryFolder m_folder;
 };
 
+TEST_F(RealModulesTest, AnXmlDeclarationIsLeftOutThoughStandaloneHasAValue) {
+    const std::string path = m_folder.write(
+        "main.xsl", stylesheet("<xsl:output omit-xml-declaration='yes' standalone='yes'/>"
+                               "<xsl:template match='/'><e/></xsl:template>"));
+    EXPECT_EQ(Transformation(Stylesheet::compile(Input::file(path))).toString(Input::text(SOURCE)),
+              "<e/>");
+}
+
 TEST_F(RealModulesTest, ANamedTemplateLeavesTheCurrentRule) {
     m_folder.write("base.xsl", stylesheet("<xsl:template match='a'><base/></xsl:template>"
                                           "<xsl:template match='b'><other/></xsl:template>"));
