@@ -8,6 +8,8 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <algorithm>
+#include <functional>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -38,11 +40,23 @@ std::string fileUriOf(const vexa::Output& output) {
     return fileUri(failure ? data.path : real);
 }
 
+/** Whether a result that begins with this element is HTML, if the stylesheet does not say. */
+bool isHtml(std::u16string_view name, const xalanc::AttributeListType& attributes) {
+    constexpr std::u16string_view HTML = u"html";
+    const XMLCh* const uri = attributes.getValue(u"xmlns");
+    return std::equal(name.begin(), name.end(), HTML.begin(), HTML.end(),
+                      [](char16_t c, char16_t lower) { return (c | 0x20) == lower; }) &&
+           (!uri || !*uri);
+}
+
 /** Declares again, in a result of its own, the namespaces that an enclosing result declares. */
 class NamespaceDeclarer : public FormatterListener {
 public:
-    NamespaceDeclarer(FormatterListener& next, const xalanc::StylesheetExecutionContext& context)
-        : FormatterListener(next.getOutputFormat()), m_next(next), m_context(context) {}
+    /** Makes the listener for HTML, or the one for all else. */
+    using Create = std::function<FormatterListener&(bool isHtml)>;
+
+    NamespaceDeclarer(Create create, const xalanc::StylesheetExecutionContext& context)
+        : FormatterListener(OUTPUT_METHOD_OTHER), m_create(std::move(create)), m_context(context) {}
 
     void startElement(const XMLCh* const name, xalanc::AttributeListType& attributes) override {
         m_scopes.startElement(attributes);
@@ -54,37 +68,45 @@ public:
                 declare(prefix, attributes, more);
             }
         }
-        m_next.startElement(name, more ? *more : attributes);
+        xalanc::AttributeListType& all = more ? *more : attributes;
+        next(isHtml(name, all)).startElement(name, all);
     }
     void endElement(const XMLCh* const name) override {
-        m_next.endElement(name);
+        next().endElement(name);
         m_scopes.endElement();
     }
     void characters(const XMLCh* const text, const size_type length) override {
-        m_next.characters(text, length);
+        next().characters(text, length);
     }
     void charactersRaw(const XMLCh* const text, const size_type length) override {
-        m_next.charactersRaw(text, length);
+        next().charactersRaw(text, length);
     }
     void cdata(const XMLCh* const text, const size_type length) override {
-        m_next.cdata(text, length);
+        next().cdata(text, length);
     }
-    void comment(const XMLCh* const text) override { m_next.comment(text); }
-    void entityReference(const XMLCh* const name) override { m_next.entityReference(name); }
+    void comment(const XMLCh* const text) override { next().comment(text); }
+    void entityReference(const XMLCh* const name) override { next().entityReference(name); }
     void ignorableWhitespace(const XMLCh* const text, const size_type length) override {
-        m_next.ignorableWhitespace(text, length);
+        next().ignorableWhitespace(text, length);
     }
     void processingInstruction(const XMLCh* const target, const XMLCh* const data) override {
-        m_next.processingInstruction(target, data);
+        next().processingInstruction(target, data);
     }
-    void setDocumentLocator(const xercesc::Locator* const locator) override {
-        m_next.setDocumentLocator(locator);
-    }
-    void startDocument() override { m_next.startDocument(); }
-    void endDocument() override { m_next.endDocument(); }
-    void resetDocument() override { m_next.resetDocument(); }
+    void setDocumentLocator(const xercesc::Locator* const /*locator*/) override {}
+    void startDocument() override {}
+    void endDocument() override { next().endDocument(); }
+    void resetDocument() override { next().resetDocument(); }
 
 private:
+    /** The first event says what the result is. */
+    FormatterListener& next(bool isHtml = false) {
+        if (!m_next) {
+            m_next = &m_create(isHtml);
+            m_next->startDocument();
+        }
+        return *m_next;
+    }
+
     void declare(std::u16string_view prefix, const xalanc::AttributeListType& attributes,
                  std::optional<xalanc::AttributeListImpl>& more) {
         if (prefix == u"xml" || m_scopes.declares(prefix)) {
@@ -103,7 +125,8 @@ private:
         m_scopes.declare(prefix, uri->c_str());
     }
 
-    FormatterListener& m_next;
+    const Create m_create;
+    FormatterListener* m_next = nullptr;
     const xalanc::StylesheetExecutionContext& m_context;
     NamespaceScopes m_scopes;
 };
@@ -114,28 +137,33 @@ class FurtherResults::Result {
 public:
     Result(const vexa::Output& output, const ResultAttributes& attributes, Operation& operation,
            const xalanc::StylesheetExecutionContext& context)
-        : m_writer(output, operation), m_isText(attributes.get(u"method") == u"text"),
-          m_formatter(engineMemory(), create(attributes)), m_declarer(*m_formatter, context) {}
+        : m_writer(output, operation),
+          m_declarer([this, attributes](
+                         bool isHtml) -> FormatterListener& { return create(attributes, isHtml); },
+                     context) {}
 
-    FormatterListener& listener() {
-        return m_isText ? *m_formatter : static_cast<FormatterListener&>(m_declarer);
-    }
+    FormatterListener& listener() { return m_declarer; }
     void end() { m_printer.flush(); }
     void commit() { m_writer.commit(); }
 
 private:
-    FormatterListener* create(const ResultAttributes& attributes) {
+    FormatterListener& create(const ResultAttributes& attributes, bool isHtml) {
+        m_formatter.reset(&engineMemory(), make(attributes, isHtml));
+        return *m_formatter;
+    }
+    FormatterListener* make(const ResultAttributes& attributes, bool isHtml) {
         auto& memory = engineMemory();
         const XalanDOMString utf8(u"UTF-8", memory);
         const XalanDOMString& asked = attributes.get(u"encoding");
         const XalanDOMString& encoding = asked.empty() ? utf8 : asked;
-        if (m_isText) {
+        const XalanDOMString& method = attributes.get(u"method");
+        if (method == u"text") {
             return xalanc::FormatterToText::create(memory, m_printer, encoding);
         }
         const XalanDOMString& mediaType = attributes.get(u"media-type");
         const XalanDOMString& system = attributes.get(u"doctype-system");
         const XalanDOMString& publicId = attributes.get(u"doctype-public");
-        if (attributes.get(u"method") == u"html") {
+        if (method == u"html" || (isHtml && method.empty())) {
             return xalanc::FormatterToHTML::create(memory, m_printer, encoding, mediaType, system,
                                                    publicId, attributes.isYes(u"indent", true),
                                                    INDENT_OF_HTML, true, false);
@@ -153,8 +181,7 @@ private:
     OutputWriter m_writer;
     ResultStream m_stream{m_writer};
     xalanc::XalanOutputStreamPrintWriter m_printer{m_stream};
-    const bool m_isText;
-    const xalanc::XalanMemMgrAutoPtr<FormatterListener> m_formatter;
+    xalanc::XalanMemMgrAutoPtr<FormatterListener> m_formatter;
     NamespaceDeclarer m_declarer;
 };
 

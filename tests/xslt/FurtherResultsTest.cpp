@@ -82,6 +82,20 @@ TEST_F(FurtherResultsTest, HaveOutputSettingsOfTheirOwn) {
     EXPECT_EQ(m_calls, "t in '' text\nh in '' html\nx in '' \nl in '' \ni in '' xml\n");
 }
 
+TEST_F(FurtherResultsTest, AreHtmlWhereTheyBeginWithIt) {
+    run("<exsl:document href='h' indent='no'><HTML><br/></HTML></exsl:document>"
+        "<exsl:document href='x' method='xml'><html><br/></html></exsl:document>"
+        "<exsl:document href='n'><html xmlns='urn:n'><br/></html></exsl:document>"
+        "<exsl:document href='t'>1<html><br/></html></exsl:document>"
+        "<exsl:document href='o'><htm/><html/></exsl:document><exsl:document href='e'/>");
+    EXPECT_EQ(m_results["h"], "<HTML><br></HTML>");
+    EXPECT_EQ(body(m_results["x"]), "<html><br/></html>");
+    EXPECT_EQ(body(m_results["n"]), "<html xmlns=\"urn:n\"><br/></html>");
+    EXPECT_EQ(body(m_results["t"]), "1<html><br/></html>");
+    EXPECT_EQ(body(m_results["o"]), "<htm/><html/>");
+    EXPECT_EQ(body(m_results["e"]), "");
+}
+
 TEST_F(FurtherResultsTest, DeclareTheirNamespacesThemselves) {
     EXPECT_EQ(run("<p:m q:x='1'><exsl:document href='d'><p:d><q:e p:y='2'/><f/></p:d><p:g/>"
                   "</exsl:document></p:m>",
