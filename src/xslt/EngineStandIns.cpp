@@ -1,10 +1,10 @@
 /**
  * @file
- * Functions of the engine that crash, and that no virtual function reaches, defined again. The
- * dynamic linker prefers them to the engine's where this library comes before the engine in the
- * program's list of libraries: it does unless the program itself names the engine first. Results
- * are the engine's wherever that has one. Other versions of the engine may differ: they keep their
- * own.
+ * Functions of the engine that crash or waste time, and that no virtual function reaches, defined
+ * again. The dynamic linker prefers them to the engine's where this library comes before the engine
+ * in the program's list of libraries: it does unless the program itself names the engine first.
+ * Results are the engine's wherever that has one. Other versions of the engine may differ: they
+ * keep their own.
  */
 #include <xalanc/Include/XalanVersion.hpp>
 
@@ -18,11 +18,15 @@
 #include <iterator>
 #include <string_view>
 
+#include <xalanc/DOMSupport/DOMServices.hpp>
 #include <xalanc/PlatformSupport/DOMStringHelper.hpp>
+#include <xalanc/PlatformSupport/ExecutionContext.hpp>
 #include <xalanc/XPath/XPath.hpp>
 #include <xalanc/XSLT/ElemNumber.hpp>
 #include <xalanc/XSLT/StylesheetExecutionContext.hpp>
+#include <xalanc/XalanDOM/XalanElement.hpp>
 #include <xalanc/XalanDOM/XalanNode.hpp>
+#include <xalanc/XalanDOM/XalanText.hpp>
 
 #define STAND_IN __attribute__((visibility("default")))
 
@@ -93,6 +97,41 @@ private:
     std::size_t m_length = 0;
 };
 
+/**
+ * The string-value of an element. The engine makes room for each text anew, and copies what is
+ * there: for all of a long document this takes long.
+ */
+template <typename IsWanted>
+void appendTexts(const xalanc::XalanElement& element, xalanc::XalanDOMString& data,
+                 IsWanted isWanted) {
+    const xalanc::XalanNode* node = &element;
+    while (true) {
+        const xalanc::XalanNode* next = node->getNodeType() == xalanc::XalanNode::ELEMENT_NODE
+                                            ? node->getFirstChild()
+                                            : nullptr;
+        while (!next && node != &element) {
+            next = node->getNextSibling();
+            node = node->getParentNode();
+        }
+        if (!next) {
+            return;
+        }
+        node = next;
+        const auto type = node->getNodeType();
+        if (type != xalanc::XalanNode::TEXT_NODE && type != xalanc::XalanNode::CDATA_SECTION_NODE) {
+            continue;
+        }
+        const auto& text = static_cast<const xalanc::XalanText&>(*node);
+        if (isWanted(text)) {
+            const auto length = data.length() + text.getData().length();
+            if (length > data.capacity()) {
+                data.reserve(2 * length);
+            }
+            data.append(text.getData());
+        }
+    }
+}
+
 } // namespace
 
 namespace XALAN_CPP_NAMESPACE {
@@ -135,6 +174,16 @@ STAND_IN XalanNode* ElemNumber::getPreviousNode(StylesheetExecutionContext& cont
         node = next;
     } while (node && count && !matches(*count, *node));
     return node;
+}
+
+STAND_IN void DOMServices::getNodeData(const XalanElement& element, XalanDOMString& data) {
+    appendTexts(element, data, [](const XalanText& /*text*/) { return true; });
+}
+
+STAND_IN void DOMServices::doGetNodeData(const XalanElement& element, ExecutionContext& context,
+                                         XalanDOMString& data) {
+    appendTexts(element, data,
+                [&](const XalanText& text) { return !context.shouldStripSourceNode(text); });
 }
 
 } // namespace XALAN_CPP_NAMESPACE

@@ -131,6 +131,44 @@ TEST(LargeNumberTest, InExpressionsWhereTheEngineCrashes) {
               whole);
 }
 
+TEST(StringValueTest, HasTheTextsOfTheWholeElement) {
+    const std::string source = "<a> <b>1<c/><!--x--><d>2<e><![CDATA[<3]]></e></d></b>"
+                               "<?p x?><f> </f>4</a><!--x-->";
+    const auto value = [&](const std::string& space, const std::string& expression) {
+        return Transformation(
+                   compiled("<xsl:output method='text'/>" + space +
+                            "<xsl:template match='/'><xsl:value-of select=\"concat('[', " +
+                            expression + ", ']')\"/></xsl:template>"))
+            .toString(parsed(source));
+    };
+    const std::string strip = "<xsl:strip-space elements='*'/>";
+    EXPECT_EQ(value("", "a"), "[ 12<3 4]");
+    EXPECT_EQ(value("", "string(/)"), "[ 12<3 4]");
+    EXPECT_EQ(value(strip, "a"), "[12<34]");
+    EXPECT_EQ(value(strip, "string(/)"), "[12<34]");
+    EXPECT_EQ(value("", "a/b"), "[12<3]");
+    EXPECT_EQ(value(strip, "a/b/d"), "[2<3]");
+    EXPECT_EQ(value("", "a/b/c"), "[]");
+    EXPECT_EQ(value(strip, "a/f"), "[]");
+}
+
+TEST(StringValueTest, IsLong) {
+    std::string source;
+    std::string value;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string number = std::to_string(i);
+        source += "<b>" + number + "</b>";
+        value += number;
+    }
+    for (const std::string space : {"", "<xsl:strip-space elements='*'/>"}) {
+        EXPECT_EQ(Transformation(compiled("<xsl:output method='text'/>" + space +
+                                          "<xsl:template match='/'><xsl:value-of "
+                                          "select='string(a)'/></xsl:template>"))
+                      .toString(parsed("<a>" + source + "</a>")),
+                  value);
+    }
+}
+
 namespace {
 
 const std::string NUMBERED_SOURCE = "<a x='1'><b y='2'><i/></b><i/></a>";
