@@ -4,12 +4,14 @@
  */
 #pragma once
 
+#include "xslt/AtomicFile.h"
 #include "xslt/Operation.h"
 
 #include <vexa/xslt/Output.h>
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -38,9 +40,6 @@ using OutputData = OutputAccess::Data;
 
 } // namespace vexa
 
-/** The file that a symbolic link names, also where it is not there yet. */
-std::filesystem::path followLinks(std::filesystem::path path);
-
 /** Takes the bytes of one result. What is not committed leaves files and strings as they were. */
 class OutputWriter {
 public:
@@ -48,7 +47,6 @@ public:
     OutputWriter(const vexa::Output& output, Operation& operation);
     OutputWriter(const OutputWriter&) = delete;
     OutputWriter& operator=(const OutputWriter&) = delete;
-    ~OutputWriter();
 
     /** Takes bytes. @throws vexa::Error: Output */
     void write(const char* bytes, std::size_t size);
@@ -58,7 +56,6 @@ public:
     void commit();
 
 private:
-    class File;
     class Buffer : public std::streambuf {
     public:
         explicit Buffer(OutputWriter& writer) : m_writer(writer) {}
@@ -72,7 +69,7 @@ private:
 
     Operation& m_operation;
     const vexa::Output m_output;
-    std::unique_ptr<File> m_file;
+    std::optional<AtomicFile> m_file;
     std::string m_text;
     Buffer m_buffer{*this};
     std::ostream m_stream{&m_buffer};
