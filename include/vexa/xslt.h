@@ -16,6 +16,7 @@
 #include <vexa/xslt/Input.h>
 #include <vexa/xslt/Options.h>
 #include <vexa/xslt/Output.h>
+#include <vexa/xslt/Records.h>
 #include <vexa/xslt/Stylesheet.h>
 #include <vexa/xslt/Transformation.h>
 #include <vexa/xslt/Value.h>

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <xercesc/sax/AttributeList.hpp>
+#include <xercesc/sax2/Attributes.hpp>
 
 inline constexpr std::u16string_view XSLT_NAMESPACE = u"http://www.w3.org/1999/XSL/Transform";
 
@@ -31,10 +32,13 @@ public:
     void startElement(const xercesc::AttributeList& attributes) {
         ++m_depth;
         for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
-            const std::u16string_view name = attributes.getName(i);
-            if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
-                declare(name.substr(std::min<std::size_t>(6, name.size())), attributes.getValue(i));
-            }
+            declareIfNamespace(attributes.getName(i), attributes.getValue(i));
+        }
+    }
+    void startElement(const xercesc::Attributes& attributes) {
+        ++m_depth;
+        for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+            declareIfNamespace(attributes.getQName(i), attributes.getValue(i));
         }
     }
     void endElement() {
@@ -46,6 +50,16 @@ public:
     /** Declares one more, in the element that began last. */
     void declare(std::u16string_view prefix, std::u16string_view uri) {
         m_declarations.push_back({m_depth, std::u16string(prefix), std::u16string(uri)});
+    }
+
+    /** Calls `visit` with each prefix that is in scope and its URI. */
+    template <typename Visit>
+    void visitAll(Visit visit) const {
+        for (const Declaration& declaration : m_declarations) {
+            if (find(declaration.prefix) == &declaration) {
+                visit(declaration.prefix, declaration.uri);
+            }
+        }
     }
 
     bool declares(std::u16string_view prefix) const { return find(prefix) != nullptr; }
@@ -70,6 +84,11 @@ private:
         std::u16string uri;
     };
 
+    void declareIfNamespace(std::u16string_view name, std::u16string_view value) {
+        if (name.substr(0, 5) == u"xmlns" && (name.size() == 5 || name[5] == u':')) {
+            declare(name.substr(std::min<std::size_t>(6, name.size())), value);
+        }
+    }
     const Declaration* find(std::u16string_view prefix) const {
         const auto declaration =
             std::find_if(m_declarations.rbegin(), m_declarations.rend(),

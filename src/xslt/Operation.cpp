@@ -40,6 +40,11 @@ Number boundOf(std::size_t limit) {
     return limit == 0 || limit > static_cast<std::size_t>(most) ? most : static_cast<Number>(limit);
 }
 
+std::chrono::steady_clock::time_point endOf(std::chrono::milliseconds time) {
+    using Clock = std::chrono::steady_clock;
+    return time.count() > 0 ? Clock::now() + time : Clock::time_point::max();
+}
+
 Location locationOf(const xalanc::XSLException& exception) {
     return {toUtf8(exception.getURI()), toNumber(exception.getLineNumber()),
             toNumber(exception.getColumnNumber())};
@@ -76,11 +81,16 @@ std::string cleanText(const std::string& text) {
 Operation::Operation(const vexa::Options& options)
     : m_options(options), m_mostMemory(boundOf<std::ptrdiff_t>(options.limits.memory)),
       m_mostOutput(boundOf<std::size_t>(options.limits.output)),
-      m_mostDepth(boundOf<std::size_t>(options.limits.depth)),
-      m_end(options.limits.time.count() > 0 ? Clock::now() + options.limits.time
-                                            : Clock::time_point::max()),
+      m_mostDepth(boundOf<std::size_t>(options.limits.depth)), m_end(endOf(options.limits.time)),
       m_needsPolls(options.limits.time.count() > 0 || options.limits.memory > 0 ||
                    vexa::CancelAccess::canBeCancelled(options.cancel)) {}
+
+void Operation::restart() {
+    m_memory = 0;
+    m_output = 0;
+    m_isOverMemory = false;
+    m_end = endOf(m_options.limits.time);
+}
 
 void Operation::checkBounds() {
     throwKept();

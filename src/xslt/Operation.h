@@ -61,6 +61,9 @@ public:
         }
     }
 
+    /** Begins to count and to measure again: for the next part of long work. */
+    void restart();
+
     /** Whether anything can end it between polls. */
     bool isBounded() const { return m_needsPolls; }
 
@@ -175,7 +178,7 @@ private:
     const std::ptrdiff_t m_mostMemory;
     const std::size_t m_mostOutput;
     const std::size_t m_mostDepth;
-    const Clock::time_point m_end;
+    Clock::time_point m_end;
     std::ptrdiff_t m_memory = 0;
     std::size_t m_output = 0;
     bool m_isOverMemory = false;

@@ -25,7 +25,8 @@ using vexa::InputData;
 class Sources::Stream : public xercesc::BinInputStream {
 public:
     explicit Stream(Sources& sources)
-        : m_operation(sources.m_operation), m_next(sources.m_streams), m_self(&sources.m_streams) {
+        : m_operation(sources.m_operation), m_bytesRead(sources.m_bytesRead),
+          m_next(sources.m_streams), m_self(&sources.m_streams) {
         if (m_next) {
             m_next->m_self = &m_next;
         }
@@ -46,6 +47,7 @@ public:
         m_operation.poll();
         const XMLSize_t count = read(target, size);
         m_position += count;
+        m_bytesRead += count;
         return count;
     }
 
@@ -55,6 +57,7 @@ protected:
     Operation& m_operation;
 
 private:
+    std::uint64_t& m_bytesRead;
     Stream* m_next;
     /** The pointer to this stream. */
     Stream** m_self;

@@ -8,6 +8,7 @@
 
 #include <vexa/xslt/Input.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -42,6 +43,9 @@ public:
     Opened open(const std::string& uri, const std::string& base, Reference reference,
                 const vexa::Location& place, const std::string& publicId = {});
 
+    /** By the streams of all that was opened. */
+    std::uint64_t bytesRead() const { return m_bytesRead; }
+
     class Stream;
 
 private:
@@ -51,6 +55,7 @@ private:
     Opened openUnderPolicy(const std::string& uri);
 
     Operation& m_operation;
+    std::uint64_t m_bytesRead = 0;
     /** The first of a list of those that are not destroyed yet. */
     Stream* m_streams = nullptr;
 };

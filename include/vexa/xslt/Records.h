@@ -1,0 +1,112 @@
+/**
+ * @file
+ * Parts of a document that is too large for memory.
+ */
+#pragma once
+
+#include <vexa/xslt/Document.h>
+#include <vexa/xslt/Export.h>
+#include <vexa/xslt/Input.h>
+#include <vexa/xslt/Options.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vexa {
+
+/**
+ * Reads an input as a stream: each outermost element of one name becomes a document of its own,
+ * with the namespaces that are in scope at it. What is between these elements is passed over.
+ * Memory is bounded by the largest record, not by the input.
+ *
+ * One thread uses an object; the documents may be given to others, and outlive it.
+ *
+ * @code
+ * vexa::Records records(vexa::Input::file("orders.xml"), "order");
+ * for (const vexa::Document& order : records) {
+ *     run.to(order, vexa::Output::stream(std::cout));
+ * }
+ * @endcode
+ */
+class VEXA_XSLT_EXPORT Records {
+public:
+    /**
+     * Opens the input.
+     *
+     * @param element a local name, or "{uri}name"
+     * @param options of the whole reading. The limits of memory, time and depth hold for each
+     *                record; the depth counts from the record's element
+     * @throws Error: Input, Denied; Usage for an empty name
+     */
+    Records(const Input& input, const std::string& element, const Options& options = {});
+    Records(Records&& other) noexcept;
+    Records& operator=(Records&& other) noexcept;
+    ~Records();
+
+    /**
+     * Reads the next record. After an error there are no more.
+     *
+     * @return nothing at the end of the input
+     * @throws Error: Parse, Input, Denied, Limit, Cancelled
+     */
+    std::optional<Document> next();
+
+    /** How many records have been read. */
+    std::uint64_t count() const;
+    /** The line on which the last record begins, from 1. */
+    std::size_t line() const;
+    /** How many bytes of the input the parser has taken: it is ahead of the records. */
+    std::uint64_t bytesRead() const;
+
+    /** Reads while it advances. */
+    class Iterator {
+    public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = Document;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const Document*;
+        using reference = const Document&;
+
+        /** The end. */
+        Iterator() = default;
+        /** Reads the first record. @throws as Records::next() */
+        explicit Iterator(Records& records) : m_records(&records) { ++*this; }
+
+        /** The record. */
+        const Document& operator*() const { return *m_record; }
+        /** The record. */
+        const Document* operator->() const { return &*m_record; }
+        /** Reads the next record. @throws as Records::next() */
+        Iterator& operator++() {
+            m_record = m_records->next();
+            return *this;
+        }
+        /** Reads the next record. @throws as Records::next() */
+        void operator++(int) { ++*this; }
+        /** Whether both are at the end, or neither. */
+        bool operator==(const Iterator& other) const {
+            return m_record.has_value() == other.m_record.has_value();
+        }
+        /** Whether one is at the end. */
+        bool operator!=(const Iterator& other) const { return !(*this == other); }
+
+    private:
+        Records* m_records = nullptr;
+        std::optional<Document> m_record;
+    };
+
+    /** Reads the first record that has not been read yet. @throws as next() */
+    Iterator begin() { return Iterator(*this); }
+    /** The end of the input. */
+    Iterator end() { return {}; }
+
+private:
+    class VEXA_XSLT_LOCAL Data;
+    std::unique_ptr<Data> m_data;
+};
+
+} // namespace vexa

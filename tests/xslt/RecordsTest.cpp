@@ -1,0 +1,216 @@
+#include "XsltTest.h"
+
+#include "support/FailingStreams.h"
+
+#include <sstream>
+
+using vexa::Document;
+using vexa::ErrorKind;
+using vexa::Input;
+using vexa::Options;
+using vexa::Records;
+using vexa::Transformation;
+using vexa::XPath;
+
+namespace {
+
+/** The records as XML, one on each line. */
+std::string all(const std::string& text, const std::string& element, const Options& options = {}) {
+    Records records(Input::text(text, "urn:source"), element, options);
+    std::string result;
+    for (const Document& record : records) {
+        result += record.xml() + "\n";
+    }
+    return result;
+}
+
+/** A source without an end: each record is larger than the one before. */
+class EndlessSource : public std::streambuf {
+protected:
+    int_type underflow() override {
+        m_text = m_count == 0 ? "<all>" : "<r>" + std::string(m_count * 1000, 'x') + "</r>";
+        ++m_count;
+        setg(m_text.data(), m_text.data(), m_text.data() + m_text.size());
+        return traits_type::to_int_type(m_text.front());
+    }
+
+private:
+    std::size_t m_count = 0;
+    std::string m_text;
+};
+
+} // namespace
+
+TEST(RecordsTest, AreTheOutermostElementsOfAName) {
+    EXPECT_EQ(all("<a><r>1</r>text<b><r>2<r>3</r></r></b><!--c--><r/><s/></a>", "r"),
+              "<r>1</r>\n<r>2<r>3</r></r>\n<r/>\n");
+    EXPECT_EQ(all("<r><r/></r>", "r"), "<r><r/></r>\n");
+    EXPECT_EQ(all("<a/>", "r"), "");
+}
+
+TEST(RecordsTest, MayBeNamedWithTheirNamespace) {
+    const std::string source = "<a xmlns:p='urn:p' xmlns:q='urn:q'><p:r/><q:r/><r/></a>";
+    EXPECT_EQ(all(source, "{urn:q}r"), "<q:r xmlns:p=\"urn:p\" xmlns:q=\"urn:q\"/>\n");
+    EXPECT_EQ(all(source, "{}r"), "<r xmlns:p=\"urn:p\" xmlns:q=\"urn:q\"/>\n");
+    Records records(Input::text(source), "r");
+    while (records.next()) {
+    }
+    EXPECT_EQ(records.count(), 3U);
+}
+
+TEST(RecordsTest, HaveTheNamespacesThatAreInScope) {
+    const std::string source = "<a xmlns='urn:d' xmlns:p='urn:1'><b xmlns:p='urn:2' xmlns=''>"
+                               "<r x='p:n'><p:e/></r></b><r xmlns:p='urn:3'/></a>";
+    Records records(Input::text(source), "r");
+    const auto namespaceOf = [](const Document& record, const std::string& prefix) {
+        return XPath::compile("string(/*/namespace::*[name() = '" + prefix + "'])")
+            .evaluate(record)
+            .string();
+    };
+    const Document first = *records.next();
+    EXPECT_EQ(namespaceOf(first, "p"), "urn:2");
+    EXPECT_EQ(namespaceOf(first, ""), "");
+    EXPECT_EQ(XPath::compile("namespace-uri(/*/*)").evaluate(first).string(), "urn:2");
+    const Document second = *records.next();
+    EXPECT_EQ(namespaceOf(second, "p"), "urn:3");
+    EXPECT_EQ(XPath::compile("namespace-uri(/*)").evaluate(second).string(), "urn:d");
+    EXPECT_FALSE(records.next());
+}
+
+TEST(RecordsTest, KeepWhatTheDocumentHasInside) {
+    EXPECT_EQ(all("<a><r x='1'> t <![CDATA[<]]>&amp;<?p i?><!--c--></r></a>", "r"),
+              "<r x=\"1\"> t &lt;&amp;<?p i?><!--c--></r>\n");
+}
+
+TEST(RecordsTest, KeepUnparsedEntitiesAndIds) {
+    Records records(Input::text("<!DOCTYPE a [<!ATTLIST r k ID #IMPLIED><!NOTATION n SYSTEM 'n'>"
+                                "<!ENTITY pic SYSTEM 'file:///pic' NDATA n><!ENTITY t 'text'>]>"
+                                "<a><r k='one'>&t;</r><r k='two'/></a>",
+                                "file:///d/source.xml"),
+                    "r");
+    Transformation run(compiled("<xsl:output method='text'/><xsl:template match='/'>"
+                                "<xsl:value-of select=\"unparsed-entity-uri('pic')\"/>,"
+                                "<xsl:value-of select=\"count(id('one'))\"/>,"
+                                "<xsl:value-of select='.'/></xsl:template>"));
+    EXPECT_EQ(run.toString(*records.next()), "file:///pic,1,text");
+    EXPECT_EQ(run.toString(*records.next()), "file:///pic,0,");
+}
+
+TEST(RecordsTest, HaveTheUriOfTheDocument) {
+    TemporaryFolder folder;
+    folder.write("other.xml", "<o>other</o>");
+    folder.write("source.xml", "<a><r/></a>");
+    Records records(Input::file(folder.path("source.xml")), "r");
+    const Document record = *records.next();
+    EXPECT_EQ(record.uri(), Document::parse(Input::file(folder.path("source.xml"))).uri());
+    Transformation run(compiled("<xsl:output method='text'/><xsl:template match='/'>"
+                                "<xsl:value-of select=\"document('other.xml', .)\"/>"
+                                "</xsl:template>"));
+    EXPECT_EQ(run.toString(record), "other");
+}
+
+TEST(RecordsTest, TellWhereTheyBegin) {
+    const std::string source = "<a>\n\n<r>\n</r><r\n x='1'/>\n<b/>\n<r/></a>";
+    Records records(Input::text(source), "r");
+    EXPECT_EQ(records.line(), 0U);
+    std::vector<std::size_t> lines;
+    while (records.next()) {
+        lines.push_back(records.line());
+    }
+    EXPECT_EQ(lines, (std::vector<std::size_t>{3, 4, 7}));
+    EXPECT_EQ(records.bytesRead(), source.size());
+}
+
+TEST(RecordsTest, OutliveTheirReader) {
+    std::optional<Document> record;
+    {
+        Records records(Input::text("<a><r>1</r></a>"), "r");
+        record = records.next();
+    }
+    EXPECT_EQ(record->xml(), "<r>1</r>");
+}
+
+TEST(RecordsTest, ComeBeforeTheErrorBehindThem) {
+    Records records(Input::text("<a><r>1</r>\n<r>2</b></a>", "urn:source"), "r");
+    EXPECT_EQ(records.next()->xml(), "<r>1</r>");
+    const auto error = failureOf([&] { records.next(); });
+    EXPECT_EQ(error.kind(), ErrorKind::Parse);
+    EXPECT_EQ(error.where().uri, "urn:source");
+    EXPECT_EQ(error.where().line, 2U);
+    EXPECT_FALSE(records.next());
+    EXPECT_EQ(records.count(), 1U);
+}
+
+TEST(RecordsTest, BreakOffWithTheirSource) {
+    Records cut(Input::text("<a><r>1</r><r>"), "r");
+    EXPECT_TRUE(cut.next());
+    EXPECT_EQ(failureOf([&] { cut.next(); }).kind(), ErrorKind::Parse);
+    EXPECT_EQ(failureOf([] { all("", "r"); }).kind(), ErrorKind::Parse);
+    EXPECT_EQ(failureOf([] { Records(Input::file("/no/such"), "r"); }).kind(), ErrorKind::Input);
+}
+
+TEST(RecordsTest, NeedAName) {
+    for (const char* name : {"", "{urn:u}"}) {
+        expectFailure([&] { Records(Input::text("<a/>"), name); }, ErrorKind::Usage, "empty");
+    }
+}
+
+TEST(RecordsTest, ReadNoFurtherThanTheyAreAsked) {
+    EndlessSource source;
+    std::istream stream(&source);
+    Records records(Input::stream(stream), "r");
+    for (std::size_t i = 1; i <= 100; ++i) {
+        ASSERT_EQ(records.next()->root().string().size(), i * 1000);
+    }
+    EXPECT_LT(records.bytesRead(), 101U * 102U / 2 * 1000 + 200'000);
+}
+
+TEST(RecordsTest, AreUnderTheLimitsEach) {
+    Options options;
+    options.limits.memory = 1 << 20;
+    EndlessSource source;
+    std::istream stream(&source);
+    Records records(Input::stream(stream), "r", options);
+    const auto error = failureOf([&] {
+        while (records.next()) {
+        }
+    });
+    EXPECT_EQ(error.kind(), ErrorKind::Limit);
+    EXPECT_GT(records.count(), 50U); // together they are larger than the limit
+    EXPECT_FALSE(records.next());
+    options.limits = {};
+    options.limits.depth = 3;
+    EXPECT_EQ(all("<a><b><c><r><x><y/></x></r></c></b></a>", "r", options), "<r><x><y/></x></r>\n");
+    EXPECT_EQ(failureOf([&] { all("<r><x><y><z/></y></x></r>", "r", options); }).kind(),
+              ErrorKind::Limit);
+}
+
+TEST(RecordsTest, AreUnderTheAccessPolicy) {
+    const std::string source = "<!DOCTYPE a SYSTEM 'file:///none.dtd'><a><r/></a>";
+    EXPECT_EQ(failureOf([&] { all(source, "r"); }).kind(), ErrorKind::Denied);
+}
+
+TEST(RecordsTest, CanBeCancelled) {
+    vexa::CancelSource cancel;
+    Options options;
+    options.cancel = cancel.token();
+    EndlessSource source;
+    std::istream stream(&source);
+    Records records(Input::stream(stream), "r", options);
+    EXPECT_TRUE(records.next());
+    cancel.cancel();
+    EXPECT_EQ(failureOf([&] { records.next(); }).kind(), ErrorKind::Cancelled);
+}
+
+TEST(RecordsTest, GiveTheSameAsTheRecordAsADocument) {
+    const std::string record = "<o:r xmlns:o=\"urn:o\" n=\"1\"><o:i>\xCE\xB1</o:i></o:r>";
+    const auto sheet = compiled("<xsl:template match='/'><xsl:copy-of select='.'/>"
+                                "<xsl:value-of select='count(//node())'/></xsl:template>");
+    Transformation run(sheet);
+    const std::string source = "<all>" + record + record + "</all>";
+    Records records(Input::text(source), "r");
+    for (const Document& each : records) {
+        EXPECT_EQ(run.toString(each), run.toString(Input::text(record)));
+    }
+    EXPECT_EQ(records.count(), 2U);
+}
