@@ -89,6 +89,7 @@ void Operation::restart() {
     m_memory = 0;
     m_output = 0;
     m_isOverMemory = false;
+    m_kept = nullptr;
     m_end = endOf(m_options.limits.time);
 }
 

@@ -10,6 +10,7 @@
 #include <vexa/xslt/Error.h>
 #include <vexa/xslt/Records.h>
 
+#include <exception>
 #include <utility>
 #include <vector>
 
@@ -107,31 +108,38 @@ public:
     /** Of all records. */
     void setUri(const std::string& uri) { m_documentUri = uri; }
 
-    /** Null where no record is complete. */
-    std::shared_ptr<vexa::DocumentData> take() { return std::exchange(m_complete, nullptr); }
+    /** Whether a record is complete, or was passed over. */
+    bool hasRecord() const { return m_complete || m_limit; }
+    /** The record. @throws vexa::Error: Limit where it was passed over */
+    std::shared_ptr<vexa::DocumentData> take() {
+        if (m_limit) {
+            std::rethrow_exception(std::exchange(m_limit, nullptr));
+        }
+        return std::exchange(m_complete, nullptr);
+    }
     /** Where the last record begins. */
     std::size_t line() const { return m_recordLine; }
 
     void setDocumentLocator(const xercesc::Locator* const locator) override { m_locator = locator; }
     void startElement(const XMLCh* const uri, const XMLCh* const local, const XMLCh* const name,
                       const xercesc::Attributes& attributes) override {
-        m_operation.poll();
-        if (m_builder) {
+        if (m_isInRecord) {
             ++m_depth;
-            m_builder->startElement(uri, local, name, attributes);
+            add([&](TreeBuilder& tree) { tree.startElement(uri, local, name, attributes); });
         } else if (m_name == local && (!m_uri || *m_uri == uri)) {
             beginRecord(uri, local, name, attributes);
         } else {
+            m_operation.poll();
             m_namespaces.startElement(attributes);
         }
         remember();
     }
     void endElement(const XMLCh* const uri, const XMLCh* const local,
                     const XMLCh* const name) override {
-        if (!m_builder) {
+        if (!m_isInRecord) {
             m_namespaces.endElement();
         } else {
-            m_builder->endElement(uri, local, name);
+            add([&](TreeBuilder& tree) { tree.endElement(uri, local, name); });
             if (m_depth == 0) {
                 endRecord();
             } else {
@@ -141,27 +149,19 @@ public:
         remember();
     }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
-        if (m_builder) {
-            m_builder->characters(text, length);
-        }
+        add([&](TreeBuilder& tree) { tree.characters(text, length); });
         remember();
     }
     void ignorableWhitespace(const XMLCh* const text, const XMLSize_t length) override {
-        if (m_builder) {
-            m_builder->ignorableWhitespace(text, length);
-        }
+        add([&](TreeBuilder& tree) { tree.ignorableWhitespace(text, length); });
         remember();
     }
     void comment(const XMLCh* const text, const XMLSize_t length) override {
-        if (m_builder) {
-            m_builder->comment(text, length);
-        }
+        add([&](TreeBuilder& tree) { tree.comment(text, length); });
         remember();
     }
     void processingInstruction(const XMLCh* const target, const XMLCh* const data) override {
-        if (m_builder) {
-            m_builder->processingInstruction(target, data);
-        }
+        add([&](TreeBuilder& tree) { tree.processingInstruction(target, data); });
         remember();
     }
     void unparsedEntityDecl(const XMLCh* const name, const XMLCh* const publicId,
@@ -178,9 +178,29 @@ private:
         std::u16string notation;
     };
 
+    /** Adds to the record under way. One that reaches a limit is passed over. */
+    template <typename Add>
+    void add(Add add) {
+        if (!m_builder) {
+            m_operation.poll();
+            return;
+        }
+        try {
+            add(*m_builder);
+        } catch (const vexa::Error& error) {
+            if (error.kind() != vexa::ErrorKind::Limit) {
+                throw;
+            }
+            m_limit = std::current_exception();
+            m_builder.reset();
+            m_document.reset();
+            m_operation.restart();
+        }
+    }
     void beginRecord(const XMLCh* const uri, const XMLCh* const local, const XMLCh* const name,
                      const xercesc::Attributes& attributes) {
         m_recordLine = m_line;
+        m_isInRecord = true;
         m_document = std::make_shared<vexa::DocumentData>(m_documentUri);
         m_document->memory().setOperation(&m_operation);
         m_builder = std::make_unique<TreeBuilder>(*m_document->tree(), m_operation);
@@ -197,13 +217,16 @@ private:
                 extended.addDeclaration(prefix, scope);
             }
         });
-        m_builder->startElement(uri, local, name, extended);
+        add([&](TreeBuilder& tree) { tree.startElement(uri, local, name, extended); });
     }
     void endRecord() {
-        m_builder->endDocument();
-        m_builder.reset();
-        m_document->seal();
-        m_complete = std::move(m_document);
+        m_isInRecord = false;
+        if (m_builder) {
+            m_builder->endDocument();
+            m_builder.reset();
+            m_document->seal();
+            m_complete = std::move(m_document);
+        }
     }
     /** What is reported next begins where this ended. */
     void remember() { m_line = m_locator->getLineNumber(); }
@@ -218,12 +241,15 @@ private:
     /** Outside of records. */
     NamespaceScopes m_namespaces;
     std::vector<UnparsedEntity> m_entities;
-    /** The record under way. */
-    std::shared_ptr<vexa::DocumentData> m_document;
-    std::unique_ptr<TreeBuilder> m_builder;
+    bool m_isInRecord = false;
     /** So many of its elements are open within its root. */
     std::size_t m_depth = 0;
+    /** The record under way; null while it is passed over. */
+    std::shared_ptr<vexa::DocumentData> m_document;
+    std::unique_ptr<TreeBuilder> m_builder;
     std::shared_ptr<vexa::DocumentData> m_complete;
+    /** Why a record was passed over. */
+    std::exception_ptr m_limit;
 };
 
 } // namespace
@@ -269,17 +295,15 @@ private:
         bool isMore = m_isBegun ? m_reader->parseNext(m_token)
                                 : m_reader->parseFirst(*m_opened.source, m_token);
         m_isBegun = true;
-        auto record = m_handler.take();
-        while (!record && isMore) {
+        while (!m_handler.hasRecord() && isMore) {
             isMore = m_reader->parseNext(m_token);
-            record = m_handler.take();
         }
-        if (!record) {
+        if (!m_handler.hasRecord()) {
             return std::nullopt;
         }
         ++m_count;
         m_isAtEnd = false;
-        return DocumentAccess::make(std::move(record));
+        return DocumentAccess::make(m_handler.take());
     }
 
     EngineUse m_engines = useEngines();

@@ -177,12 +177,34 @@ TEST(RecordsTest, AreUnderTheLimitsEach) {
     });
     EXPECT_EQ(error.kind(), ErrorKind::Limit);
     EXPECT_GT(records.count(), 50U); // together they are larger than the limit
-    EXPECT_FALSE(records.next());
     options.limits = {};
     options.limits.depth = 3;
     EXPECT_EQ(all("<a><b><c><r><x><y/></x></r></c></b></a>", "r", options), "<r><x><y/></x></r>\n");
-    EXPECT_EQ(failureOf([&] { all("<r><x><y><z/></y></x></r>", "r", options); }).kind(),
-              ErrorKind::Limit);
+}
+
+TEST(RecordsTest, GoOnBehindOneThatReachesALimit) {
+    const auto expectSecond = [](const std::string& second, const Options& options) {
+        const std::string source =
+            "<a xmlns:p='urn:p'><r>1</r>\n<r>" + second + "</r>\n<r><p:e/></r></a>";
+        Records records(Input::text(source), "r", options);
+        EXPECT_TRUE(records.next());
+        EXPECT_EQ(failureOf([&] { records.next(); }).kind(), ErrorKind::Limit);
+        EXPECT_EQ(records.line(), 2U);
+        EXPECT_EQ(records.next()->xml(), "<r xmlns:p=\"urn:p\"><p:e/></r>");
+        EXPECT_FALSE(records.next());
+        EXPECT_EQ(records.count(), 3U);
+    };
+    Options options;
+    options.limits.depth = 3;
+    expectSecond("<x><y><z><r>2</r></z></y></x>", options);
+    options.limits = {};
+    options.limits.memory = 8 << 20;
+    std::string large;
+    for (int i = 0; i < 100'000; ++i) {
+        large += "<e>text</e>";
+    }
+    expectSecond(large, options);
+    expectSecond(std::string(16 << 20, 'x'), options);
 }
 
 TEST(RecordsTest, AreUnderTheAccessPolicy) {

@@ -48,14 +48,15 @@ public:
     ~Records();
 
     /**
-     * Reads the next record. After an error there are no more.
+     * Reads the next record. One that reaches a limit is passed over: the next call goes on behind
+     * it. After other errors there are no more.
      *
      * @return nothing at the end of the input
-     * @throws Error: Parse, Input, Denied, Limit, Cancelled
+     * @throws Error: Limit; Parse, Input, Denied, Cancelled
      */
     std::optional<Document> next();
 
-    /** How many records have been read. */
+    /** How many records have been read, those that reached a limit among them. */
     std::uint64_t count() const;
     /** The line on which the last record begins, from 1. */
     std::size_t line() const;
