@@ -4,6 +4,7 @@
 #include "cli/VersionText.h"
 #include "commands/BatchCommand.h"
 #include "commands/ChainCommand.h"
+#include "commands/RecordsCommand.h"
 #include "commands/TransformCommand.h"
 #include "commands/XPathCommand.h"
 
@@ -84,7 +85,7 @@ int printHelp(const CLI::App& app, const CLI::ParseError& request) {
 /** Only what is asked for gets its options: to define those of all takes time. */
 void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run) {
     const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND, &XPATH_COMMAND,
-                                       &BATCH_COMMAND};
+                                       &BATCH_COMMAND, &RECORDS_COMMAND};
     const auto isNamed = [&](const Command* command) {
         return std::find(argv, argv + argc, std::string_view(command->name)) != argv + argc;
     };

@@ -5,6 +5,7 @@
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <iostream>
+#include <sstream>
 #include <system_error>
 #include <unistd.h>
 
@@ -31,6 +32,9 @@ int errorDescriptor() {
 }
 
 void silenceSystemLibraries() {
+    if (g_nErrorDescriptor != STDERR_FILENO) {
+        return; // in the process that has started this one
+    }
     const int descriptor = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (descriptor >= 0 && nowhere >= 0) {
@@ -60,6 +64,15 @@ std::string oneLine(const std::string& text) {
         line += isControl(c) ? '?' : c;
     }
     return line;
+}
+
+std::string namedLines(const std::string& name, const std::string& text) {
+    std::string result;
+    std::istringstream lines(text + "\n");
+    for (std::string line; std::getline(lines, line);) {
+        result.append(oneLine(name)).append(": ").append(line).append("\n");
+    }
+    return result;
 }
 
 std::string systemMessage(int errorNumber) {

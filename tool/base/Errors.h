@@ -43,5 +43,8 @@ void silenceSystemLibraries();
 /** The text on one line, without white space at its ends, with ? for control characters. */
 std::string oneLine(const std::string& text);
 
+/** The lines of a text, with a name before each: "NAME: LINE". */
+std::string namedLines(const std::string& name, const std::string& text);
+
 /** What the operating system says of an errno value. */
 std::string systemMessage(int errorNumber);

@@ -17,7 +17,7 @@ struct BatchOptions {
     bool separatedByNul = false;
     std::string directory;
     std::string suffix = ".out";
-    unsigned jobs = 0;
+    unsigned jobs = 1;
     RunOptions run;
 };
 

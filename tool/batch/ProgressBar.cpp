@@ -1,12 +1,12 @@
 #include "batch/ProgressBar.h"
 
+#include "base/Errors.h"
 #include "base/Terminal.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iostream>
-#include <unistd.h>
 
 namespace {
 
@@ -33,17 +33,20 @@ std::string rateText(double perSecond) {
 }
 
 std::string figures(const Tally& tally, double seconds) {
-    std::string text = std::to_string(tally.finished()) + " of " + std::to_string(tally.total);
-    if (tally.finished() > 0 && seconds > 0) {
+    const std::string count = std::to_string(tally.finished());
+    std::string text =
+        tally.total != 0 ? count + " of " + std::to_string(tally.total) : count + " records";
+    const double share = tally.share();
+    if (tally.finished() > 0 && share > 0 && seconds > 0) {
         const double rate = static_cast<double>(tally.finished()) / seconds;
-        const auto left = static_cast<double>(tally.total - tally.finished());
-        text += ", " + rateText(rate) + ", " + clockTime(left / rate) + " left";
+        const double left = seconds * (1 - share) / share;
+        text += ", " + rateText(rate) + ", " + clockTime(left) + " left";
     }
     return tally.failed == 0 ? text : text + ", " + std::to_string(tally.failed) + " failed";
 }
 
 std::string bar(const Tally& tally, std::size_t length) {
-    const std::size_t filled = length * tally.finished() / std::max<std::size_t>(tally.total, 1);
+    const auto filled = static_cast<std::size_t>(static_cast<double>(length) * tally.share());
     std::string text(length, ' ');
     std::fill_n(text.begin(), filled, '=');
     if (filled < length) {
@@ -53,6 +56,14 @@ std::string bar(const Tally& tally, std::size_t length) {
 }
 
 } // namespace
+
+double Tally::share() const {
+    if (total != 0) {
+        return static_cast<double>(finished()) / static_cast<double>(total);
+    }
+    return bytes == 0 ? 0
+                      : std::min(1.0, static_cast<double>(bytesRead) / static_cast<double>(bytes));
+}
 
 std::string progressLine(const Tally& tally, double seconds, std::size_t columns) {
     constexpr std::size_t SHORTEST_BAR = 10;
@@ -66,7 +77,7 @@ std::string progressLine(const Tally& tally, double seconds, std::size_t columns
     return text.substr(0, columns - 1);
 }
 
-ProgressBar::ProgressBar(bool wanted) : m_bShown(wanted && isSmartTerminal(STDERR_FILENO)) {}
+ProgressBar::ProgressBar(bool wanted) : m_bShown(wanted && isSmartTerminal(errorDescriptor())) {}
 
 void ProgressBar::draw(const Tally& tally) {
     constexpr auto MOMENT = std::chrono::milliseconds(100);
@@ -75,7 +86,7 @@ void ProgressBar::draw(const Tally& tally) {
         return;
     }
     const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    std::cerr << CLEAR_LINE + progressLine(tally, seconds, terminalColumns(STDERR_FILENO))
+    std::cerr << CLEAR_LINE + progressLine(tally, seconds, terminalColumns(errorDescriptor()))
               << std::flush;
     m_bOnScreen = true;
     m_lastDrawn = now;

@@ -1,20 +1,27 @@
 /**
  * @file
- * How far a batch has come, on a terminal.
+ * How far long work has come, on a terminal.
  */
 #pragma once
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
-/** The figures of a batch. */
+/** The figures of a batch, or of the records of a source. */
 struct Tally {
+    /** How many there are; 0 where only the size of the source is known. */
     std::size_t total = 0;
     std::size_t done = 0;
     std::size_t failed = 0;
+    /** Of the source. */
+    std::uint64_t bytes = 0;
+    std::uint64_t bytesRead = 0;
 
     std::size_t finished() const { return done + failed; }
+    /** From 0 to 1. */
+    double share() const;
 };
 
 /** One line at the bottom of standard error. Draws nothing where that is no terminal. */

@@ -7,7 +7,6 @@
 #include <climits>
 #include <iostream>
 #include <poll.h>
-#include <sstream>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -225,10 +224,7 @@ void Scheduler::print(const std::string& text) {
 
 void Scheduler::printMessage(const Slot& slot, const std::string& text) {
     m_progress.clear();
-    std::istringstream lines(text + "\n");
-    for (std::string line; std::getline(lines, line);) {
-        print((slot.jobs.empty() ? "" : oneLine(sourceOf(slot)) + ": ") + line + "\n");
-    }
+    print(slot.jobs.empty() ? text + "\n" : namedLines(sourceOf(slot), text));
 }
 
 void Scheduler::printFailed(const std::string& text) {

@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -60,6 +62,12 @@ void addParameterOptions(CLI::App& command, RunOptions& options) {
                   "Set a parameter to a number");
     addParameters(command, options, "--expression", Parameter::Kind::Expression, "NAME=XPATH",
                   "Set a parameter to what an expression gives over the source");
+}
+
+void addJobsOption(CLI::App& command, unsigned& jobs, const std::string& description) {
+    constexpr unsigned MOST_JOBS = 256;
+    jobs = std::clamp(std::thread::hardware_concurrency(), 1U, MOST_JOBS);
+    addNumberOption(command, "-j,--jobs", jobs, MOST_JOBS, "JOBS", description);
 }
 
 void addDocumentsOption(CLI::App& command, RunOptions& options) {

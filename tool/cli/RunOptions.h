@@ -25,6 +25,8 @@ struct RunOptions {
     bool noCatalogs = false;
     bool sandbox = false;
     bool isolate = false;
+    /** The command keeps the time limit by itself, for one part of its work after the other. */
+    bool limitsParts = false;
     bool timing = false;
     bool quiet = false;
     bool excerpt = false;
@@ -37,6 +39,8 @@ struct RunOptions {
 void addSourceArgument(CLI::App& command, std::string& source);
 void addOutputOption(CLI::App& command, std::string& output);
 void addParameterOptions(CLI::App& command, RunOptions& options);
+/** How many processes are to work at the same time. */
+void addJobsOption(CLI::App& command, unsigned& jobs, const std::string& description);
 void addDocumentsOption(CLI::App& command, RunOptions& options);
 void addRunOptions(CLI::App& command, RunOptions& options);
 /** For commands that do not always work in processes of their own. */

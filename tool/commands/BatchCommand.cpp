@@ -15,14 +15,11 @@
 #include <iostream>
 #include <memory>
 #include <new>
-#include <thread>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr unsigned MOST_JOBS = 256;
 
 constexpr const char* DESCRIPTION = "Run one stylesheet over many documents";
 
@@ -42,10 +39,6 @@ Examples:
 
   # Over untrusted input
   vexa-xslt batch report.xsl orders*.xml -d pages --sandbox --max-seconds 60)";
-
-unsigned processors() {
-    return std::clamp(std::thread::hardware_concurrency(), 1U, MOST_JOBS);
-}
 
 void checkOptions(const BatchOptions& options) {
     if (options.separatedByNul && options.filesFrom.empty()) {
@@ -143,11 +136,10 @@ int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
 }
 
 Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs) {
-    const std::size_t wanted = options.jobs == 0 ? processors() : options.jobs;
     const BlockedSignals signals;
     Scheduler scheduler(options, jobs, signals,
                         [&](const WorkerChannel& channel) { return work(options, jobs, channel); });
-    return scheduler.run(workersWithFiles(std::min(wanted, jobs.size())));
+    return scheduler.run(workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())));
 }
 
 int runBatch(const BatchOptions& options) {
@@ -185,8 +177,8 @@ void define(CLI::App& app, std::function<int()>& command) {
                    "Write the results to this folder, which is made if it is not there")
         ->type_name("DIRECTORY")
         ->required();
-    addNumberOption(app, "-j,--jobs", options->jobs, MOST_JOBS, "JOBS",
-                    "Work on so many sources at the same time, instead of one for each processor");
+    addJobsOption(app, options->jobs,
+                  "Work on so many sources at the same time, instead of one for each processor");
     app.add_option("--suffix", options->suffix,
                    "End the names of the results in this instead of .out")
         ->type_name("SUFFIX");

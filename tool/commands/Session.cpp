@@ -5,6 +5,7 @@
 #include "catalog/ListedCatalogs.h"
 #include "files/CatalogAccess.h"
 #include "files/ErrorText.h"
+#include "files/OutputPlace.h"
 #include "process/FileLimit.h"
 #include "process/IsolatedRun.h"
 #include "process/Sandbox.h"
@@ -265,19 +266,16 @@ std::string Session::describe(const vexa::Error& error) const {
 }
 
 vexa::Output outputTo(const std::string& output, std::ostream& stream) {
-    if (output == STANDARD_STREAM) {
-        return vexa::Output::stream(stream);
-    }
-    const bool isStandardError = output == "/dev/stderr" || output == "/dev/fd/2";
-    return vexa::Output::file(isStandardError ? "/dev/fd/" + std::to_string(errorDescriptor())
-                                              : output);
+    return output == STANDARD_STREAM ? vexa::Output::stream(stream)
+                                     : vexa::Output::file(writablePath(output));
 }
 
 int runSession(const RunOptions& options, const NamedFiles& files, const InputArgument& blamed,
                const std::function<void(Session&)>& work) {
     const auto guarded = [&] { return runGuarded(options, files, blamed, work); };
-    return options.needProcess() ? runIsolated(oneLine(blamed.name()), options.limits, guarded)
-                                 : guarded();
+    Limits limits = options.limits;
+    limits.maxSeconds = options.limitsParts ? 0 : limits.maxSeconds;
+    return options.needProcess() ? runIsolated(oneLine(blamed.name()), limits, guarded) : guarded();
 }
 
 void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {

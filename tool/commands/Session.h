@@ -15,6 +15,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** The files that a command line names. */
@@ -40,6 +41,8 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
+    /** Messages go elsewhere from now on. */
+    void setEmit(Emit emit) { m_emit = std::move(emit); }
     /** The options of an operation. */
     vexa::Options operationOptions();
     FileNames& names() { return m_names; }

@@ -1,5 +1,7 @@
 #include "files/OutputPlace.h"
 
+#include "base/Errors.h"
+
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -21,4 +23,9 @@ fs::path outputPlace(fs::path output) {
         output = output.parent_path() / fs::read_symlink(output, error);
     }
     return output;
+}
+
+std::string writablePath(const std::string& output) {
+    const bool isStandardError = output == "/dev/stderr" || output == "/dev/fd/2";
+    return isStandardError ? "/dev/fd/" + std::to_string(errorDescriptor()) : output;
 }

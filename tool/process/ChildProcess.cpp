@@ -125,7 +125,8 @@ void ChildProcess::start(const std::function<int()>& work) {
         m_crash.keep();
         std::set_terminate(std::abort);
         silenceSystemLibraries();
-        std::exit(work());
+        // No exception may reach what the parent has on the stack.
+        std::exit([&]() noexcept { return work(); }());
     }
 }
 
