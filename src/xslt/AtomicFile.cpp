@@ -43,8 +43,10 @@ bool isOpenFile(const std::filesystem::path& path) {
 
 } // namespace
 
-AtomicFile::AtomicFile(const std::filesystem::path& path, Fail fail)
-    : m_path(path), m_fail(std::move(fail)) {
+AtomicFile::AtomicFile(const std::filesystem::path& path, Fail fail) : m_fail(std::move(fail)) {
+    // Without a working directory the path stays empty, and is refused.
+    std::error_code ignored;
+    m_path = std::filesystem::absolute(path, ignored);
     struct stat status {};
     if (m_path.native().find('\0') != std::string::npos) {
         errno = EINVAL;

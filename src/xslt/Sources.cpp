@@ -153,7 +153,12 @@ public:
 protected:
     XMLSize_t read(XMLByte* target, XMLSize_t size) override {
         try {
-            m_stream.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(size));
+            // What is there now is enough: the rest of a pipe may come much later.
+            m_stream.peek();
+            const std::streamsize most = static_cast<std::streamsize>(size);
+            const std::streamsize ready = m_stream.good() ? m_stream.rdbuf()->in_avail() : 0;
+            m_stream.read(reinterpret_cast<char*>(target),
+                          ready > 0 ? std::min(ready, most) : most);
         } catch (const std::ios_base::failure&) {
             // A stream may be told to throw at its end too.
             if (m_stream.bad()) {

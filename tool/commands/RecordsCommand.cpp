@@ -132,7 +132,8 @@ void transformAll(const RecordsOptions& options, const NamedFiles& files, Sessio
     const Tally& tally = pipeline.tally();
     if (tally.failed != 0 || !isWhole) {
         throw std::runtime_error(std::to_string(tally.done) + " of " +
-                                 std::to_string(tally.finished()) + " records done");
+                                 std::to_string(tally.finished()) + " records done" +
+                                 (isWhole ? "" : ", then the source broke off"));
     }
     if (tally.finished() == 0) {
         printError(oneLine(source.name()) + ": warning: no element '" + options.element + "'");
