@@ -20,6 +20,11 @@ vexa-xslt xpath '//cat:product[@price > 28]/@id' orders-small.xml
 vexa-xslt batch report.xsl orders.xml orders-small.xml -d pages --suffix .html --quiet
 # [/batch]
 
+# [records]
+vexa-xslt records order-line.xsl orders-small.xml -e order -o orders.csv
+vexa-xslt records open-only.xsl orders.xml -e order --wrap orders -o open-orders.xml
+# [/records]
+
 # [find]
 find . -name 'orders*.xml' -print0 |
     vexa-xslt batch report.xsl --files-from - -0 -d found --quiet

@@ -38,6 +38,9 @@ constexpr const char* MORE_HELP =
   # Turn every order book into a page, in the folder pages
   vexa-xslt batch report.xsl orders*.xml -d pages --suffix .html
 
+  # Turn a document that is larger than memory into a table, order by order
+  vexa-xslt records order-line.xsl orders.xml -e order > orders.csv
+
   # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
 

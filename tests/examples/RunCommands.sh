@@ -12,3 +12,7 @@ cmp -s <(grep -c 'id="order-' report.html) <(grep -c '<order ' orders.xml)
 cmp report.html pages/orders.html
 cmp pages/orders-small.html found/orders-small.out
 diff -r found handed
+[ "$(cat orders.csv)" = "2025-0001,2025-01-14,paid,18
+2025-0002,2025-02-03,shipped,17
+2025-0003,2025-02-20,cancelled,24" ]
+[ "$(grep -c '<order ' open-orders.xml)" = "$(grep -c 'state="open"' orders.xml)" ]

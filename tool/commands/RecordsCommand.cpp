@@ -22,23 +22,26 @@ namespace {
 constexpr const char* DESCRIPTION = "Run one stylesheet over each record of a large document";
 
 constexpr const char* MORE_HELP =
-    R"(A record is an outermost element of this name. It is transformed as a document of
-its own, with the namespaces and the base URI that it has; results follow one
+    R"(A record is an outermost element of this name. It is transformed as a document
+of its own, with the namespaces and the base URI that it has; results follow one
 another in the order of the source. Memory is bounded by the largest record, not
-by the source. A record that fails is reported, and the others go on.
+by the source. A record that fails is reported, and the others go on. Limits
+hold for each record.
 
 Examples:
   # Each order of a document that is larger than memory, as a line of a table
   vexa-xslt records order-line.xsl orders.xml -e order -o orders.csv
 
-  # The same from a compressed file, into one document
-  zcat orders.xml.gz | vexa-xslt records order.xsl -e order --wrap orders > new.xml
+  # From a compressed file, into one document
+  zcat orders.xml.gz |
+    vexa-xslt records open-only.xsl -e order --wrap orders > open.xml
 
   # Elements of a namespace
-  vexa-xslt records page.xsl wiki.xml -e '{http://www.mediawiki.org/xml/export-0.10/}page'
+  vexa-xslt records order-line.xsl orders.xml \
+    -e '{http://vexa.example/orders}order'
 
   # Over untrusted input
-  vexa-xslt records order.xsl orders.xml -e order --sandbox --max-seconds 60)";
+  vexa-xslt records order-line.xsl orders.xml -e order --sandbox --max-seconds 9)";
 
 struct RecordsOptions {
     std::string stylesheet;
