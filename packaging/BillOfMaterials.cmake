@@ -1,5 +1,5 @@
 # Writes a software bill of materials (CycloneDX, JSON) of our libraries and program: themselves, each Debian
-# package whose libraries the dynamic linker loads for them, the package of a header-only library that is
+# package whose libraries the dynamic linker loads for them, the packages of header-only libraries that are
 # compiled in, and who depends on whom. No time and no random number goes in: the same build gives the same bill.
 #
 #   cmake -D FILES=... -D VERSION=... -D HEADER_ONLY=... -D BILL=... -P BillOfMaterials.cmake
@@ -130,11 +130,13 @@ foreach(soname IN LISTS names)
   endforeach()
 endforeach()
 
-if(EXISTS "${HEADER_ONLY}" AND "vexa-xslt" IN_LIST own_names)
-  name_component("${HEADER_ONLY}")
-  add_component("${ref}" "${name}" "${version}" "${purl}" library)
-  list(APPEND needed_by_vexa-xslt "${ref}")
-  list(APPEND refs "${ref}")
+if("vexa-xslt" IN_LIST own_names)
+  foreach(header IN LISTS HEADER_ONLY)
+    name_component("${header}")
+    add_component("${ref}" "${name}" "${version}" "${purl}" library)
+    list(APPEND needed_by_vexa-xslt "${ref}")
+    list(APPEND refs "${ref}")
+  endforeach()
 endif()
 
 list(REMOVE_DUPLICATES refs)

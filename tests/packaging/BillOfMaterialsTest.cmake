@@ -23,7 +23,8 @@ foreach(i RANGE ${last})
 endforeach()
 
 foreach(wanted IN ITEMS libNRBCore libVEXA_Resources libVEXA_XSLTransformer libVEXA_Catalog vexa-xslt libxalan-c112
-                        libxerces-c3.2 libxml2 libicu72 libstdc\\+\\+6 libc6 libcli11-dev)
+                        libxerces-c3.2 libxml2 libicu72 libstdc\\+\\+6 libc6 libcli11-dev
+                        rapidjson-dev)
   if(NOT names MATCHES "(^|;)${wanted}(;|$)")
     message(FATAL_ERROR "${wanted} is missing in: ${names}")
   endif()

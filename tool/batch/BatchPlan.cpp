@@ -3,6 +3,7 @@
 #include "base/Errors.h"
 #include "files/InputArgument.h"
 #include "files/OutputPlace.h"
+#include "xslt/Uri.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -107,6 +108,27 @@ void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& 
     }
 }
 
+std::vector<BatchJob> takeShard(std::vector<BatchJob> jobs, unsigned shard, unsigned shards) {
+    if (shards == 1) {
+        return jobs;
+    }
+    std::vector<BatchJob> taken;
+    for (std::size_t i = shard - 1; i < jobs.size(); i += shards) {
+        taken.push_back(std::move(jobs[i]));
+    }
+    return taken;
+}
+
+using Time = std::pair<time_t, long>;
+
+/** When a file was changed; nothing where it is not there. */
+std::optional<Time> timeOf(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0
+               ? std::optional<Time>({status.st_mtim.tv_sec, status.st_mtim.tv_nsec})
+               : std::nullopt;
+}
+
 } // namespace
 
 std::vector<BatchJob> planBatch(const BatchOptions& options) {
@@ -121,5 +143,27 @@ std::vector<BatchJob> planBatch(const BatchOptions& options) {
     }
     refuseSharedOutputs(jobs);
     refuseReplacedInputs(jobs, options.stylesheet);
-    return jobs;
+    return takeShard(std::move(jobs), options.shard, options.shards);
+}
+
+std::vector<std::uint32_t> outdatedJobs(const std::vector<BatchJob>& jobs,
+                                        const std::vector<std::string>& modules) {
+    Time newest;
+    bool areKnown = true;
+    for (const std::string& uri : modules) {
+        const auto path = pathOfFileUri(uri);
+        const auto time = path ? timeOf(path->string()) : std::nullopt;
+        areKnown = areKnown && time;
+        newest = std::max(newest, time.value_or(newest));
+    }
+    std::vector<std::uint32_t> outdated;
+    for (std::uint32_t i = 0; i < jobs.size(); ++i) {
+        const auto path = InputArgument(jobs[i].source).path();
+        const auto source = path ? timeOf(path->string()) : std::nullopt;
+        const auto result = timeOf(jobs[i].output);
+        if (!areKnown || !source || !result || *result <= std::max(*source, newest)) {
+            outdated.push_back(i);
+        }
+    }
+    return outdated;
 }

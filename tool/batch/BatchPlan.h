@@ -6,6 +6,7 @@
 
 #include "cli/RunOptions.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,13 @@ struct BatchOptions {
     std::string directory;
     std::string suffix = ".out";
     unsigned jobs = 1;
+    /** Takes each source whose number leaves the rest `shard - 1` when it is divided by this. */
+    unsigned shards = 1;
+    unsigned shard = 1;
+    /** Leaves out what has a result that is newer. */
+    bool newer = false;
+    /** Where what became of each source is written; empty for nowhere. */
+    std::string report;
     RunOptions run;
 };
 
@@ -29,9 +37,19 @@ struct BatchJob {
 };
 
 /**
- * The jobs in the order of the command line, those of the list after them.
+ * The jobs of the shard in the order of the command line, those of the list after them.
  *
- * @throws UsageError where two results would go to one file, or one would replace a source
+ * @throws UsageError where two results of the whole list would go to one file, or one would replace
+ * a source
  * @throws Failure where the list cannot be read
  */
 std::vector<BatchJob> planBatch(const BatchOptions& options);
+
+/**
+ * Those that have no result which is newer than the source and all of the modules.
+ *
+ * @param modules URIs; one that is no local file makes all results out of date
+ * @return numbers of jobs
+ */
+std::vector<std::uint32_t> outdatedJobs(const std::vector<BatchJob>& jobs,
+                                        const std::vector<std::string>& modules);

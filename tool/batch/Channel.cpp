@@ -7,10 +7,11 @@
 
 namespace {
 
-/** Stands before the text of a report. */
+/** Stands before the texts of a report. */
 struct Head {
     Report::Kind kind;
     std::uint32_t length;
+    std::uint32_t outcomeLength;
 };
 
 /** What cannot be sent is dropped: the other process is gone, and the next receipt shows it. */
@@ -31,21 +32,27 @@ void takeReports(std::string& received, std::vector<Report>& reports) {
     std::size_t taken = 0;
     while (received.size() - taken >= sizeof head) {
         std::memcpy(&head, received.data() + taken, sizeof head);
-        if (received.size() - taken - sizeof head < head.length) {
+        const std::size_t length = std::size_t{head.length} + head.outcomeLength;
+        if (received.size() - taken - sizeof head < length) {
             break;
         }
-        reports.push_back({head.kind, received.substr(taken + sizeof head, head.length)});
-        taken += sizeof head + head.length;
+        const std::size_t text = taken + sizeof head;
+        reports.push_back({head.kind, received.substr(text, head.length),
+                           received.substr(text + head.length, head.outcomeLength)});
+        taken = text + length;
     }
     received.erase(0, taken);
 }
 
 } // namespace
 
-void WorkerChannel::send(Report::Kind kind, const std::string& text) const {
-    const Head head{kind, static_cast<std::uint32_t>(text.size())};
+void WorkerChannel::send(Report::Kind kind, const std::string& text,
+                         const std::string& outcome) const {
+    const Head head{kind, static_cast<std::uint32_t>(text.size()),
+                    static_cast<std::uint32_t>(outcome.size())};
     std::string bytes(reinterpret_cast<const char*>(&head), sizeof head);
     bytes += text;
+    bytes += outcome;
     sendAll(m_socket.get(), bytes.data(), bytes.size());
 }
 

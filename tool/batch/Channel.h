@@ -24,6 +24,8 @@ struct Report {
 
     Kind kind;
     std::string text;
+    /** The same for programs. */
+    std::string outcome;
 };
 
 /** The worker's end. */
@@ -31,7 +33,8 @@ class WorkerChannel {
 public:
     explicit WorkerChannel(Descriptor socket) : m_socket(std::move(socket)) {}
 
-    void send(Report::Kind kind, const std::string& text = "") const;
+    void send(Report::Kind kind, const std::string& text = "",
+              const std::string& outcome = "") const;
 
     /** Waits for the number of the next job; nothing when there will be no more. */
     std::optional<std::uint32_t> nextJob() const;

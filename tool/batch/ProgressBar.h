@@ -15,11 +15,13 @@ struct Tally {
     std::size_t total = 0;
     std::size_t done = 0;
     std::size_t failed = 0;
+    /** They had a result already. */
+    std::size_t skipped = 0;
     /** Of the source. */
     std::uint64_t bytes = 0;
     std::uint64_t bytesRead = 0;
 
-    std::size_t finished() const { return done + failed; }
+    std::size_t finished() const { return done + failed + skipped; }
     /** From 0 to 1. */
     double share() const;
 };

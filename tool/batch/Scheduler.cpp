@@ -7,6 +7,7 @@
 #include <climits>
 #include <iostream>
 #include <poll.h>
+#include <sstream>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -31,9 +32,10 @@ Descriptor openSignalSource(const BlockedSignals& signals) {
 } // namespace
 
 Scheduler::Scheduler(const BatchOptions& options, const std::vector<BatchJob>& jobs,
-                     const BlockedSignals& signals, Work work)
-    : m_options(options), m_jobs(jobs), m_signals(signals), m_work(std::move(work)),
-      m_signalSource(openSignalSource(signals)), m_progress(!options.run.quiet) {
+                     BatchReport& report, const BlockedSignals& signals, Work work)
+    : m_options(options), m_jobs(jobs), m_report(report), m_signals(signals),
+      m_work(std::move(work)), m_signalSource(openSignalSource(signals)),
+      m_progress(!options.run.quiet) {
     m_tally.total = jobs.size();
 }
 
@@ -54,7 +56,9 @@ Tally Scheduler::run(std::size_t workers) {
 }
 
 void Scheduler::runAll() {
-    std::for_each(m_slots.begin(), m_slots.end(), [this](const auto& slot) { start(*slot); });
+    // The first one tells of the modules; then the others may be needed.
+    const std::size_t count = std::min(m_slots.size(), m_options.newer ? 1 : m_slots.size());
+    std::for_each_n(m_slots.begin(), count, [this](const auto& slot) { start(*slot); });
     while (isAnyRunning()) {
         if (canPrintAtOnce()) {
             m_progress.draw(m_tally);
@@ -135,16 +139,20 @@ void Scheduler::take(Slot& slot, const Report& report) {
     case Report::Kind::Started:
         slot.hasStarted = true;
         slot.failedStarts = 0;
+        if (m_options.newer && !m_outdated) {
+            leaveOutUnchanged(report.text);
+        }
         break;
     case Report::Kind::Message:
         printMessage(slot, report.text);
         return;
     case Report::Kind::Done:
         ++m_tally.done;
+        m_report.add(jobOf(slot), report.outcome);
         endJob(slot);
         break;
     case Report::Kind::Failed:
-        printFailed(report.text);
+        fail(slot, report.text, report.outcome);
         endJob(slot);
         break;
     case Report::Kind::GivenUp:
@@ -153,10 +161,41 @@ void Scheduler::take(Slot& slot, const Report& report) {
     giveJobs(slot);
 }
 
+void Scheduler::leaveOutUnchanged(const std::string& modules) {
+    std::vector<std::string> uris;
+    std::istringstream lines(modules);
+    for (std::string uri; std::getline(lines, uri);) {
+        uris.push_back(uri);
+    }
+    m_outdated = outdatedJobs(m_jobs, uris);
+    m_tally.skipped = m_jobs.size() - m_outdated->size();
+    auto next = m_outdated->begin();
+    for (std::uint32_t i = 0; i < m_jobs.size(); ++i) {
+        if (next != m_outdated->end() && *next == i) {
+            ++next;
+        } else {
+            m_report.addSkipped(m_jobs[i]);
+        }
+    }
+    const std::size_t needed = std::min(m_slots.size(), m_outdated->size());
+    for (std::size_t i = 1; i < needed; ++i) {
+        start(*m_slots[i]);
+    }
+}
+
+void Scheduler::beginJob(Slot& slot) {
+    slot.begin = Clock::now();
+    slot.process.setTimeLimit(m_options.run.limits.maxSeconds);
+}
+
 void Scheduler::endJob(Slot& slot) {
     slot.jobs.pop_front();
     slot.wasJustInTime = slot.process.isLate();
-    slot.process.setTimeLimit(slot.jobs.empty() ? 0 : m_options.run.limits.maxSeconds);
+    if (slot.jobs.empty()) {
+        slot.process.setTimeLimit(0);
+    } else {
+        beginJob(slot);
+    }
 }
 
 /** A few ahead, so that no worker has to wait; fewer near the end, so that all end together. */
@@ -171,7 +210,7 @@ void Scheduler::giveJobs(Slot& slot) {
         slot.jobs.push_back(takeNextJob());
         slot.channel.send(slot.jobs.back());
         if (slot.jobs.size() == 1) {
-            slot.process.setTimeLimit(m_options.run.limits.maxSeconds);
+            beginJob(slot);
         }
     }
     if (slot.jobs.empty()) {
@@ -182,7 +221,8 @@ void Scheduler::giveJobs(Slot& slot) {
 /** The worker is gone. Another takes its place while there is work. */
 void Scheduler::takeEnd(Slot& slot) {
     constexpr int MOST_FAILED_STARTS = 3;
-    const std::string cause = slot.process.wait().cause(m_options.run.limits);
+    const ChildProcess::End end = slot.process.wait();
+    const std::string cause = end.cause(m_options.run.limits);
     if (!slot.hasStarted && ++slot.failedStarts == MOST_FAILED_STARTS) {
         if (!isAnyRunning()) {
             throw NoWorker(oneLine(m_options.stylesheet) + ": " + cause);
@@ -190,7 +230,9 @@ void Scheduler::takeEnd(Slot& slot) {
         return; // the others go on
     }
     if (!slot.jobs.empty() && !slot.wasJustInTime) {
-        printFailed(oneLine(sourceOf(slot)) + ": " + cause);
+        const std::chrono::duration<double, std::milli> time = Clock::now() - slot.begin;
+        fail(slot, oneLine(sourceOf(slot)) + ": " + cause,
+             lostOutcome(time.count(), end.wasLate ? "Limit" : "Crash", cause));
         slot.jobs.pop_front();
     }
     m_returned.insert(m_returned.end(), slot.jobs.begin(), slot.jobs.end());
@@ -227,8 +269,9 @@ void Scheduler::printMessage(const Slot& slot, const std::string& text) {
     print(slot.jobs.empty() ? text + "\n" : namedLines(sourceOf(slot), text));
 }
 
-void Scheduler::printFailed(const std::string& text) {
+void Scheduler::fail(const Slot& slot, const std::string& text, const std::string& outcome) {
     ++m_tally.failed;
+    m_report.add(jobOf(slot), outcome);
     waitForStandardError();
     m_progress.clear();
     print(errorLine(text));
@@ -253,6 +296,11 @@ void Scheduler::interrupt(int signalNumber) {
             countLastReports(*slot);
         }
     }
+    try {
+        m_report.commit();
+    } catch (const vexa::Error&) {
+        // The signal ends it anyway.
+    }
     if (canPrint) {
         m_progress.clear();
         printError("interrupted: " + summary(m_tally));
@@ -265,8 +313,12 @@ void Scheduler::countLastReports(Slot& slot) {
     std::vector<Report> reports;
     slot.channel.receiveAll(reports);
     for (const Report& report : reports) {
-        m_tally.done += report.kind == Report::Kind::Done ? 1 : 0;
-        m_tally.failed += report.kind == Report::Kind::Failed ? 1 : 0;
+        const bool isDone = report.kind == Report::Kind::Done;
+        if (isDone || report.kind == Report::Kind::Failed) {
+            ++(isDone ? m_tally.done : m_tally.failed);
+            m_report.add(jobOf(slot), report.outcome);
+            slot.jobs.pop_front();
+        }
     }
 }
 
@@ -276,26 +328,34 @@ bool Scheduler::isAnyRunning() const {
 }
 
 std::size_t Scheduler::jobsLeft() const {
-    return m_jobs.size() - m_nNextJob + m_returned.size();
+    return (m_outdated ? m_outdated->size() : m_jobs.size()) - m_nNextJob + m_returned.size();
 }
 
 std::uint32_t Scheduler::takeNextJob() {
     if (m_returned.empty()) {
-        return m_nNextJob++;
+        const std::uint32_t next = m_nNextJob++;
+        return m_outdated ? (*m_outdated)[next] : next;
     }
     const std::uint32_t job = m_returned.front();
     m_returned.pop_front();
     return job;
 }
 
+const BatchJob& Scheduler::jobOf(const Slot& slot) const {
+    return m_jobs[slot.jobs.front()];
+}
+
 const std::string& Scheduler::sourceOf(const Slot& slot) const {
-    return m_jobs[slot.jobs.front()].source;
+    return jobOf(slot).source;
 }
 
 std::string summary(const Tally& tally) {
     const std::size_t left = tally.total - tally.finished();
     std::string text = std::to_string(tally.done) + " of " + std::to_string(tally.total) +
                        (tally.total == 1 ? " source done" : " sources done");
+    if (tally.skipped != 0) {
+        text += ", " + std::to_string(tally.skipped) + " unchanged";
+    }
     if (tally.failed != 0) {
         text += ", " + std::to_string(tally.failed) + " failed";
     }

@@ -6,6 +6,7 @@
 
 #include "base/Limits.h"
 #include "batch/BatchPlan.h"
+#include "batch/BatchReport.h"
 #include "batch/Channel.h"
 #include "batch/ProgressBar.h"
 #include "process/BlockedSignals.h"
@@ -15,6 +16,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -30,8 +32,8 @@ public:
     /** What a worker does, in a process of its own. @return its exit status */
     using Work = std::function<int(const WorkerChannel&)>;
 
-    /** @param options,jobs,signals borrowed */
-    Scheduler(const BatchOptions& options, const std::vector<BatchJob>& jobs,
+    /** @param options,jobs,report,signals borrowed */
+    Scheduler(const BatchOptions& options, const std::vector<BatchJob>& jobs, BatchReport& report,
               const BlockedSignals& signals, Work work);
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
@@ -60,6 +62,8 @@ private:
         /** It was late with a job that it has finished after all. */
         bool wasJustInTime = false;
         std::deque<std::uint32_t> jobs;
+        /** When it began with the current one. */
+        Clock::time_point begin;
     };
 
     void runAll();
@@ -68,13 +72,15 @@ private:
     int millisecondsToWait() const;
     void receiveFrom(Slot& slot);
     void take(Slot& slot, const Report& report);
+    void leaveOutUnchanged(const std::string& modules);
+    void beginJob(Slot& slot);
     void endJob(Slot& slot);
     void giveJobs(Slot& slot);
     void takeEnd(Slot& slot);
     void waitForStandardError();
     void print(const std::string& text);
     void printMessage(const Slot& slot, const std::string& text);
-    void printFailed(const std::string& text);
+    void fail(const Slot& slot, const std::string& text, const std::string& outcome);
     void endOnSignal();
     [[noreturn]] void interrupt(int signalNumber);
     void countLastReports(Slot& slot);
@@ -82,14 +88,18 @@ private:
     bool isAnyRunning() const;
     std::size_t jobsLeft() const;
     std::uint32_t takeNextJob();
+    const BatchJob& jobOf(const Slot& slot) const;
     const std::string& sourceOf(const Slot& slot) const;
 
     const BatchOptions& m_options;
     const std::vector<BatchJob>& m_jobs;
+    BatchReport& m_report;
     const BlockedSignals& m_signals;
     Work m_work;
     Descriptor m_signalSource;
     std::vector<std::unique_ptr<Slot>> m_slots;
+    /** What is to be done, where not all is. */
+    std::optional<std::vector<std::uint32_t>> m_outdated;
     std::uint32_t m_nNextJob = 0;
     /** Given to a worker that ended before it came to them. */
     std::deque<std::uint32_t> m_returned;

@@ -2,6 +2,7 @@
 
 #include "base/Errors.h"
 #include "batch/BatchPlan.h"
+#include "batch/BatchReport.h"
 #include "batch/Scheduler.h"
 #include "commands/Session.h"
 #include "process/BlockedSignals.h"
@@ -11,8 +12,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <unistd.h>
@@ -36,6 +39,9 @@ Examples:
   # For all in a tree of folders, however many and whatever their names
   find . -name '*.xml' -print0 |
     vexa-xslt batch report.xsl --files-from - -0 -d pages
+
+  # A third of the work on each of three machines; again after it broke off
+  vexa-xslt batch report.xsl orders*.xml -d pages --shard 1/3 --newer
 
   # Over untrusted input
   vexa-xslt batch report.xsl orders*.xml -d pages --sandbox --max-seconds 60)";
@@ -99,19 +105,35 @@ std::string failureText(const std::string& sourceName, const std::string& text) 
 
 void doJobs(const std::vector<BatchJob>& jobs, Session& session, vexa::Transformation& run,
             const WorkerChannel& channel) {
+    using Clock = std::chrono::steady_clock;
     while (const auto number = channel.nextJob()) {
         const BatchJob& job = jobs[*number];
+        const Clock::time_point begin = Clock::now();
+        const auto milliseconds = [begin] {
+            return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+        };
         try {
             const InputArgument source(job.source);
             session.names().add(source);
             session.transform(run, source, vexa::Output::file(job.output));
-            channel.send(Report::Kind::Done);
+            channel.send(Report::Kind::Done, "", doneOutcome(milliseconds()));
         } catch (const vexa::Error& error) {
-            channel.send(Report::Kind::Failed, failureText(job.source, session.describe(error)));
+            channel.send(Report::Kind::Failed, failureText(job.source, session.describe(error)),
+                         failedOutcome(milliseconds(), error));
         } catch (const std::bad_alloc&) {
-            channel.send(Report::Kind::Failed, oneLine(job.source) + ": out of memory");
+            channel.send(Report::Kind::Failed, oneLine(job.source) + ": out of memory",
+                         lostOutcome(milliseconds(), "Crash", "out of memory"));
         }
     }
+}
+
+/** Their URIs, one a line. */
+std::string modulesOf(const vexa::Stylesheet& stylesheet) {
+    std::string uris;
+    for (const std::string& uri : stylesheet.modules()) {
+        uris.append(uri).append("\n");
+    }
+    return uris;
 }
 
 int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
@@ -122,8 +144,9 @@ int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
     });
     try {
         enterSandboxIfWanted(options.run, files);
-        vexa::Transformation run = session.prepare(session.compile(files.inputs.front()));
-        channel.send(Report::Kind::Started);
+        const vexa::Stylesheet stylesheet = session.compile(files.inputs.front());
+        vexa::Transformation run = session.prepare(stylesheet);
+        channel.send(Report::Kind::Started, modulesOf(stylesheet));
         doJobs(jobs, session, run, channel);
     } catch (const vexa::Error& error) {
         channel.send(Report::Kind::GivenUp, session.describe(error));
@@ -135,9 +158,9 @@ int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
     return EXIT_DONE;
 }
 
-Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs) {
+Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs, BatchReport& report) {
     const BlockedSignals signals;
-    Scheduler scheduler(options, jobs, signals,
+    Scheduler scheduler(options, jobs, report, signals,
                         [&](const WorkerChannel& channel) { return work(options, jobs, channel); });
     return scheduler.run(workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())));
 }
@@ -149,7 +172,12 @@ int runBatch(const BatchOptions& options) {
     Timing timing;
     Tally tally;
     try {
-        tally = runJobs(options, jobs);
+        BatchReport report(options.report);
+        tally = runJobs(options, jobs, report);
+        report.commit();
+    } catch (const vexa::Error& error) {
+        printError(options.report + ": " + error.text());
+        return EXIT_FAILED;
     } catch (const NoWorker& error) {
         printError(error.what());
         return EXIT_FAILED;
@@ -158,7 +186,7 @@ int runBatch(const BatchOptions& options) {
     if (options.run.timing && !options.run.quiet) {
         std::cerr << timing.report();
     }
-    if (tally.done < tally.total) {
+    if (tally.done + tally.skipped < tally.total) {
         printError(summary(tally));
         return EXIT_FAILED;
     }
@@ -166,6 +194,26 @@ int runBatch(const BatchOptions& options) {
         std::cerr << "vexa-xslt: " + summary(tally) + "\n";
     }
     return EXIT_DONE;
+}
+
+/** "2/3" */
+void readShard(const std::string& text, BatchOptions& options) {
+    constexpr const char* DIGITS = "0123456789";
+    constexpr std::size_t MOST_DIGITS = 6;
+    const auto slash = text.find('/');
+    const std::string numbers[] = {text.substr(0, slash),
+                                   slash == std::string::npos ? "" : text.substr(slash + 1)};
+    const bool areNumbers =
+        std::all_of(std::begin(numbers), std::end(numbers), [&](const std::string& number) {
+            return !number.empty() && number.size() <= MOST_DIGITS &&
+                   number.find_first_not_of(DIGITS) == std::string::npos;
+        });
+    options.shard = areNumbers ? static_cast<unsigned>(std::stoul(numbers[0])) : 0;
+    options.shards = areNumbers ? static_cast<unsigned>(std::stoul(numbers[1])) : 0;
+    if (options.shard < 1 || options.shard > options.shards) {
+        throw UsageError("--shard",
+                         "expected I/N, two integers with 1 <= I <= N, got '" + text + "'");
+    }
 }
 
 void define(CLI::App& app, std::function<int()>& command) {
@@ -187,6 +235,16 @@ void define(CLI::App& app, std::function<int()>& command) {
         ->type_name("FILE");
     app.add_flag("-0,--null", options->separatedByNul,
                  "The names in FILE are separated by NUL, as find -print0 does");
+    app.add_option_function<std::string>(
+           "--shard", [options](const std::string& shard) { readShard(shard, *options); },
+           "Take each N-th source only, from the I-th: for N machines that share a list")
+        ->type_name("I/N");
+    app.add_flag("--newer", options->newer,
+                 "Leave out sources with a result that is newer than they and the stylesheet");
+    app.add_option("--report", options->report,
+                   "Write a line of JSON for each source to this file; to standard output if it "
+                   "is -")
+        ->type_name("FILE");
     addParameterOptions(app, options->run);
     addDocumentsOption(app, options->run);
     addRunOptions(app, options->run);

@@ -10,12 +10,6 @@
 
 namespace {
 
-std::size_t columnOf(const vexa::Location& where) {
-    const auto path = pathOfFileUri(where.uri);
-    return path && where.column > 1 ? columnInCharacters(*path, where.line, where.column)
-                                    : where.column;
-}
-
 std::string placeText(const vexa::Location& where, const FileNames& names) {
     std::string text = names.nameOf(where.uri);
     for (const std::size_t number : {where.line, columnOf(where)}) {
@@ -61,6 +55,12 @@ std::string suggestion(const vexa::Error& error, const FileNames& names) {
 }
 
 } // namespace
+
+std::size_t columnOf(const vexa::Location& where) {
+    const auto path = pathOfFileUri(where.uri);
+    return path && where.column > 1 ? columnInCharacters(*path, where.line, where.column)
+                                    : where.column;
+}
 
 std::string errorText(const vexa::Error& error, const FileNames& names, const Limits& limits) {
     const std::string cause = error.kind() == vexa::ErrorKind::Limit

@@ -18,6 +18,9 @@
  */
 std::string errorText(const vexa::Error& error, const FileNames& names, const Limits& limits);
 
+/** Counted in characters where the file can be read; 0 where it is not known. */
+std::size_t columnOf(const vexa::Location& where);
+
 /** The line of the file that the error is about, after a newline; empty if it cannot be shown. */
 std::string errorExcerpt(const vexa::Error& error);
 

@@ -193,7 +193,7 @@ void RecordPipeline::take(Chunk& chunk, Report report) {
 void RecordPipeline::takeEnd(Chunk& chunk) {
     const ChildProcess::End end = chunk.process.wait();
     if (!chunk.isDone()) {
-        take(chunk, {Report::Kind::Failed, end.cause(m_settings.limits)});
+        take(chunk, {Report::Kind::Failed, end.cause(m_settings.limits), ""});
     }
     if (!chunk.isDone()) {
         start(chunk);
