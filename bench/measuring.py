@@ -1,7 +1,6 @@
 """Runs the benchmark programs, and reads their output."""
 
 import concurrent.futures
-import filecmp
 import json
 import os
 import pathlib
@@ -193,6 +192,11 @@ def commands(build, source, stylesheet, result="by-"):
             "vexa-xslt": [build / "bin" / "vexa-xslt", "transform", stylesheet, source, "-o", result + "vexa-xslt"]}
 
 
+def without_namespaces(path):
+    """Xalan declares some namespaces that the stylesheet excludes."""
+    return re.sub(rb' xmlns:[a-z]+="[^"]*"', b"", path.read_bytes())
+
+
 def measure_processes(build):
     results = {}
     folder = build / "documents"
@@ -205,7 +209,7 @@ def measure_processes(build):
                 words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
                 if turn > 0:  # the first turn fills the caches of the system
                     runs.setdefault(name, []).append([float(word) for word in words])
-        if not filecmp.cmp(folder / "by-Xalan", folder / "by-vexa-xslt", shallow=False):
+        if without_namespaces(folder / "by-Xalan") != without_namespaces(folder / "by-vexa-xslt"):
             raise Failed(f"{title}: Xalan and vexa-xslt give different results")
         if not (folder / "by-xsltproc").stat().st_size:
             raise Failed(f"{title}: xsltproc has no output")

@@ -6,6 +6,7 @@
 #include "commands/ChainCommand.h"
 #include "commands/RecordsCommand.h"
 #include "commands/TransformCommand.h"
+#include "commands/WorkerCommand.h"
 #include "commands/XPathCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -40,6 +41,9 @@ constexpr const char* MORE_HELP =
 
   # Turn a document that is larger than memory into a table, order by order
   vexa-xslt records order-line.xsl orders.xml -e order > orders.csv
+
+  # Answer the requests of another program, a line of JSON each
+  generate-requests | vexa-xslt worker report.xsl
 
   # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
@@ -87,8 +91,8 @@ int printHelp(const CLI::App& app, const CLI::ParseError& request) {
 
 /** Only what is asked for gets its options: to define those of all takes time. */
 void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run) {
-    const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND, &XPATH_COMMAND,
-                                       &BATCH_COMMAND, &RECORDS_COMMAND};
+    const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND,   &XPATH_COMMAND,
+                                       &BATCH_COMMAND,     &RECORDS_COMMAND, &WORKER_COMMAND};
     const auto isNamed = [&](const Command* command) {
         return std::find(argv, argv + argc, std::string_view(command->name)) != argv + argc;
     };

@@ -37,7 +37,7 @@ Token takeToken(Text& pattern) {
         pattern.remove_prefix(1);
         if (c != u'\'') {
             token.literal += c;
-        } else if (!pattern.empty() && pattern.front() == u'\'') {
+        } else if (pattern.substr(0, 1) == u"'") {
             token.literal += c;
             pattern.remove_prefix(1);
         } else {

@@ -147,12 +147,12 @@ public:
     // RunContext
     void beginFurtherResult(const ResultAttributes& attributes,
                             const xercesc::Locator* locator) override {
-        xalanc::FormatterListener& listener = operation().keepingException([&]() -> auto& {
-            return m_machine.m_furtherResults->begin(attributes, toLocation(locator), *this);
+        xalanc::FormatterListener* const listener = operation().keepingException([&] {
+            return &m_machine.m_furtherResults->begin(attributes, toLocation(locator), *this);
         });
         pushCopyTextNodesOnly(false);
-        pushOutputContext(&listener);
-        listener.startDocument();
+        pushOutputContext(listener);
+        listener->startDocument();
     }
     void endFurtherResult() override {
         getFormatterListener()->endDocument();

@@ -127,7 +127,8 @@ TEST_F(HelpTest, ShowsExamplesThatRun) {
         if (isInSandbox && isUnderAMemoryChecker()) {
             continue; // a leak checker reads the system's files when the process ends
         }
-        const auto outcome = shell("generate-orders() { cat orders.xml; }; curl() { cat "
+        const auto outcome = shell("generate-orders() { cat orders.xml; }; generate-requests() { "
+                                   "echo '{\"file\": \"orders.xml\"}'; }; curl() { cat "
                                    "orders.xml; }; zcat() { cat orders.xml; }; set -o pipefail; " +
                                    example);
         EXPECT_EQ(outcome.status, 0) << example;

@@ -58,11 +58,27 @@ void WorkerChannel::send(Report::Kind kind, const std::string& text,
 
 std::optional<std::uint32_t> WorkerChannel::nextJob() const {
     std::uint32_t job = 0;
-    ssize_t received = 0;
-    do {
-        received = recv(m_socket.get(), &job, sizeof job, MSG_WAITALL);
-    } while (received < 0 && errno == EINTR);
-    return received == sizeof job ? std::optional<std::uint32_t>(job) : std::nullopt;
+    return receive(reinterpret_cast<char*>(&job), sizeof job) ? std::optional<std::uint32_t>(job)
+                                                              : std::nullopt;
+}
+
+std::optional<std::string> WorkerChannel::nextText() const {
+    const auto length = nextJob();
+    std::string text(length.value_or(0), '\0');
+    return length && receive(text.data(), text.size()) ? std::optional<std::string>(std::move(text))
+                                                       : std::nullopt;
+}
+
+bool WorkerChannel::receive(char* bytes, std::size_t length) const {
+    while (length > 0) {
+        const ssize_t received = recv(m_socket.get(), bytes, length, MSG_WAITALL);
+        if (received == 0 || (received < 0 && errno != EINTR)) {
+            return false;
+        }
+        bytes += received > 0 ? received : 0;
+        length -= received > 0 ? static_cast<std::size_t>(received) : 0;
+    }
+    return true;
 }
 
 SchedulerChannel::~SchedulerChannel() {
@@ -71,6 +87,11 @@ SchedulerChannel::~SchedulerChannel() {
 
 void SchedulerChannel::send(std::uint32_t job) const {
     sendAll(m_socket.get(), reinterpret_cast<const char*>(&job), sizeof job);
+}
+
+void SchedulerChannel::send(const std::string& text) const {
+    send(static_cast<std::uint32_t>(text.size()));
+    sendAll(m_socket.get(), text.data(), text.size());
 }
 
 void SchedulerChannel::close() const {

@@ -38,8 +38,12 @@ public:
 
     /** Waits for the number of the next job; nothing when there will be no more. */
     std::optional<std::uint32_t> nextJob() const;
+    /** The same for jobs that are texts. */
+    std::optional<std::string> nextText() const;
 
 private:
+    bool receive(char* bytes, std::size_t length) const;
+
     Descriptor m_socket;
 };
 
@@ -56,6 +60,8 @@ public:
     int descriptor() const { return m_socket.get(); }
 
     void send(std::uint32_t job) const;
+    /** Waits where the worker does not take it. */
+    void send(const std::string& text) const;
 
     /** There will be no more jobs. */
     void close() const;

@@ -24,16 +24,20 @@ fs::path realPlace(const fs::path& path) {
     return failure ? fs::path() : real;
 }
 
+/** Empty where it is not there. */
+fs::path realFolder(const fs::path& path) {
+    std::error_code failure;
+    return fs::canonical(path, failure);
+}
+
 vexa::Error denied(const std::string& href, const std::string& reason) {
     return {vexa::ErrorKind::Denied, "the document '" + href + "' may not be written: " + reason};
 }
 
 } // namespace
 
-DocumentFolder::DocumentFolder(const fs::path& folder) : m_given(folder) {
-    std::error_code failure;
-    m_folder = fs::canonical(folder, failure);
-}
+DocumentFolder::DocumentFolder(const fs::path& folder)
+    : m_given(folder), m_folder(realFolder(folder)) {}
 
 vexa::Output DocumentFolder::output(const std::string& href, const std::string& base) const {
     const auto enclosing = pathOfFileUri(base);

@@ -100,11 +100,16 @@ bool RecordPipeline::read(Chunk& chunk) {
     return !m_isAtEnd;
 }
 
-/** So many that a process has something to do for a while, and the others have something, too. */
-std::size_t RecordPipeline::recordsAtOnce() const {
+/**
+ * So many that a process has something to do for a while, and the others have something, too. The
+ * first ones are few; where it is slow to start a process, there are some in each all the same.
+ */
+std::size_t RecordPipeline::recordsAtOnce() {
     constexpr double WHILE = 0.1;
+    constexpr std::size_t SOME = 32;
     const double seconds = std::chrono::duration<double>(Clock::now() - m_begin).count();
-    return 1 + static_cast<std::size_t>(WHILE * static_cast<double>(m_tally.finished()) / seconds);
+    const double rate = static_cast<double>(m_tally.finished()) / seconds;
+    return std::max(std::min(++m_chunkCount, SOME), static_cast<std::size_t>(WHILE * rate));
 }
 
 /** For those that are not finished. */

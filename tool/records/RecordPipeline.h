@@ -94,7 +94,7 @@ private:
     bool canRead() const;
     void readChunk();
     bool read(Chunk& chunk);
-    std::size_t recordsAtOnce() const;
+    std::size_t recordsAtOnce();
     void start(Chunk& chunk);
     void wait();
     int millisecondsToWait() const;
@@ -113,6 +113,8 @@ private:
     const Describe m_describe;
     /** In the order of the source. */
     std::deque<std::unique_ptr<Chunk>> m_chunks;
+    /** Of all times. */
+    std::size_t m_chunkCount = 0;
     std::size_t m_waitingBytes = 0;
     bool m_isAtEnd = false;
     /** Why the source broke off. */
