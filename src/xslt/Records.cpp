@@ -229,7 +229,7 @@ private:
         }
     }
     /** What is reported next begins where this ended. */
-    void remember() { m_line = m_locator->getLineNumber(); }
+    void remember() { m_line = static_cast<std::size_t>(m_locator->getLineNumber()); }
 
     Operation& m_operation;
     std::optional<std::u16string> m_uri; // none: any
