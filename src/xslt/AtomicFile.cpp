@@ -35,6 +35,12 @@ std::filesystem::path temporaryName(const std::filesystem::path& path) {
     return path.parent_path() / name;
 }
 
+/** Empty without a working directory: then the path is refused. */
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::absolute(path, ignored);
+}
+
 /** Whether a path names a file that the process has open, such as its standard output. */
 bool isOpenFile(const std::filesystem::path& path) {
     const std::string folder = path.parent_path().native();
@@ -43,10 +49,8 @@ bool isOpenFile(const std::filesystem::path& path) {
 
 } // namespace
 
-AtomicFile::AtomicFile(const std::filesystem::path& path, Fail fail) : m_fail(std::move(fail)) {
-    // Without a working directory the path stays empty, and is refused.
-    std::error_code ignored;
-    m_path = std::filesystem::absolute(path, ignored);
+AtomicFile::AtomicFile(const std::filesystem::path& path, Fail fail)
+    : m_path(absolutePath(path)), m_fail(std::move(fail)) {
     struct stat status {};
     if (m_path.native().find('\0') != std::string::npos) {
         errno = EINVAL;

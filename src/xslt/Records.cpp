@@ -331,20 +331,27 @@ Records::Records(Records&& other) noexcept = default;
 Records& Records::operator=(Records&& other) noexcept = default;
 Records::~Records() = default;
 
+Records::Data& Records::data() const {
+    if (!m_data) {
+        throw Error(ErrorKind::Usage, "the records are empty");
+    }
+    return *m_data;
+}
+
 std::optional<Document> Records::next() {
-    return m_data->next();
+    return data().next();
 }
 
 std::uint64_t Records::count() const {
-    return m_data->count();
+    return data().count();
 }
 
 std::size_t Records::line() const {
-    return m_data->line();
+    return data().line();
 }
 
 std::uint64_t Records::bytesRead() const {
-    return m_data->bytesRead();
+    return data().bytesRead();
 }
 
 } // namespace vexa

@@ -121,6 +121,18 @@ TEST(RecordsTest, TellWhereTheyBegin) {
     EXPECT_EQ(records.bytesRead(), source.size());
 }
 
+TEST(RecordsTest, CanBeMoved) {
+    Records first(Input::text("<a><r>1</r><r>2</r></a>"), "r");
+    EXPECT_EQ(first.next()->xml(), "<r>1</r>");
+    Records second(std::move(first));
+    EXPECT_EQ(second.next()->xml(), "<r>2</r>");
+    expectFailure([&] { first.next(); }, ErrorKind::Usage, "empty");
+    expectFailure([&] { first.count(); }, ErrorKind::Usage, "empty");
+    first = std::move(second);
+    EXPECT_EQ(first.count(), 2U);
+    EXPECT_FALSE(first.next());
+}
+
 TEST(RecordsTest, OutliveTheirReader) {
     std::optional<Document> record;
     {

@@ -37,13 +37,16 @@ public:
     /**
      * Opens the input.
      *
+     * @param input   what is read; a stream must live as long as the records
      * @param element a local name, or "{uri}name"
      * @param options of the whole reading. The limits of memory, time and depth hold for each
      *                record; the depth counts from the record's element
      * @throws Error: Input, Denied; Usage for an empty name
      */
     Records(const Input& input, const std::string& element, const Options& options = {});
+    /** Takes over the reading. The other answers with Error: Usage. */
     Records(Records&& other) noexcept;
+    /** Takes over the reading. The other answers with Error: Usage. */
     Records& operator=(Records&& other) noexcept;
     ~Records();
 
@@ -66,11 +69,11 @@ public:
     /** Reads while it advances. */
     class Iterator {
     public:
-        using iterator_category = std::input_iterator_tag;
-        using value_type = Document;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const Document*;
-        using reference = const Document&;
+        using iterator_category = std::input_iterator_tag; ///< each record is read once
+        using value_type = Document;                       ///< a record
+        using difference_type = std::ptrdiff_t;            ///< not used
+        using pointer = const Document*;                   ///< to a record
+        using reference = const Document&;                 ///< a record
 
         /** The end. */
         Iterator() = default;
@@ -107,6 +110,7 @@ public:
 
 private:
     class VEXA_XSLT_LOCAL Data;
+    VEXA_XSLT_LOCAL Data& data() const;
     std::unique_ptr<Data> m_data;
 };
 
