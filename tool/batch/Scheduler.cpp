@@ -56,7 +56,7 @@ Tally Scheduler::run(std::size_t workers) {
 }
 
 void Scheduler::runAll() {
-    // The first one tells of the modules; then the others may be needed.
+    // The first one reports the modules; then the others may be needed.
     const std::size_t count = std::min(m_slots.size(), m_options.newer ? 1 : m_slots.size());
     std::for_each_n(m_slots.begin(), count, [this](const auto& slot) { start(*slot); });
     while (isAnyRunning()) {
