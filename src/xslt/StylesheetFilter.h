@@ -34,7 +34,7 @@ public:
     /**
      * @param isIncluded whether the module is another one's
      * @param names      gets the names of the module
-     * @param declareExtensions is told of each namespace that a literal element declares as that
+     * @param declareExtensions receives each namespace that a literal element declares as that
      *                   of extension elements
      */
     StylesheetFilter(xercesc::DocumentHandler& handler, Operation& operation, bool isIncluded,
