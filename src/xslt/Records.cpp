@@ -1,16 +1,16 @@
-#include "xslt/DocumentData.h"
 #include "xslt/MemoryPool.h"
 #include "xslt/NamespaceScopes.h"
 #include "xslt/Operation.h"
+#include "xslt/PackedRecord.h"
 #include "xslt/ParserCallbacks.h"
 #include "xslt/Sources.h"
 #include "xslt/Text.h"
-#include "xslt/TreeBuilder.h"
 
 #include <vexa/xslt/Error.h>
 #include <vexa/xslt/Records.h>
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,74 +22,7 @@
 
 namespace {
 
-/** The attributes of an element, and declarations of namespaces behind them. */
-class ExtendedAttributes : public xercesc::Attributes {
-public:
-    explicit ExtendedAttributes(const xercesc::Attributes& original) : m_original(original) {}
-
-    void addDeclaration(const std::u16string& prefix, const std::u16string& uri) {
-        m_more.push_back({prefix.empty() ? u"xmlns" : u"xmlns:" + prefix,
-                          prefix.empty() ? u"xmlns" : prefix, uri});
-    }
-
-    XMLSize_t getLength() const override { return m_original.getLength() + m_more.size(); }
-    const XMLCh* getURI(const XMLSize_t index) const override {
-        return isOriginal(index) ? m_original.getURI(index) : xercesc::XMLUni::fgXMLNSURIName;
-    }
-    const XMLCh* getLocalName(const XMLSize_t index) const override {
-        return isOriginal(index) ? m_original.getLocalName(index) : more(index).local.c_str();
-    }
-    const XMLCh* getQName(const XMLSize_t index) const override {
-        return isOriginal(index) ? m_original.getQName(index) : more(index).name.c_str();
-    }
-    const XMLCh* getType(const XMLSize_t index) const override {
-        return isOriginal(index) ? m_original.getType(index) : u"CDATA";
-    }
-    const XMLCh* getValue(const XMLSize_t index) const override {
-        return isOriginal(index) ? m_original.getValue(index) : more(index).uri.c_str();
-    }
-    // The builder asks by index only.
-    bool getIndex(const XMLCh* const uri, const XMLCh* const local,
-                  XMLSize_t& index) const override {
-        return m_original.getIndex(uri, local, index);
-    }
-    int getIndex(const XMLCh* const uri, const XMLCh* const local) const override {
-        return m_original.getIndex(uri, local);
-    }
-    bool getIndex(const XMLCh* const name, XMLSize_t& index) const override {
-        return m_original.getIndex(name, index);
-    }
-    int getIndex(const XMLCh* const name) const override { return m_original.getIndex(name); }
-    const XMLCh* getType(const XMLCh* const uri, const XMLCh* const local) const override {
-        return m_original.getType(uri, local);
-    }
-    const XMLCh* getType(const XMLCh* const name) const override {
-        return m_original.getType(name);
-    }
-    const XMLCh* getValue(const XMLCh* const uri, const XMLCh* const local) const override {
-        return m_original.getValue(uri, local);
-    }
-    const XMLCh* getValue(const XMLCh* const name) const override {
-        return m_original.getValue(name);
-    }
-
-private:
-    struct Declaration {
-        std::u16string name;
-        std::u16string local;
-        std::u16string uri;
-    };
-
-    bool isOriginal(XMLSize_t index) const { return index < m_original.getLength(); }
-    const Declaration& more(XMLSize_t index) const {
-        return m_more[index - m_original.getLength()];
-    }
-
-    const xercesc::Attributes& m_original;
-    std::vector<Declaration> m_more;
-};
-
-/** Builds a tree of each record, and passes over what is between them. */
+/** Packs each record, and passes over what is between them. */
 class RecordHandler : public xercesc::DefaultHandler {
 public:
     /** @param element "name" or "{uri}name" */
@@ -106,16 +39,17 @@ public:
     }
 
     /** Of all records. */
-    void setUri(const std::string& uri) { m_documentUri = uri; }
+    void setUri(const std::string& uri) { m_documentUri = toUtf16(uri); }
 
     /** Whether a record is complete, or was passed over. */
-    bool hasRecord() const { return m_complete || m_limit; }
-    /** The record. @throws vexa::Error: Limit where it was passed over */
-    std::shared_ptr<vexa::DocumentData> take() {
+    bool hasRecord() const { return m_isComplete || m_limit; }
+    /** The record, until more is read. @throws vexa::Error: Limit where it was passed over */
+    const PackedRecord& take() {
+        m_isComplete = false;
         if (m_limit) {
             std::rethrow_exception(std::exchange(m_limit, nullptr));
         }
-        return std::exchange(m_complete, nullptr);
+        return m_record;
     }
     /** Where the last record begins. */
     std::size_t line() const { return m_recordLine; }
@@ -125,43 +59,44 @@ public:
                       const xercesc::Attributes& attributes) override {
         if (m_isInRecord) {
             ++m_depth;
-            add([&](TreeBuilder& tree) { tree.startElement(uri, local, name, attributes); });
+            add([&] { addElement(uri, name, attributes); });
         } else if (m_name == local && (!m_uri || *m_uri == uri)) {
-            beginRecord(uri, local, name, attributes);
+            m_recordLine = m_line;
+            m_isInRecord = true;
+            m_isPassedOver = false;
+            add([&] { beginRecord(uri, name, attributes); });
         } else {
             m_operation.poll();
             m_namespaces.startElement(attributes);
         }
         remember();
     }
-    void endElement(const XMLCh* const uri, const XMLCh* const local,
-                    const XMLCh* const name) override {
+    void endElement(const XMLCh* const /*uri*/, const XMLCh* const /*local*/,
+                    const XMLCh* const /*name*/) override {
         if (!m_isInRecord) {
             m_namespaces.endElement();
         } else {
-            add([&](TreeBuilder& tree) { tree.endElement(uri, local, name); });
-            if (m_depth == 0) {
-                endRecord();
-            } else {
-                --m_depth;
-            }
+            add([&] { m_record.endElement(); });
+            m_isInRecord = m_depth != 0;
+            m_isComplete = !m_isInRecord && !m_isPassedOver;
+            m_depth -= m_isInRecord ? 1 : 0;
         }
         remember();
     }
     void characters(const XMLCh* const text, const XMLSize_t length) override {
-        add([&](TreeBuilder& tree) { tree.characters(text, length); });
+        add([&] { m_record.text({text, length}); });
         remember();
     }
     void ignorableWhitespace(const XMLCh* const text, const XMLSize_t length) override {
-        add([&](TreeBuilder& tree) { tree.ignorableWhitespace(text, length); });
+        add([&] { m_record.whitespace({text, length}); });
         remember();
     }
     void comment(const XMLCh* const text, const XMLSize_t length) override {
-        add([&](TreeBuilder& tree) { tree.comment(text, length); });
+        add([&] { m_record.comment({text, length}); });
         remember();
     }
     void processingInstruction(const XMLCh* const target, const XMLCh* const data) override {
-        add([&](TreeBuilder& tree) { tree.processingInstruction(target, data); });
+        add([&] { m_record.instruction(target, data); });
         remember();
     }
     void unparsedEntityDecl(const XMLCh* const name, const XMLCh* const publicId,
@@ -181,51 +116,49 @@ private:
     /** Adds to the record under way. One that reaches a limit is passed over. */
     template <typename Add>
     void add(Add add) {
-        if (!m_builder) {
+        if (!m_isInRecord || m_isPassedOver) {
             m_operation.poll();
             return;
         }
         try {
-            add(*m_builder);
+            m_operation.poll();
+            add();
         } catch (const vexa::Error& error) {
             if (error.kind() != vexa::ErrorKind::Limit) {
                 throw;
             }
             m_limit = std::current_exception();
-            m_builder.reset();
-            m_document.reset();
+            m_isPassedOver = true;
+            m_record.discard();
             m_operation.restart();
         }
     }
-    void beginRecord(const XMLCh* const uri, const XMLCh* const local, const XMLCh* const name,
+    void beginRecord(const XMLCh* const uri, const XMLCh* const name,
                      const xercesc::Attributes& attributes) {
-        m_recordLine = m_line;
-        m_isInRecord = true;
-        m_document = std::make_shared<vexa::DocumentData>(m_documentUri);
-        m_document->memory().setOperation(&m_operation);
-        m_builder = std::make_unique<TreeBuilder>(*m_document->tree(), m_operation);
-        m_builder->startDocument();
+        m_record.begin(m_documentUri);
         for (const UnparsedEntity& entity : m_entities) {
-            m_builder->unparsedEntityDecl(entity.name.c_str(), entity.publicId.c_str(),
-                                          entity.systemId.c_str(), entity.notation.c_str());
+            m_record.unparsedEntity(entity.name, entity.publicId, entity.systemId, entity.notation);
         }
         NamespaceScopes own;
         own.startElement(attributes);
-        ExtendedAttributes extended(attributes);
+        addAttributes(attributes);
         m_namespaces.visitAll([&](const std::u16string& prefix, const std::u16string& scope) {
             if (!own.declares(prefix) && !scope.empty()) {
-                extended.addDeclaration(prefix, scope);
+                m_record.attribute(xercesc::XMLUni::fgXMLNSURIName,
+                                   prefix.empty() ? u"xmlns" : u"xmlns:" + prefix, u"CDATA", scope);
             }
         });
-        add([&](TreeBuilder& tree) { tree.startElement(uri, local, name, extended); });
+        m_record.startElement(uri, name);
     }
-    void endRecord() {
-        m_isInRecord = false;
-        if (m_builder) {
-            m_builder->endDocument();
-            m_builder.reset();
-            m_document->seal();
-            m_complete = std::move(m_document);
+    void addElement(const XMLCh* const uri, const XMLCh* const name,
+                    const xercesc::Attributes& attributes) {
+        addAttributes(attributes);
+        m_record.startElement(uri, name);
+    }
+    void addAttributes(const xercesc::Attributes& attributes) {
+        for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+            m_record.attribute(attributes.getURI(i), attributes.getQName(i), attributes.getType(i),
+                               attributes.getValue(i));
         }
     }
     /** What is reported next begins where this ended. */
@@ -234,7 +167,7 @@ private:
     Operation& m_operation;
     std::optional<std::u16string> m_uri; // none: any
     std::u16string m_name;
-    std::string m_documentUri;
+    std::u16string m_documentUri;
     const xercesc::Locator* m_locator = nullptr;
     std::size_t m_line = 1;
     std::size_t m_recordLine = 0;
@@ -244,10 +177,9 @@ private:
     bool m_isInRecord = false;
     /** So many of its elements are open within its root. */
     std::size_t m_depth = 0;
-    /** The record under way; null while it is passed over. */
-    std::shared_ptr<vexa::DocumentData> m_document;
-    std::unique_ptr<TreeBuilder> m_builder;
-    std::shared_ptr<vexa::DocumentData> m_complete;
+    PackedRecord m_record{m_operation};
+    bool m_isComplete = false;
+    bool m_isPassedOver = false;
     /** Why a record was passed over. */
     std::exception_ptr m_limit;
 };
@@ -277,13 +209,21 @@ public:
         });
     }
 
-    std::optional<Document> next() {
+    /** Makes something of the next record. */
+    template <typename Make>
+    auto next(Make make) -> std::optional<std::invoke_result_t<Make, const PackedRecord&>> {
         if (m_isAtEnd) {
             return std::nullopt;
         }
         m_isAtEnd = true; // until the record is there
         m_operation.restart();
-        return m_operation.run(ErrorKind::Parse, [&] { return read(); });
+        return m_operation.run(ErrorKind::Parse, [&] {
+            std::optional<std::invoke_result_t<Make, const PackedRecord&>> made;
+            if (read()) {
+                made = make(m_handler.take());
+            }
+            return made;
+        });
     }
 
     std::uint64_t count() const { return m_count; }
@@ -291,19 +231,16 @@ public:
     std::uint64_t bytesRead() const { return m_sources.bytesRead(); }
 
 private:
-    std::optional<Document> read() {
+    bool read() {
         bool isMore = m_isBegun ? m_reader->parseNext(m_token)
                                 : m_reader->parseFirst(*m_opened.source, m_token);
         m_isBegun = true;
         while (!m_handler.hasRecord() && isMore) {
             isMore = m_reader->parseNext(m_token);
         }
-        if (!m_handler.hasRecord()) {
-            return std::nullopt;
-        }
-        ++m_count;
-        m_isAtEnd = false;
-        return DocumentAccess::make(m_handler.take());
+        m_isAtEnd = !m_handler.hasRecord();
+        m_count += m_isAtEnd ? 0 : 1;
+        return !m_isAtEnd;
     }
 
     EngineUse m_engines = useEngines();
@@ -339,7 +276,21 @@ Records::Data& Records::data() const {
 }
 
 std::optional<Document> Records::next() {
-    return data().next();
+    return data().next(
+        [](const PackedRecord& record) { return DocumentAccess::make(record.build()); });
+}
+
+std::optional<std::string> Records::nextPacked() {
+    return data().next([](const PackedRecord& record) { return record.bytes(); });
+}
+
+Document Records::unpack(const std::string& packed, const Options& options) {
+    Operation operation(options);
+    return operation.run(ErrorKind::Parse, [&] {
+        PackedRecord record(operation);
+        record.setBytes(packed);
+        return DocumentAccess::make(record.build());
+    });
 }
 
 std::uint64_t Records::count() const {

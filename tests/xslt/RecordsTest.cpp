@@ -24,6 +24,24 @@ std::string all(const std::string& text, const std::string& element, const Optio
     return result;
 }
 
+/** The same by way of bytes. */
+std::string allPacked(const std::string& text, const std::string& element) {
+    Records records(Input::text(text, "urn:source"), element);
+    std::string result;
+    while (const auto packed = records.nextPacked()) {
+        result += Records::unpack(*packed).xml() + "\n";
+    }
+    return result;
+}
+
+/** A record with one of everything. */
+const char* const SOURCE_WITH_ALL =
+    "<!DOCTYPE a [<!ELEMENT r ANY><!ELEMENT w (v*)><!ATTLIST r k ID #IMPLIED><!NOTATION n SYSTEM "
+    "'n'>"
+    "<!ENTITY pic SYSTEM 'file:///pic' NDATA n>]><a xmlns:p='urn:p' xmlns='urn:d'>"
+    "<r k='one' p:x='\xCE\xB1'> t<![CDATA[<]]>&amp;<?p i?><!--c--><w> <v/></w><p:e "
+    "xmlns=''/></r></a>";
+
 /** A source without an end: each record is larger than the one before. */
 class EndlessSource : public std::streambuf {
 protected:
@@ -247,4 +265,68 @@ TEST(RecordsTest, GiveTheSameAsTheRecordAsADocument) {
         EXPECT_EQ(run.toString(each), run.toString(Input::text(record)));
     }
     EXPECT_EQ(records.count(), 2U);
+}
+
+TEST(RecordsTest, CanBePackedForAnotherProcess) {
+    const std::string expected = all(SOURCE_WITH_ALL, "r");
+    ASSERT_NE(expected.find("<p:e xmlns=\"\"/>"), std::string::npos) << expected;
+    EXPECT_EQ(allPacked(SOURCE_WITH_ALL, "r"), expected);
+    EXPECT_EQ(allPacked("<a><r>1</r><r>2</r></a>", "r"), "<r>1</r>\n<r>2</r>\n");
+    EXPECT_EQ(allPacked("<a/>", "r"), "");
+    Records records(Input::text(SOURCE_WITH_ALL, "file:///d/source.xml"), "r");
+    const Document record = Records::unpack(*records.nextPacked());
+    EXPECT_EQ(record.uri(), "file:///d/source.xml");
+    EXPECT_EQ(records.count(), 1U);
+    Transformation run(compiled("<xsl:output method='text'/><xsl:template match='/'>"
+                                "<xsl:value-of select=\"unparsed-entity-uri('pic')\"/>,"
+                                "<xsl:value-of select=\"count(id('one'))\"/></xsl:template>"));
+    EXPECT_EQ(run.toString(record), "file:///pic,1");
+}
+
+TEST(RecordsTest, AreUnderTheLimitsWherePacked) {
+    Records records(Input::text("<a><r><x><y/></x></r></a>"), "r");
+    const std::string packed = *records.nextPacked();
+    Options options;
+    options.limits.depth = 2;
+    EXPECT_EQ(failureOf([&] { Records::unpack(packed, options); }).kind(), ErrorKind::Limit);
+    options.limits = {};
+    options.limits.memory = 8 << 20;
+    Records large(Input::text("<a><r>" + std::string(16 << 20, 'x') + "</r><r/></a>"), "r",
+                  options);
+    EXPECT_EQ(failureOf([&] { large.nextPacked(); }).kind(), ErrorKind::Limit);
+    EXPECT_EQ(Records::unpack(large.nextPacked().value()).xml(), "<r/>");
+}
+
+TEST(RecordsTest, EndWhereTheParserReachesALimit) {
+    Options options;
+    options.limits.memory = 8 << 20;
+    Records records(Input::text("<a><r/><r x='" + std::string(16 << 20, 'x') + "'/><r/></a>"), "r",
+                    options);
+    EXPECT_TRUE(records.next());
+    EXPECT_EQ(failureOf([&] { records.next(); }).kind(), ErrorKind::Limit);
+    EXPECT_FALSE(records.next());
+    EXPECT_EQ(records.count(), 1U);
+}
+
+TEST(RecordsTest, AreRefusedWhereTheirBytesAreDamaged) {
+    Records records(Input::text(SOURCE_WITH_ALL), "r");
+    const std::string packed = *records.nextPacked();
+    const auto expectDamaged = [](const std::string& bytes) {
+        expectFailure([&] { Records::unpack(bytes); }, ErrorKind::Usage, "damaged");
+    };
+    for (std::size_t length = 0; length < packed.size(); ++length) {
+        expectDamaged(packed.substr(0, length & ~std::size_t{1}));
+    }
+    expectDamaged(packed + std::string(2, '\0'));
+    expectDamaged("<r/>");
+    // A byte that is another one gives a record or an error.
+    for (std::size_t i = 0; i < packed.size(); ++i) {
+        std::string bytes = packed;
+        bytes[i] = static_cast<char>(bytes[i] ^ 3);
+        try {
+            Records::unpack(bytes).xml();
+        } catch (const vexa::Error& error) {
+            EXPECT_NE(error.kind(), ErrorKind::Parse) << error.what();
+        }
+    }
 }

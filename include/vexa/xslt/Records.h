@@ -51,13 +51,32 @@ public:
     ~Records();
 
     /**
-     * Reads the next record. One that reaches a limit is passed over: the next call goes on behind
-     * it. After other errors there are no more.
+     * Reads the next record. One that reaches a limit is passed over: it counts, and the next call
+     * goes on behind it. After other errors there are no more; nor where the parser itself reaches
+     * a limit, for example by an endless attribute: then count() stays as it was.
      *
      * @return nothing at the end of the input
      * @throws Error: Limit; Parse, Input, Denied, Cancelled
      */
     std::optional<Document> next();
+
+    /**
+     * Reads the next record as next() does, but builds no document: another process with the same
+     * version of this library, on the same kind of processor, does that by unpack(). So one reader
+     * keeps several processes busy.
+     *
+     * @return bytes; nothing at the end of the input
+     * @throws as next()
+     */
+    std::optional<std::string> nextPacked();
+    /**
+     * Builds the document of a record. Any thread may call it.
+     *
+     * @param packed  what nextPacked() returned
+     * @param options of the building: its limits hold
+     * @throws Error: Limit, Cancelled; Usage where these are no bytes of nextPacked()
+     */
+    static Document unpack(const std::string& packed, const Options& options = {});
 
     /** How many records have been read, those that reached a limit among them. */
     std::uint64_t count() const;

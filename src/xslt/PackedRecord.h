@@ -1,0 +1,66 @@
+/**
+ * @file
+ * Records between the parser and a tree.
+ */
+#pragma once
+
+#include "xslt/DocumentData.h"
+#include "xslt/Operation.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+/**
+ * A record as the parser reported it, one event after another in one piece of memory: any process
+ * can build the tree from a copy of it.
+ */
+class PackedRecord {
+public:
+    /** @param operation what it takes counts there */
+    explicit PackedRecord(Operation& operation) : m_operation(operation) {}
+
+    /** Begins another one. @param uri of the document */
+    void begin(std::u16string_view uri);
+    void unparsedEntity(std::u16string_view name, std::u16string_view publicId,
+                        std::u16string_view systemId, std::u16string_view notation);
+    /** Of the element that startElement() begins next. */
+    void attribute(std::u16string_view uri, std::u16string_view name, std::u16string_view type,
+                   std::u16string_view value);
+    void startElement(std::u16string_view uri, std::u16string_view name);
+    void endElement() { add(Event::EndElement); }
+    void text(std::u16string_view text);
+    void whitespace(std::u16string_view text);
+    void comment(std::u16string_view text);
+    void instruction(std::u16string_view target, std::u16string_view data);
+    /** Gives up what is there. */
+    void discard() { m_units = std::u16string(); }
+
+    /** For another process. */
+    std::string bytes() const;
+    /** @param bytes what bytes() gave */
+    void setBytes(const std::string& bytes);
+
+    /** The document. @throws vexa::Error: Limit; Usage where the record is damaged */
+    std::shared_ptr<vexa::DocumentData> build() const;
+
+private:
+    enum class Event : char16_t {
+        UnparsedEntity,
+        Attribute,
+        StartElement,
+        EndElement,
+        Text,
+        Whitespace,
+        Comment,
+        Instruction,
+    };
+    class Builder;
+
+    void add(Event event);
+    void add(std::u16string_view text);
+
+    Operation& m_operation;
+    std::u16string m_units;
+};
