@@ -7,9 +7,9 @@
 #include "base/Limits.h"
 #include "batch/BatchPlan.h"
 #include "batch/BatchReport.h"
-#include "batch/Channel.h"
 #include "batch/ProgressBar.h"
 #include "process/BlockedSignals.h"
+#include "process/Channel.h"
 #include "process/ChildProcess.h"
 
 #include <cstdint>

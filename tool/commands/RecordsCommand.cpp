@@ -89,23 +89,22 @@ std::uint64_t sizeOf(const InputArgument& source) {
     return static_cast<std::uint64_t>(std::max<off_t>(status.st_size - begin, 0));
 }
 
-/** Without the name of the source, which stands before it anyway. */
-std::string reason(const std::string& source, const std::string& error) {
-    const std::string begin = oneLine(source) + ": ";
-    return error.rfind(begin, 0) == 0 ? error.substr(begin.size()) : error;
-}
-
-void transform(const SourceRecord& record, Session& session, vexa::Transformation& run,
-               const WorkerChannel& channel, const std::string& source) {
-    if (!record.failure.empty()) {
-        channel.send(Report::Kind::Failed, reason(source, record.failure));
-        return;
-    }
+/** Transforms a packed record. */
+void transform(const std::string& packed, Session& session, vexa::Transformation& run,
+               const WorkerChannel& channel) {
+    // A report cannot be longer than 4 GiB.
+    constexpr std::uint64_t LARGEST_RESULT = std::uint64_t{2} * 1024 * 1024 * 1024;
     try {
-        session.setExpressions(run, record.document);
-        channel.send(Report::Kind::Done, run.toString(record.document));
+        const auto record = vexa::Records::unpack(packed, session.operationOptions());
+        session.setExpressions(run, record);
+        const std::string result = run.toString(record);
+        if (result.size() > LARGEST_RESULT) {
+            channel.send(Report::Kind::Failed, "the result is larger than 2 GiB");
+        } else {
+            channel.send(Report::Kind::Done, result);
+        }
     } catch (const vexa::Error& error) {
-        channel.send(Report::Kind::Failed, reason(source, session.describe(error)));
+        channel.send(Report::Kind::Failed, session.describe(error));
     } catch (const std::bad_alloc&) {
         channel.send(Report::Kind::Failed, "out of memory");
     }
@@ -122,11 +121,15 @@ void transformAll(const RecordsOptions& options, const NamedFiles& files, Sessio
         {source.name(), options.run.limits, workersWithFiles(options.jobs),
          source.isStandardInput() ? STDIN_FILENO : -1, sizeOf(source), !options.run.quiet},
         records, output,
-        [&](const SourceRecord& record, const WorkerChannel& channel) {
+        [&](const WorkerChannel& channel, bool /*isFirst*/) {
             session.setEmit([&](const vexa::Diagnostic&, const std::string& text) {
                 channel.send(Report::Kind::Message, text);
             });
-            transform(record, session, run, channel, source.name());
+            channel.send(Report::Kind::Started);
+            while (const auto packed = channel.nextText()) {
+                transform(*packed, session, run, channel);
+            }
+            return EXIT_DONE;
         },
         [&](const vexa::Error& error) { return session.describe(error); });
     const bool isWhole = pipeline.run();

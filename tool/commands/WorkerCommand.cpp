@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <regex>
 
 namespace {
 
@@ -80,6 +81,7 @@ public:
             std::string result;
             run(request,
                 request.output ? vexa::Output::file(*request.output) : vexa::Output::text(result));
+            checkSize(result);
             return request.output ? answer.output(*request.output, milliseconds())
                                   : answer.result(result, milliseconds());
         } catch (const vexa::Error& error) {
@@ -106,6 +108,9 @@ private:
         if (request.file == STANDARD_STREAM || request.stylesheet == STANDARD_STREAM) {
             refuse("standard input has the requests");
         }
+        if (request.output == STANDARD_STREAM) {
+            refuse("standard output has the answers");
+        }
     }
 
     /** Strings in JSON are Unicode. */
@@ -118,6 +123,32 @@ private:
         }
     }
 
+    /** As JSON it may be six times as long, and an answer cannot be longer than 4 GiB. */
+    static void checkSize(const std::string& result) {
+        constexpr std::size_t LARGEST_RESULT = std::size_t{512} * 1024 * 1024;
+        if (result.size() > LARGEST_RESULT) {
+            throw vexa::Error(vexa::ErrorKind::Output,
+                              "the result is larger than 512 MiB: it needs the field 'output'");
+        }
+    }
+
+    /** Strings in JSON are Unicode: the XML declaration of a source is not to name an encoding. */
+    static std::string withoutEncoding(std::string xml) {
+        static const std::regex DECLARED(
+            "^(?:\xEF\xBB\xBF)?<\\?xml\\s[^>]*?(\\sencoding\\s*=\\s*(?:\"[^\"<>]*\"|'[^'<>]*'))",
+            std::regex::optimize);
+        constexpr std::size_t LONGEST_DECLARATION = 200;
+        std::smatch match;
+        const std::string begin = xml.substr(0, LONGEST_DECLARATION);
+        if (std::regex_search(begin, match, DECLARED)) {
+            // Places stay as they are.
+            xml.replace(static_cast<std::size_t>(match.position(1)),
+                        static_cast<std::size_t>(match.length(1)),
+                        static_cast<std::size_t>(match.length(1)), ' ');
+        }
+        return xml;
+    }
+
     void run(const Request& request, const vexa::Output& output) {
         const auto stylesheet =
             m_stylesheets.get(request.stylesheet.value_or(m_options.stylesheet));
@@ -125,8 +156,8 @@ private:
             checkEncoding(stylesheet.encoding());
         }
         vexa::Transformation run = m_session.prepare(stylesheet);
-        const auto source =
-            request.xml ? vexa::Input::view(*request.xml) : InputArgument(*request.file).input();
+        const auto source = request.xml ? vexa::Input::text(withoutEncoding(*request.xml))
+                                        : InputArgument(*request.file).input();
         const auto document = vexa::Document::parse(source, m_session.operationOptions());
         m_session.setExpressions(run, document);
         for (const Request::Param& param : request.params) {
@@ -177,9 +208,11 @@ int runWorker(const WorkerOptions& options) {
     if (options.stylesheet == STANDARD_STREAM) {
         throw UsageError(options.stylesheet, "standard input has the requests");
     }
+    // One request that a process works on, and one that waits, so that the process need not.
+    constexpr std::size_t REQUESTS_AHEAD = 2;
     RequestPool pool({options.stylesheet.empty() ? "worker" : oneLine(options.stylesheet),
-                      options.run.limits, workersWithFiles(options.jobs), options.ordered},
-                     [&](const WorkerChannel& channel, bool isFirst) {
+                      options.run.limits, workersWithFiles(options.jobs), REQUESTS_AHEAD},
+                     options.ordered, [&](const WorkerChannel& channel, bool isFirst) {
                          return work(options, channel, isFirst);
                      });
     pool.run();

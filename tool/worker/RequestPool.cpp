@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <poll.h>
+#include <chrono>
 #include <unistd.h>
 #include <utility>
 
@@ -13,14 +13,6 @@ namespace {
 
 /** A longer line is no request. */
 constexpr std::size_t LONGEST_LINE = std::size_t{256} * 1024 * 1024;
-
-/** One that a process works on, and one that waits, so that the process need not. */
-constexpr std::size_t LINES_PER_PROCESS = 2;
-/**
- * So many bytes fit into a connection whether the process reads or not: nobody may wait in writing
- * for somebody who waits in writing.
- */
-constexpr std::size_t BYTES_AHEAD = std::size_t{32} * 1024;
 
 /** Of answers that wait for those before them. */
 constexpr std::size_t MOST_HELD_BYTES = std::size_t{16} * 1024 * 1024;
@@ -43,31 +35,30 @@ bool isBlank(const std::string& line) {
 
 } // namespace
 
-RequestPool::RequestPool(Settings settings, Work work)
-    : m_settings(std::move(settings)), m_work(std::move(work)) {}
+RequestPool::RequestPool(WorkerPool::Settings settings, bool isOrdered, WorkerPool::Work work)
+    : m_isOrdered(isOrdered), m_limits(settings.limits),
+      m_pool(std::move(settings), std::move(work),
+             {[this](const WorkerPool::Job& request, Report report) {
+                  answer(request.number, std::move(report.text));
+              },
+              [this](const WorkerPool::Job& request, const ChildProcess::End& end,
+                     double milliseconds) { answerLost(request, end, milliseconds); },
+              [](const WorkerPool::Job& /*request*/) { return true; }, [] {}}) {}
 
 void RequestPool::run() {
-    m_slots.push_back(std::make_unique<Slot>());
-    start(*m_slots.front()); // tells at once where it cannot start
-    while (!isDone()) {
-        wait();
-        giveLines();
-    }
-    for (const auto& slot : m_slots) {
-        slot->channel.close();
-        if (slot->process.isRunning()) {
-            slot->process.wait();
+    m_pool.start(); // tells at once where it cannot start
+    while (!m_isAtEnd || !m_pool.isDone()) {
+        if (m_pool.wait(wantsInput() ? STDIN_FILENO : -1, std::chrono::hours(1))) {
+            readInput();
         }
     }
+    m_pool.finish();
 }
 
-bool RequestPool::isDone() const {
-    return m_isAtEnd && m_answered == m_lines && m_hasStarted;
-}
-
-/** While what was read is not given to a process, there is enough. */
+/** While what was read is not given to a process, or not written, there is enough. */
 bool RequestPool::wantsInput() const {
-    return !m_isAtEnd && m_waiting.empty();
+    return !m_isAtEnd && m_pool.hasRoom() && m_heldBytes <= MOST_HELD_BYTES &&
+           m_held.size() <= MOST_HELD;
 }
 
 void RequestPool::readInput() {
@@ -104,153 +95,19 @@ void RequestPool::readInput() {
 
 void RequestPool::takeLine(std::string line) {
     if (!isBlank(line)) {
-        m_waiting.push_back({m_lines++, std::move(line)});
+        m_pool.add({m_lines++, std::move(line)});
     }
 }
 
-void RequestPool::giveLines() {
-    while (!m_waiting.empty()) {
-        Slot* const slot = slotFor(m_waiting.front());
-        if (!slot) {
-            return;
-        }
-        slot->lines.push_back(std::move(m_waiting.front()));
-        m_waiting.pop_front();
-        slot->channel.send(slot->lines.back().text);
-        if (slot->lines.size() == 1) {
-            beginLine(*slot);
-        }
-    }
-}
-
-std::size_t RequestPool::bytesIn(const Slot& slot) {
-    std::size_t bytes = 0;
-    for (const Line& line : slot.lines) {
-        bytes += line.text.size();
-    }
-    return bytes;
-}
-
-/** A process that can take it; nothing where they have enough to do. */
-RequestPool::Slot* RequestPool::slotFor(const Line& line) {
-    if (m_heldBytes > MOST_HELD_BYTES || m_held.size() > MOST_HELD) {
-        return nullptr;
-    }
-    const auto least =
-        std::min_element(m_slots.begin(), m_slots.end(), [](const auto& one, const auto& other) {
-            return one->lines.size() < other->lines.size();
-        });
-    if (!(*least)->lines.empty() && m_slots.size() < m_settings.jobs) {
-        m_slots.push_back(std::make_unique<Slot>());
-        start(*m_slots.back());
-        return nullptr; // when it has started
-    }
-    Slot& slot = **least;
-    const bool hasRoom = slot.lines.empty() || (slot.lines.size() < LINES_PER_PROCESS &&
-                                                bytesIn(slot) + line.text.size() <= BYTES_AHEAD);
-    return slot.hasStarted && !slot.process.isLate() && hasRoom ? &slot : nullptr;
-}
-
-void RequestPool::start(Slot& slot) {
-    slot.hasStarted = false;
-    Connection connection = openConnection();
-    slot.channel = std::move(connection.schedulersEnd);
-    slot.process.start([&] { return m_work(connection.workersEnd, !m_hasStarted); });
-}
-
-void RequestPool::beginLine(Slot& slot) {
-    slot.begin = Clock::now();
-    slot.process.setTimeLimit(m_settings.limits.maxSeconds);
-}
-
-void RequestPool::endLine(Slot& slot) {
-    slot.lines.pop_front();
-    if (slot.lines.empty()) {
-        slot.process.setTimeLimit(0);
-    } else {
-        beginLine(slot);
-    }
-}
-
-void RequestPool::wait() {
-    std::vector<pollfd> sources{{wantsInput() ? STDIN_FILENO : -1, POLLIN, 0}};
-    for (const auto& slot : m_slots) {
-        // Only here it is heard: for what it takes elsewhere it cannot help.
-        slot->process.postponeDeadline(Clock::now() - m_lastHeard);
-        sources.push_back({slot->process.isRunning() ? slot->channel.descriptor() : -1, POLLIN, 0});
-    }
-    poll(sources.data(), sources.size(), millisecondsToWait());
-    m_lastHeard = Clock::now();
-    for (std::size_t i = 1; i < sources.size(); ++i) {
-        Slot& slot = *m_slots[i - 1];
-        if (sources[i].revents != 0) {
-            receiveFrom(slot);
-        }
-        slot.process.killIfLate();
-    }
-    if (sources.front().revents != 0) {
-        readInput();
-    }
-}
-
-int RequestPool::millisecondsToWait() const {
-    Clock::duration left = std::chrono::minutes(1);
-    for (const auto& slot : m_slots) {
-        if (const auto& deadline = slot->process.deadline()) {
-            left = std::clamp(*deadline - Clock::now(), Clock::duration::zero(), left);
-        }
-    }
-    return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(left).count());
-}
-
-void RequestPool::receiveFrom(Slot& slot) {
-    std::vector<Report> reports;
-    const bool isThere = slot.channel.receiveAll(reports);
-    for (Report& report : reports) {
-        take(slot, std::move(report));
-    }
-    if (!isThere) {
-        takeEnd(slot);
-    }
-}
-
-void RequestPool::take(Slot& slot, Report report) {
-    if (report.kind == Report::Kind::GivenUp) {
-        throw std::runtime_error(report.text);
-    }
-    if (report.kind == Report::Kind::Started) {
-        m_hasStarted = true;
-        slot.hasStarted = true;
-        slot.failedStarts = 0;
-        return;
-    }
-    answer(slot.lines.front().number, std::move(report.text));
-    endLine(slot);
-}
-
-/** The process is gone, and with it the current request. Another takes its place. */
-void RequestPool::takeEnd(Slot& slot) {
-    constexpr int MOST_FAILED_STARTS = 3;
-    const ChildProcess::End end = slot.process.wait();
-    const std::string cause = end.cause(m_settings.limits);
-    if (!slot.hasStarted && ++slot.failedStarts == MOST_FAILED_STARTS) {
-        throw Failure(m_settings.name, cause);
-    }
-    if (!slot.lines.empty()) {
-        const Line& line = slot.lines.front();
-        const std::chrono::duration<double, std::milli> time = Clock::now() - slot.begin;
-        answer(line.number, Answer(parseRequest(line.text).id)
-                                .error(end.wasLate ? "Limit" : "Crash", cause, time.count()));
-        slot.lines.pop_front();
-    }
-    for (; !slot.lines.empty(); slot.lines.pop_back()) {
-        m_waiting.push_front(std::move(slot.lines.back()));
-    }
-    start(slot);
+void RequestPool::answerLost(const WorkerPool::Job& request, const ChildProcess::End& end,
+                             double milliseconds) {
+    answer(request.number,
+           Answer(parseRequest(request.text).id)
+               .error(end.wasLate ? "Limit" : "Crash", end.cause(m_limits), milliseconds));
 }
 
 void RequestPool::answer(std::uint64_t number, std::string text) {
-    if (!m_settings.isOrdered) {
+    if (!m_isOrdered) {
         ++m_answered;
         writeAll(text);
         return;

@@ -270,11 +270,13 @@ TEST_F(RecordsCommandTest, WaitsForAReaderThatDoesNotRead) {
 TEST_F(RecordsCommandTest, LeavesNothingHalfWritten) {
     writeSheetForThird("<xsl:value-of select=\"document('pipe')\"/>");
     m_folder.write("out", "before");
-    const Outcome interrupted = shell(
-        "mkfifo pipe; vexa-xslt records third.xsl all.xml -e r -o out & tool=$!; exec 3>pipe; "
-        "kill -TERM $tool; wait $tool; kill -l $?; exec 3>&-; ls -A | grep '^[.]'; "
-        "for i in $(seq 100); do pgrep -f \"records third.xsl all.xml\" >/dev/null || break; "
-        "sleep 0.05; done; pgrep -f 'records third.xsl all.xml'");
+    // A name of its own: other tests may run beside this one.
+    const Outcome interrupted =
+        shell("mkfifo pipe; ln -s all.xml interrupted.xml; tool='records third.xsl "
+              "interrupted.xml'; vexa-xslt $tool -e r -o out & pid=$!; exec 3>pipe; "
+              "kill -TERM $pid; wait $pid; kill -l $?; exec 3>&-; ls -A | grep '^[.]'; "
+              "for i in $(seq 100); do pgrep -f \"^vexa-xslt $tool\" >/dev/null || break; "
+              "sleep 0.05; done; pgrep -f \"^vexa-xslt $tool\"");
     EXPECT_EQ(interrupted.output, "TERM\n");
     EXPECT_EQ(file("out"), "before");
     const Outcome full = tool("records number.xsl all.xml -e r >/dev/full");

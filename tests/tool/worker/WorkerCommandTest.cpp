@@ -216,6 +216,7 @@ TEST_F(WorkerCommandTest, RefusesWhatIsNoRequest) {
          "the number of 'p' is out of range"},
         {R"({"id": 7, "xml": "<a/>", "params": {"a b": "x"}})", ""},
         {R"({"id": 7, "file": "-"})", "standard input has the requests"},
+        {R"({"id": 7, "xml": "<a/>", "output": "-"})", "standard output has the answers"},
     };
     for (const auto& [request, text] : requests) {
         const Reply answer = reply("echo.xsl", request);
@@ -340,6 +341,59 @@ TEST_F(WorkerCommandTest, AnswersForARequestThatEndsItsProcess) {
         EXPECT_EQ(Reply(second).text("result"), "2,-");
         shell("rm to from");
     }
+}
+
+TEST_F(WorkerCommandTest, TakesATextForUnicode) {
+    const std::string content = "?><a>\xC3\xBC\xCE\xB1</a>";
+    for (const std::string& declaration : std::vector<std::string>{
+             "", " encoding='ISO-8859-1'", " encoding=\"UTF-16\" standalone='yes'",
+             "\nencoding = 'utf-8'"}) {
+        for (const char* mark : {"", "\xEF\xBB\xBF"}) {
+            const Reply answer = reply(
+                "echo.xsl",
+                "{\"xml\": " + quoted(mark + ("<?xml version='1.0'" + declaration) + content) +
+                    "}");
+            EXPECT_EQ(answer.text("result"), "\xC3\xBC\xCE\xB1,-") << declaration;
+        }
+    }
+    // Only in the declaration.
+    EXPECT_EQ(
+        reply("echo.xsl", "{\"xml\": " + quoted("<a><![CDATA[<?xml encoding='x'?>]]></a>") + "}")
+            .text("result"),
+        "<?xml encoding='x'?>,-");
+    EXPECT_EQ(reply("echo.xsl", "{\"xml\": " + quoted("<?xml version='1.0' encoding='x'?>\n<a>") +
+                                    "}")["error"]["line"]
+                  .GetInt(),
+              2);
+}
+
+TEST_F(WorkerCommandTest, AnswersInOrderWhateverEndsTheProcesses) {
+    constexpr int COUNT = 60;
+    std::string requests;
+    for (int i = 1; i <= COUNT; ++i) {
+        requests += "{\"id\": " + std::to_string(i) + ", \"file\": \"" +
+                    (i % 4 == 0 ? "pipe" : "one.xml") + "\"}\n";
+    }
+    m_folder.write("one.xml", "<a>1</a>");
+    m_folder.write("requests", requests);
+    // Each process that waits for the pipe is killed.
+    const Outcome outcome = shell(
+        "mkfifo pipe; vexa-xslt worker echo.xsl -j 3 --ordered <requests >answers & "
+        "worker=$!; while [ -d /proc/$worker ]; do for child in $(cat "
+        "/proc/$worker/task/$worker/children); do [ \"$(cat /proc/$child/wchan 2>/dev/null)\" "
+        "= wait_for_partner ] && kill -9 $child; done; sleep 0.02; done 2>/dev/null; wait "
+        "$worker; echo $?; cat answers");
+    std::istringstream lines(outcome.output);
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "0");
+    for (int i = 1; i <= COUNT; ++i) {
+        ASSERT_TRUE(std::getline(lines, line)) << i;
+        const Reply answer(line);
+        EXPECT_EQ(answer["id"].GetInt(), i);
+        EXPECT_EQ(answer.has("error"), i % 4 == 0) << line;
+    }
+    EXPECT_FALSE(std::getline(lines, line)) << line;
 }
 
 TEST_F(WorkerCommandTest, HoldsTheLimitsForEachRequest) {

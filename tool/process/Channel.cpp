@@ -1,4 +1,4 @@
-#include "batch/Channel.h"
+#include "process/Channel.h"
 
 #include <cerrno>
 #include <cstring>
