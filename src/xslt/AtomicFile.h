@@ -33,6 +33,8 @@ public:
     AtomicFile& operator=(const AtomicFile&) = delete;
     ~AtomicFile();
 
+    /** To be polled where it is no regular file. */
+    int descriptor() const { return m_file; }
     /** @throws what fail throws */
     void write(const char* bytes, std::size_t size);
     /** Puts the file in its place. @throws what fail throws */

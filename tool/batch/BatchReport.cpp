@@ -4,6 +4,8 @@
 #include "files/InputArgument.h"
 #include "files/OutputPlace.h"
 
+#include <algorithm>
+#include <climits>
 #include <utility>
 
 namespace {
@@ -32,10 +34,18 @@ BatchReport::BatchReport(const std::string& file) {
 
 void BatchReport::commit() {
     if (m_file) {
-        m_file->write(m_buffer.data(), m_buffer.size());
+        write();
         m_file->commit();
         m_file.reset();
     }
+}
+
+/** In pieces for which a pipe has room when it has room at all: its reader may wait. */
+void BatchReport::write() {
+    for (std::size_t i = 0; i < m_buffer.size() && m_wait(m_file->descriptor()); i += PIPE_BUF) {
+        m_file->write(m_buffer.data() + i, std::min<std::size_t>(PIPE_BUF, m_buffer.size() - i));
+    }
+    m_buffer.clear();
 }
 
 void BatchReport::add(const BatchJob& job, const std::string& outcome) {
@@ -49,8 +59,7 @@ void BatchReport::add(const BatchJob& job, const std::string& outcome) {
                 }) +
                 "," + outcome + "}\n";
     if (m_buffer.size() >= BUFFER_SIZE) {
-        m_file->write(m_buffer.data(), m_buffer.size());
-        m_buffer.clear();
+        write();
     }
 }
 

@@ -9,13 +9,20 @@
 
 #include <vexa/xslt/Error.h>
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 class BatchReport {
 public:
     /** @param file empty for no report, "-" for standard output. @throws vexa::Error: Output */
     explicit BatchReport(const std::string& file);
+
+    /** Waits until a descriptor can be written. @return false where it is to be left alone */
+    using Wait = std::function<bool(int descriptor)>;
+    /** For all that is written from now on. */
+    void setWait(Wait wait) { m_wait = std::move(wait); }
 
     /** @param outcome from one of the functions below. @throws vexa::Error: Output */
     void add(const BatchJob& job, const std::string& outcome);
@@ -25,7 +32,10 @@ public:
     void commit();
 
 private:
+    void write();
+
     std::optional<AtomicFile> m_file;
+    Wait m_wait = [](int /*descriptor*/) { return true; };
     std::string m_buffer;
 };
 

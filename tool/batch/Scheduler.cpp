@@ -37,6 +37,7 @@ Scheduler::Scheduler(const BatchOptions& options, const std::vector<BatchJob>& j
       m_work(std::move(work)), m_signalSource(openSignalSource(signals)),
       m_progress(!options.run.quiet) {
     m_tally.total = jobs.size();
+    m_report.setWait([this](int descriptor) { return waitUntilWritable(descriptor); });
 }
 
 Tally Scheduler::run(std::size_t workers) {
@@ -242,24 +243,32 @@ void Scheduler::takeEnd(Slot& slot) {
     }
 }
 
-/** Signals are blocked: nobody could end a process that is stuck in writing to a pipe. */
-void Scheduler::waitForStandardError() {
+/**
+ * Signals are blocked: nobody could end a process that is stuck in writing to a pipe.
+ *
+ * @return false where it is not to be written
+ */
+bool Scheduler::waitUntilWritable(int descriptor) {
     const Clock::time_point begin = Clock::now();
-    pollfd either[] = {{m_signalSource.get(), POLLIN, 0}, {STDERR_FILENO, POLLOUT, 0}};
+    pollfd either[] = {{m_signalSource.get(), POLLIN, 0}, {descriptor, POLLOUT, 0}};
     while (either[1].revents == 0) {
-        poll(either, std::size(either), -1);
+        poll(either, std::size(either), m_isEnding ? 0 : -1);
+        if (m_isEnding) {
+            return either[1].revents != 0;
+        }
         endOnSignal();
     }
     // Meanwhile no worker could report: that is not its fault.
     for (const auto& slot : m_slots) {
         slot->process.postponeDeadline(Clock::now() - begin);
     }
+    return true;
 }
 
 /** In pieces for which a pipe has room when it has room at all. */
 void Scheduler::print(const std::string& text) {
     for (std::size_t i = 0; i < text.size(); i += PIPE_BUF) {
-        waitForStandardError();
+        waitUntilWritable(STDERR_FILENO);
         std::cerr << text.substr(i, PIPE_BUF);
     }
 }
@@ -272,7 +281,7 @@ void Scheduler::printMessage(const Slot& slot, const std::string& text) {
 void Scheduler::fail(const Slot& slot, const std::string& text, const std::string& outcome) {
     ++m_tally.failed;
     m_report.add(jobOf(slot), outcome);
-    waitForStandardError();
+    waitUntilWritable(STDERR_FILENO);
     m_progress.clear();
     print(errorLine(text));
 }
@@ -288,6 +297,7 @@ void Scheduler::endOnSignal() {
 }
 
 void Scheduler::interrupt(int signalNumber) {
+    m_isEnding = true;
     const bool canPrint = canPrintAtOnce();
     for (const auto& slot : m_slots) {
         if (slot->process.isRunning()) {

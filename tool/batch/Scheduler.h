@@ -77,7 +77,7 @@ private:
     void endJob(Slot& slot);
     void giveJobs(Slot& slot);
     void takeEnd(Slot& slot);
-    void waitForStandardError();
+    bool waitUntilWritable(int descriptor);
     void print(const std::string& text);
     void printMessage(const Slot& slot, const std::string& text);
     void fail(const Slot& slot, const std::string& text, const std::string& outcome);
@@ -97,6 +97,8 @@ private:
     const BlockedSignals& m_signals;
     Work m_work;
     Descriptor m_signalSource;
+    /** A signal has come: nothing is waited for any more. */
+    bool m_isEnding = false;
     std::vector<std::unique_ptr<Slot>> m_slots;
     /** What is to be done, where not all is. */
     std::optional<std::vector<std::uint32_t>> m_outdated;

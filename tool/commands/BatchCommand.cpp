@@ -162,7 +162,10 @@ Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs, Ba
     const BlockedSignals signals;
     Scheduler scheduler(options, jobs, report, signals,
                         [&](const WorkerChannel& channel) { return work(options, jobs, channel); });
-    return scheduler.run(workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())));
+    const Tally tally =
+        scheduler.run(workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())));
+    report.commit();
+    return tally;
 }
 
 int runBatch(const BatchOptions& options) {
@@ -174,7 +177,6 @@ int runBatch(const BatchOptions& options) {
     try {
         BatchReport report(options.report);
         tally = runJobs(options, jobs, report);
-        report.commit();
     } catch (const vexa::Error& error) {
         printError(options.report + ": " + error.text());
         return EXIT_FAILED;

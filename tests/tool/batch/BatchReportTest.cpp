@@ -116,3 +116,22 @@ TEST_F(BatchReportTest, IsWrittenWhereItCanBe) {
     EXPECT_EQ(full.status, 1);
     EXPECT_EQ(full.error, "vexa-xslt: /dev/full: cannot write: No space left on device\n");
 }
+
+TEST_F(BatchReportTest, DoesNotKeepTheProgramFromEnding) {
+    writeSources(1);
+    shell("for i in $(seq 2000); do ln -s s1.xml sources/t$i.xml; done");
+    // More than the pipe holds, and nobody reads it.
+    const std::string begin = "mkfifo pipe; exec 3<>pipe; vexa-xslt batch ok.xsl sources/* -d out "
+                              "--quiet --report pipe & batch=$!; for i in $(seq 200); do "
+                              "[ \"$(ls out 2>/dev/null | wc -l)\" -gt 600 ] && break; sleep 0.05; "
+                              "done; sleep 0.5; ";
+    const Outcome ended = shell(begin + "kill -TERM $batch; wait $batch; kill -l $?");
+    EXPECT_EQ(ended.output, "TERM\n");
+    EXPECT_NE(ended.error.find("interrupted: "), std::string::npos) << ended.error;
+    // Nothing is lost where it is read late.
+    const Outcome late = shell("rm -r pipe out; " + begin +
+                               "cat <&3 >report & cat=$!; wait $batch; for i in "
+                               "$(seq 100); do [ $(wc -l <report) = 2001 ] && break; "
+                               "sleep 0.05; done; kill $cat; wc -l <report");
+    EXPECT_EQ(late.output, "2001\n");
+}
