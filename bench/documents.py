@@ -1,5 +1,6 @@
 """The documents for the measurements: written again for each run, and always the same."""
 
+import json
 import pathlib
 import re
 import shutil
@@ -46,12 +47,15 @@ def write_rows(file, size):
     file.write_text("".join(parts) + TAIL)
 
 
-def write_ten_rows(file, seed=12345):
-    """Writes ten short rows."""
+def ten_rows(seed=12345):
+    """Ten short rows, about 1 kB."""
     numbers = Numbers(seed)
-    rows = [f'<row id="{number}" kind="{KINDS[number % len(KINDS)]}"><name>{WORDS[numbers.below(len(WORDS))]}</name>'
-            f"<amount>{numbers.below(100000)}.{numbers.below(100):02}</amount></row>\n" for number in range(10)]
-    file.write_text(HEAD + "".join(rows) + TAIL)
+    return "".join(f'<row id="{number}" kind="{KINDS[number % len(KINDS)]}"><name>{WORDS[numbers.below(len(WORDS))]}</name>'
+                   f"<amount>{numbers.below(100000)}.{numbers.below(100):02}</amount></row>\n" for number in range(10))
+
+
+def write_ten_rows(file, seed=12345):
+    file.write_text(HEAD + ten_rows(seed) + TAIL)
 
 
 def write_report(folder):
@@ -138,6 +142,30 @@ def write_batches(folder):
         (folder / f"{sources.name}.list").write_text("\n".join(names))
 
 
+RECORDS = 1_000_000  # in one document
+SOURCES = 100_000  # the same records as files, and as requests
+FEW_REQUESTS = 10_000
+
+
+def write_records(folder):
+    """Writes a document of 1 GB, its first records as files of their own, and as requests for the worker."""
+    texts = [f"<rows>\n{ten_rows(number)}{TAIL}" for number in range(1000)]
+    with open(folder / "records.xml", "w") as file:
+        file.write("<all>\n")
+        for _ in range(RECORDS // len(texts)):
+            file.write("".join(texts))
+        file.write("</all>\n")
+    names = [f"records/{number}.xml" for number in range(SOURCES)]
+    if not (folder / "records").exists():  # writing them again would take minutes on some disks
+        (folder / "records").mkdir()
+        for number, name in enumerate(names):
+            (folder / name).write_text(texts[number % len(texts)])
+    (folder / "records.list").write_text("\n".join(names))
+    lines = [json.dumps({"id": number, "xml": texts[number % len(texts)]}) + "\n" for number in range(SOURCES)]
+    (folder / "requests").write_text("".join(lines))
+    (folder / "few-requests").write_text("".join(lines[:FEW_REQUESTS]))
+
+
 def write_documents(folder):
     folder.mkdir(parents=True, exist_ok=True)
     for stylesheet in (HERE / "stylesheets").iterdir():
@@ -154,6 +182,7 @@ def write_documents(folder):
     write_rows(folder / "rows-large.xml", 10_000_000)
     write_report(folder)
     write_batches(folder)
+    write_records(folder)
     for title, make in HOSTILE.items():
         (folder / hostile_file(title)).write_text(make())
     shutil.copy(PROJECT / "tests" / "data" / "handbook.xml", folder)

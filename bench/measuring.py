@@ -277,6 +277,36 @@ def measure_batches(build):
     return results
 
 
+def measure_scale(build):
+    """Documents that are larger than memory, requests, and sources that have their results."""
+    folder, program = build / "documents", build / "bin" / "vexa-xslt"
+    records = [program, "records", "table.xsl", "records.xml", "-e", "rows", "--quiet"]
+    batch = [program, "batch", "table.xsl", "--files-from", "records.list", "--quiet"]
+    worker = f"'{program}' worker table.xsl <{{}} >answers"
+    work = {"one job": [*records, "-j", 1, "-o", "of-one-job"], "two jobs": [*records, "-j", 2, "-o", "of-two-jobs"],
+            "xsltproc": ["xsltproc", "-o", "of-xsltproc", "empty.xsl", "records.xml"],
+            "one worker": [*batch, "-j", 1, "-d", "of-one-worker"], "all workers": [*batch, "-d", "of-all-workers"],
+            "newer": [*batch, "--newer", "-d", "of-all-workers"],
+            "few requests": ["bash", "-c", worker.format("few-requests")],
+            "requests": ["bash", "-c", worker.format("requests")]}
+    for old in ("of-one-worker", "of-all-workers"):
+        shutil.rmtree(folder / old, ignore_errors=True)
+    results = {}
+    for name, command in work.items():
+        progress(f"large work, {name}")
+        words = run([build / "bin" / "measure_process", *command], cwd=folder).split()
+        results[name] = {"s": float(words[0]), "cpu": float(words[1]), "mb": float(words[2]) * 1024 / 1e6}
+    run(["cmp", folder / "of-one-job", folder / "of-two-jobs"])
+    if len(list((folder / "of-all-workers").iterdir())) != documents.SOURCES:
+        raise Failed("a batch has missing results")
+    answers = (folder / "answers").read_text()
+    if answers.count('"result":') != documents.SOURCES:
+        raise Failed(f"the worker has missing results: {answers[:200]}")
+    for name in ("records.xml", "of-one-job", "of-two-jobs"):
+        (folder / name).unlink()  # gigabytes
+    return results
+
+
 def measure_hostile(build):
     """CPU seconds and megabytes of a transform that counts elements."""
     results = {}

@@ -1,5 +1,7 @@
 """The tables: figures under their headings. That of the developers also has targets, and says which are met."""
 
+from documents import RECORDS, SOURCES
+
 SIZES = {"tiny": "83 bytes", "medium": "20 kB", "large": "10 MB"}
 KINDS = {"files": "files", "streams": "streams", "memory": "in memory", "query": "XPath query",
          "serialise": "Serialize"}
@@ -14,6 +16,16 @@ MOST_OF_PROCESS = {"an empty document": 1.05, "the sample report, 80 kB": 0.9, "
 MOST_OF_LIBXSLT_BATCH = 1.5
 LEAST_OF_TWO_WORKERS = 1.8
 MOST_BATCH_MEMORY = 40
+# Of large work: the most memory in megabytes, the most processor time relative to a batch, the least that a second job
+# brings, the most memory relative to xsltproc, the least throughput relative to a batch, the most growth of memory, and
+# the most time for a source that has its result in microseconds.
+MOST_RECORDS_MEMORY = 60
+MOST_OF_BATCH = 1.5
+LEAST_OF_TWO_JOBS = 1.6
+MOST_OF_MEMORY = 0.1
+LEAST_OF_BATCH = 0.8
+MOST_GROWTH = 1.1
+MOST_UNCHANGED = 20
 
 
 def number(value, digits=0):
@@ -289,6 +301,32 @@ def batch_section(batches):
     return section
 
 
+def scale_section(scale):
+    section = Section("Large work: 1,000,000 records of 1 kB in a document, 100,000 of them as files and as requests", "", "",
+                      "compared with", "", "ratio")
+    one, two, newer = scale["one job"], scale["two jobs"], 1e6 * scale["newer"]["s"] / SOURCES
+
+    def compare(title, value, what, other, digits, target, met):
+        section.add(title, number(value, digits), what, number(other, digits), number(value / other, 3), target=target,
+                    met=met(value / other))
+
+    section.add("records, one job: megabytes", number(one["mb"], 1), "", "", "", target=f"≤ {MOST_RECORDS_MEMORY}",
+                met=one["mb"] <= MOST_RECORDS_MEMORY)
+    compare("records, one job: megabytes", one["mb"], "xsltproc", scale["xsltproc"]["mb"], 1, f"≤ {MOST_OF_MEMORY:g}",
+            lambda ratio: ratio <= MOST_OF_MEMORY)
+    compare("records, one job: µs of processor time a record", 1e6 * one["cpu"] / RECORDS, "batch, one worker",
+            1e6 * scale["one worker"]["cpu"] / SOURCES, 1, f"≤ {MOST_OF_BATCH:g}", lambda ratio: ratio <= MOST_OF_BATCH)
+    compare("records, two jobs: records per second", RECORDS / two["s"], "one job", RECORDS / one["s"], 0,
+            f"≥ {LEAST_OF_TWO_JOBS:g}", lambda ratio: ratio >= LEAST_OF_TWO_JOBS)
+    compare("worker: requests per second", SOURCES / scale["requests"]["s"], "batch, all workers",
+            SOURCES / scale["all workers"]["s"], 0, f"≥ {LEAST_OF_BATCH:g}", lambda ratio: ratio >= LEAST_OF_BATCH)
+    compare("worker: megabytes after 100,000 requests", scale["requests"]["mb"], "10,000 requests",
+            scale["few requests"]["mb"], 1, f"≤ {MOST_GROWTH:g}", lambda ratio: ratio <= MOST_GROWTH)
+    section.add("batch --newer, all unchanged: µs a source", number(newer, 1), "", "", "", target=f"≤ {MOST_UNCHANGED}",
+                met=newer <= MOST_UNCHANGED)
+    return section
+
+
 def kept_section(times, sizes):
     section = Section("Bytes that a file transform keeps until its transformer is destroyed", "", "engine, freed at once",
                       "engine, kept", "library", "above the smallest")
@@ -337,7 +375,7 @@ def make_sections(figures):
             conversions_section(counts["function_cost"]), replay_section(counts["function_cost"]),
             chain_section(counts["chain_cost"], times["chain_cost"]),
             *process_sections(figures["processes"], figures["process_counts"]),
-            batch_section(figures["batches"]), threads_section(times["thread_scaling"]), kept_section(times["facade_cost"], figures["sizes"]),
+            batch_section(figures["batches"]), scale_section(figures["scale"]), threads_section(times["thread_scaling"]), kept_section(times["facade_cost"], figures["sizes"]),
             lifecycle_section(counts["lifecycle_cost"], times["lifecycle_cost"]),
             hostile_section(figures["hostile"])]
 
