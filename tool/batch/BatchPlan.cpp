@@ -108,6 +108,38 @@ void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& 
     }
 }
 
+/** Also of a file that is not there yet; empty where it cannot be known. */
+fs::path fullPlace(const std::string& output) {
+    std::error_code ignored;
+    return fs::weakly_canonical(fs::absolute(outputPlace(output), ignored), ignored);
+}
+
+void refuseReplacingReport(const std::vector<BatchJob>& jobs, const BatchOptions& options) {
+    const std::string& report = options.report;
+    std::error_code ignored;
+    if (report.empty() || report == STANDARD_STREAM ||
+        (fs::exists(report, ignored) && !fs::is_regular_file(report, ignored))) {
+        return;
+    }
+    const fs::path place = fullPlace(report);
+    const auto id = idOf(report);
+    const auto check = [&](const std::string& input) {
+        const auto path = InputArgument(input).path();
+        if (id && path && idOf(path->string()) == id) {
+            throw UsageError(report, "the report would replace " + input);
+        }
+    };
+    check(options.stylesheet);
+    for (const BatchJob& job : jobs) {
+        check(job.source);
+        // To compare names is faster.
+        if (outputPlace(job.output).filename() == place.filename() &&
+            fullPlace(job.output) == place) {
+            throw UsageError(report, "the result of " + job.source + " goes there");
+        }
+    }
+}
+
 std::vector<BatchJob> takeShard(std::vector<BatchJob> jobs, unsigned shard, unsigned shards) {
     if (shards == 1) {
         return jobs;
@@ -143,6 +175,7 @@ std::vector<BatchJob> planBatch(const BatchOptions& options) {
     }
     refuseSharedOutputs(jobs);
     refuseReplacedInputs(jobs, options.stylesheet);
+    refuseReplacingReport(jobs, options);
     return takeShard(std::move(jobs), options.shard, options.shards);
 }
 

@@ -135,3 +135,23 @@ TEST_F(BatchReportTest, DoesNotKeepTheProgramFromEnding) {
                                "sleep 0.05; done; kill $cat; wc -l <report");
     EXPECT_EQ(late.output, "2001\n");
 }
+
+TEST_F(BatchReportTest, ReplacesNoOtherFile) {
+    writeSources(2);
+    const std::string source = file("sources/s2.xml");
+    shell("ln -s sources linked");
+    const auto refuses = [&](const std::string& report, const std::string& cause) {
+        expectFailure(tool("batch ok.xsl sources/* -d out --report " + report), 2,
+                      report + ": " + cause);
+    };
+    refuses("linked/s2.xml", "the report would replace sources/s2.xml");
+    refuses("ok.xsl", "the report would replace ok.xsl");
+    const std::string result = "the result of sources/s2.xml goes there";
+    refuses("./out/s2.out", result); // the folder is not there yet
+    EXPECT_EQ(tool("batch ok.xsl sources/* -d out --quiet --report report").status, 0);
+    shell("ln -s out/s2.out link");
+    refuses("link", result);
+    EXPECT_EQ(file("sources/s2.xml"), source);
+    EXPECT_EQ(tool("batch ok.xsl sources/* -d out --quiet --report report").status, 0);
+    EXPECT_EQ(tool("batch ok.xsl sources/* -d out --quiet --report /dev/null").status, 0);
+}
