@@ -4,8 +4,8 @@
 #include "xslt/Text.h"
 #include "xslt/TreeBuilder.h"
 
+#include <cstdint>
 #include <cstring>
-#include <limits>
 
 #include <xalanc/PlatformSupport/AttributesImpl.hpp>
 
@@ -141,51 +141,6 @@ void PackedRecord::begin(std::u16string_view uri) {
     add(uri);
 }
 
-void PackedRecord::unparsedEntity(std::u16string_view name, std::u16string_view publicId,
-                                  std::u16string_view systemId, std::u16string_view notation) {
-    add(Event::UnparsedEntity);
-    add(name);
-    add(publicId);
-    add(systemId);
-    add(notation);
-}
-
-void PackedRecord::attribute(std::u16string_view uri, std::u16string_view name,
-                             std::u16string_view type, std::u16string_view value) {
-    add(Event::Attribute);
-    add(uri);
-    add(name);
-    add(type);
-    add(value);
-}
-
-void PackedRecord::startElement(std::u16string_view uri, std::u16string_view name) {
-    add(Event::StartElement);
-    add(uri);
-    add(name);
-}
-
-void PackedRecord::text(std::u16string_view text) {
-    add(Event::Text);
-    add(text);
-}
-
-void PackedRecord::whitespace(std::u16string_view text) {
-    add(Event::Whitespace);
-    add(text);
-}
-
-void PackedRecord::comment(std::u16string_view text) {
-    add(Event::Comment);
-    add(text);
-}
-
-void PackedRecord::instruction(std::u16string_view target, std::u16string_view data) {
-    add(Event::Instruction);
-    add(target);
-    add(data);
-}
-
 std::string PackedRecord::bytes() const {
     return std::string(reinterpret_cast<const char*>(m_units.data()),
                        m_units.size() * sizeof(char16_t));
@@ -201,9 +156,12 @@ std::shared_ptr<vexa::DocumentData> PackedRecord::build() const {
     return Builder(m_units, m_operation).build();
 }
 
-void PackedRecord::add(Event event) {
+void PackedRecord::add(Event event, std::initializer_list<std::u16string_view> texts) {
     const auto unit = static_cast<char16_t>(event);
     m_operation.append(m_units, &unit, 1);
+    for (const std::u16string_view text : texts) {
+        add(text);
+    }
 }
 
 void PackedRecord::add(std::u16string_view text) {

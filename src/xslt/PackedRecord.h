@@ -7,7 +7,7 @@
 #include "xslt/DocumentData.h"
 #include "xslt/Operation.h"
 
-#include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,16 +24,24 @@ public:
     /** Begins another one. @param uri of the document */
     void begin(std::u16string_view uri);
     void unparsedEntity(std::u16string_view name, std::u16string_view publicId,
-                        std::u16string_view systemId, std::u16string_view notation);
+                        std::u16string_view systemId, std::u16string_view notation) {
+        add(Event::UnparsedEntity, {name, publicId, systemId, notation});
+    }
     /** Of the element that startElement() begins next. */
     void attribute(std::u16string_view uri, std::u16string_view name, std::u16string_view type,
-                   std::u16string_view value);
-    void startElement(std::u16string_view uri, std::u16string_view name);
-    void endElement() { add(Event::EndElement); }
-    void text(std::u16string_view text);
-    void whitespace(std::u16string_view text);
-    void comment(std::u16string_view text);
-    void instruction(std::u16string_view target, std::u16string_view data);
+                   std::u16string_view value) {
+        add(Event::Attribute, {uri, name, type, value});
+    }
+    void startElement(std::u16string_view uri, std::u16string_view name) {
+        add(Event::StartElement, {uri, name});
+    }
+    void endElement() { add(Event::EndElement, {}); }
+    void text(std::u16string_view text) { add(Event::Text, {text}); }
+    void whitespace(std::u16string_view text) { add(Event::Whitespace, {text}); }
+    void comment(std::u16string_view text) { add(Event::Comment, {text}); }
+    void instruction(std::u16string_view target, std::u16string_view data) {
+        add(Event::Instruction, {target, data});
+    }
     /** Gives up what is there. */
     void discard() { m_units = std::u16string(); }
 
@@ -58,7 +66,7 @@ private:
     };
     class Builder;
 
-    void add(Event event);
+    void add(Event event, std::initializer_list<std::u16string_view> texts);
     void add(std::u16string_view text);
 
     Operation& m_operation;
