@@ -285,6 +285,7 @@ std::optional<std::string> Records::nextPacked() {
 }
 
 Document Records::unpack(const std::string& packed, const Options& options) {
+    const EngineUse engines = useEngines();
     Operation operation(options);
     return operation.run(ErrorKind::Parse, [&] {
         PackedRecord record(operation);

@@ -99,6 +99,17 @@ void useSecond() {
     }
 }
 
+/** What another process packed is all that there is. */
+void unpackFirst() {
+    const std::u16string record(u"\xD\0vexa-record-1\0\5\0mem:a\0" // the lengths before the texts
+                                u"\1\0\0\0\1\0x\0\5\0CDATA\0\1\0001\0"
+                                u"\2\0\0\0\1\0r\0\3",
+                                53);
+    const std::string bytes(reinterpret_cast<const char*>(record.data()),
+                            record.size() * sizeof(char16_t));
+    CHECK(vexa::Records::unpack(bytes).xml() == "<r x=\"1\"/>");
+}
+
 void useClassic() {
     VEXAXslTransformer transformer;
     const auto in = transformer.createDom2Dom();
@@ -176,6 +187,7 @@ const std::map<std::string, std::function<void()>> SCENARIOS{
          useSecond();
          useSecond();
      }},
+    {"RecordUnpackedFirst", unpackFirst},
     {"ClassicBefore",
      [] {
          initializeClassic();
