@@ -95,11 +95,17 @@ void Operation::restart() {
 
 void Operation::checkBounds() {
     throwKept();
-    if (m_isOverMemory) {
-        stopAtLimit("memory", m_options.limits.memory, " bytes");
-    }
     if (m_options.cancel.cancelled()) {
         stop(ErrorKind::Cancelled, "the operation was cancelled");
+    }
+    if (m_pollsLimits) {
+        checkLimits();
+    }
+}
+
+void Operation::checkLimits() {
+    if (m_isOverMemory) {
+        stopAtLimit("memory", m_options.limits.memory, " bytes");
     }
     if (m_end != Clock::time_point::max() && coarseNow() >= m_end) {
         stopAtLimit("time", static_cast<std::size_t>(m_options.limits.time.count()), " ms");
@@ -114,6 +120,9 @@ void Operation::checkMemory(std::size_t bytes) {
     if (bytes >= LARGE_PIECE) {
         m_memory -= static_cast<std::ptrdiff_t>(bytes);
         poll();
+        if (m_isOverMemory) {
+            checkLimits();
+        }
         m_memory += static_cast<std::ptrdiff_t>(bytes);
     }
 }

@@ -64,6 +64,12 @@ public:
     /** Begins to count and to measure again: for the next part of long work. */
     void restart();
 
+    /** Whether polls look at the limits. Where they end more than they should, checkLimits() does.
+     */
+    void setPollsLimits(bool pollsLimits) { m_pollsLimits = pollsLimits; }
+    /** @throws vexa::Error: Limit */
+    void checkLimits();
+
     /** Whether anything can end it between polls. */
     bool isBounded() const { return m_needsPolls; }
 
@@ -182,5 +188,6 @@ private:
     std::ptrdiff_t m_memory = 0;
     std::size_t m_output = 0;
     bool m_isOverMemory = false;
+    bool m_pollsLimits = true;
     bool m_needsPolls;
 };

@@ -20,6 +20,10 @@ constexpr std::size_t MOST_KEPT = std::size_t{64} * 1024;
 /** The length of a text stands before it. */
 constexpr std::size_t LENGTH_UNITS = sizeof(std::uint32_t) / sizeof(char16_t);
 
+[[noreturn]] void failAsDamaged(const Operation& operation) {
+    operation.fail(vexa::ErrorKind::Usage, "the packed record is damaged");
+}
+
 } // namespace
 
 /** Reads the events. Nothing is trusted: they may have come from anywhere. */
@@ -121,7 +125,7 @@ private:
     }
     void check(bool isRight) const {
         if (!isRight) {
-            m_operation.fail(vexa::ErrorKind::Usage, "the packed record is damaged");
+            failAsDamaged(m_operation);
         }
     }
 
@@ -147,6 +151,9 @@ std::string PackedRecord::bytes() const {
 }
 
 void PackedRecord::setBytes(const std::string& bytes) {
+    if (bytes.size() % sizeof(char16_t) != 0) {
+        failAsDamaged(m_operation);
+    }
     m_operation.takeMemory(bytes.size());
     m_units.resize(bytes.size() / sizeof(char16_t));
     std::memcpy(m_units.data(), bytes.data(), m_units.size() * sizeof(char16_t));

@@ -47,7 +47,7 @@ public:
 
     /** For another process. */
     std::string bytes() const;
-    /** @param bytes what bytes() gave */
+    /** @param bytes what bytes() gave. @throws vexa::Error: Usage for an odd number of them */
     void setBytes(const std::string& bytes);
 
     /** The document. @throws vexa::Error: Limit; Usage where the record is damaged */

@@ -64,6 +64,7 @@ public:
             m_recordLine = m_line;
             m_isInRecord = true;
             m_isPassedOver = false;
+            m_operation.restart();
             add([&] { beginRecord(uri, name, attributes); });
         } else {
             m_operation.poll();
@@ -123,6 +124,7 @@ private:
         try {
             m_operation.poll();
             add();
+            m_operation.checkLimits();
         } catch (const vexa::Error& error) {
             if (error.kind() != vexa::ErrorKind::Limit) {
                 throw;
@@ -201,6 +203,9 @@ public:
             m_reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, true);
             m_reader->setFeature(XMLUni::fgSAX2CoreNameSpacePrefixes, true);
             m_reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
+            // What has come is parsed at once; more may take long.
+            XMLSize_t lowWaterMark = 0;
+            m_reader->setProperty(XMLUni::fgXercesLowWaterMark, &lowWaterMark);
             m_reader->setContentHandler(&m_handler);
             m_reader->setDTDHandler(&m_handler);
             m_reader->setLexicalHandler(&m_handler);
@@ -217,9 +222,11 @@ public:
         }
         m_isAtEnd = true; // until the record is there
         m_operation.restart();
+        m_operation.setPollsLimits(false); // a record ends where it reaches one, and not the parser
         return m_operation.run(ErrorKind::Parse, [&] {
             std::optional<std::invoke_result_t<Make, const PackedRecord&>> made;
             if (read()) {
+                m_operation.setPollsLimits(true);
                 made = make(m_handler.take());
             }
             return made;

@@ -2,7 +2,11 @@
 
 #include "support/FailingStreams.h"
 
+#include <chrono>
 #include <sstream>
+#include <thread>
+#include <utility>
+#include <vector>
 
 using vexa::Document;
 using vexa::ErrorKind;
@@ -55,6 +59,27 @@ protected:
 private:
     std::size_t m_count = 0;
     std::string m_text;
+};
+
+/** Each piece comes some time after the one before. */
+class SlowSource : public std::streambuf {
+public:
+    explicit SlowSource(std::vector<std::string> pieces) : m_pieces(std::move(pieces)) {}
+
+protected:
+    int_type underflow() override {
+        if (m_next == m_pieces.size()) {
+            return traits_type::eof();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        std::string& piece = m_pieces[m_next++];
+        setg(piece.data(), piece.data(), piece.data() + piece.size());
+        return traits_type::to_int_type(piece.front());
+    }
+
+private:
+    std::vector<std::string> m_pieces;
+    std::size_t m_next = 0;
 };
 
 } // namespace
@@ -297,6 +322,19 @@ TEST(RecordsTest, AreUnderTheLimitsWherePacked) {
     EXPECT_EQ(Records::unpack(large.nextPacked().value()).xml(), "<r/>");
 }
 
+TEST(RecordsTest, AreUnderTheTimeLimitFromTheirStartTagOn) {
+    Options options;
+    options.limits.time = std::chrono::milliseconds(200);
+    SlowSource source({"<a>", "<x/>", "<x/>", "<r>1</r>", "<x/>", "<r>2", "<i/>", "<i/>", "<i/>",
+                       "</r>", "<x/>", "<r>3</r>", "</a>"});
+    std::istream stream(&source);
+    Records records(Input::stream(stream), "r", options);
+    EXPECT_EQ(records.next().value().xml(), "<r>1</r>");
+    EXPECT_EQ(failureOf([&] { records.next(); }).kind(), ErrorKind::Limit);
+    EXPECT_EQ(records.next().value().xml(), "<r>3</r>");
+    EXPECT_FALSE(records.next());
+}
+
 TEST(RecordsTest, EndWhereTheParserReachesALimit) {
     Options options;
     options.limits.memory = 8 << 20;
@@ -318,6 +356,7 @@ TEST(RecordsTest, AreRefusedWhereTheirBytesAreDamaged) {
         expectDamaged(packed.substr(0, length & ~std::size_t{1}));
     }
     expectDamaged(packed + std::string(2, '\0'));
+    expectDamaged(packed + "x");
     expectDamaged("<r/>");
     // A byte that is another one gives a record or an error.
     for (std::size_t i = 0; i < packed.size(); ++i) {

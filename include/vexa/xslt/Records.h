@@ -40,7 +40,7 @@ public:
      * @param input   what is read; a stream must live as long as the records
      * @param element a local name, or "{uri}name"
      * @param options of the whole reading. The limits of memory, time and depth hold for each
-     *                record; the depth counts from the record's element
+     *                record from its start tag on; the depth counts from the record's element
      * @throws Error: Input, Denied; Usage for an empty name
      */
     Records(const Input& input, const std::string& element, const Options& options = {});
