@@ -1,5 +1,6 @@
 #include "commands/RecordsCommand.h"
 
+#include "base/Descriptor.h"
 #include "base/Errors.h"
 #include "commands/Session.h"
 #include "process/FileLimit.h"
@@ -11,6 +12,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <fcntl.h>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -89,6 +91,18 @@ std::uint64_t sizeOf(const InputArgument& source) {
     return static_cast<std::uint64_t>(std::max<off_t>(status.st_size - begin, 0));
 }
 
+/** What the source may have to be waited for: it comes from a pipe, or from a terminal. */
+Descriptor waitsFor(const InputArgument& source) {
+    if (source.isStandardInput()) {
+        return Descriptor(dup(STDIN_FILENO));
+    }
+    // The same pipe once more: only to ask whether it has something.
+    struct stat status {};
+    const auto path = source.path();
+    const bool isPipe = path && stat(path->c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+    return Descriptor(isPipe ? open(path->c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1);
+}
+
 /** Transforms a packed record. */
 void transform(const std::string& packed, Session& session, vexa::Transformation& run,
                const WorkerChannel& channel) {
@@ -116,10 +130,11 @@ void transformAll(const RecordsOptions& options, const NamedFiles& files, Sessio
     vexa::Transformation run = session.prepare(session.compile(files.inputs[0]));
     session.names().setDefault(source.name());
     vexa::Records records(source.input(), options.element, session.operationOptions());
+    const Descriptor pipe = waitsFor(source);
     RecordOutput output(options.output, options.wrap);
     RecordPipeline pipeline(
-        {source.name(), options.run.limits, workersWithFiles(options.jobs),
-         source.isStandardInput() ? STDIN_FILENO : -1, sizeOf(source), !options.run.quiet},
+        {source.name(), options.run.limits, workersWithFiles(options.jobs), pipe.get(),
+         sizeOf(source), !options.run.quiet},
         records, output,
         [&](const WorkerChannel& channel, bool /*isFirst*/) {
             session.setEmit([&](const vexa::Diagnostic&, const std::string& text) {

@@ -71,12 +71,13 @@ public:
         const auto milliseconds = [begin] {
             return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
         };
-        const Request request = parseRequest(line);
-        Answer answer(request.id);
+        Answer answer("null");
         m_session.setEmit([&](const vexa::Diagnostic& message, const std::string& /*text*/) {
             answer.addMessage(message);
         });
         try {
+            const Request request = parseRequest(line);
+            answer = Answer(request.id);
             check(request);
             std::string result;
             run(request,
@@ -184,6 +185,14 @@ int work(const WorkerOptions& options, const WorkerChannel& channel, bool isFirs
         files.inputs.emplace_back(options.stylesheet);
     }
     Session session(options.run, files, [](const vexa::Diagnostic&, const std::string&) {});
+    bool hasStarted = false;
+    // Later it costs one request.
+    const auto giveUp = [&](const std::string& text) {
+        if (isFirst && !hasStarted) {
+            channel.send(Report::Kind::GivenUp, text);
+        }
+        return EXIT_FAILED;
+    };
     try {
         enterSandboxIfWanted(options.run, files);
         RequestRunner runner(options, session);
@@ -191,15 +200,16 @@ int work(const WorkerOptions& options, const WorkerChannel& channel, bool isFirs
             runner.begin();
         }
         channel.send(Report::Kind::Started);
+        hasStarted = true;
         while (const auto line = channel.nextText()) {
             channel.send(Report::Kind::Done, runner.answer(*line));
         }
     } catch (const vexa::Error& error) {
-        channel.send(Report::Kind::GivenUp, session.describe(error));
+        return giveUp(session.describe(error));
     } catch (const std::bad_alloc&) {
-        channel.send(Report::Kind::GivenUp, oneLine(options.stylesheet) + ": out of memory");
+        return giveUp(oneLine(options.stylesheet) + ": out of memory");
     } catch (const std::exception& error) {
-        channel.send(Report::Kind::GivenUp, oneLine(error.what()));
+        return giveUp(oneLine(error.what()));
     }
     return EXIT_DONE;
 }

@@ -147,12 +147,12 @@ int WorkerPool::millisecondsToWait(Clock::duration longest) const {
     return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(left).count());
 }
 
-/** What it has reported by now counts. */
+/** As of when it was heard. What it has reported by now counts. */
 void WorkerPool::killIfLate(Slot& slot) {
-    if (slot.process.deadline() && *slot.process.deadline() <= Clock::now()) {
+    if (slot.process.deadline() && *slot.process.deadline() <= m_lastHeard) {
         receiveFrom(slot);
+        slot.process.killIfLate();
     }
-    slot.process.killIfLate();
 }
 
 void WorkerPool::receiveFrom(Slot& slot) {
@@ -175,23 +175,24 @@ void WorkerPool::take(Slot& slot, Report report) {
         slot.hasStarted = true;
         slot.failedStarts = 0;
         break;
-    case Report::Kind::Message:
-        if (!slot.jobs.empty()) {
-            m_events.report(slot.jobs.front(), std::move(report));
+    default:
+        if (slot.jobs.empty()) {
+            return; // about nothing that it was given
         }
-        break;
-    case Report::Kind::Done:
-    case Report::Kind::Failed:
+        const bool isEnd = report.kind != Report::Kind::Message;
         m_events.report(slot.jobs.front(), std::move(report));
-        endJob(slot);
+        if (isEnd) {
+            endJob(slot);
+        }
     }
 }
 
 /** The process is gone, and with it the current job. Another takes its place. */
 void WorkerPool::takeEnd(Slot& slot) {
-    constexpr int MOST_FAILED_STARTS = 3;
+    // Where one has started, the others may only have bad luck.
+    const int mostFailedStarts = m_hasStarted ? 20 : 3;
     const ChildProcess::End end = slot.process.wait();
-    if (!slot.hasStarted && ++slot.failedStarts == MOST_FAILED_STARTS) {
+    if (!slot.hasStarted && ++slot.failedStarts == mostFailedStarts) {
         throw Failure(m_settings.name, end.cause(m_settings.limits));
     }
     if (!slot.jobs.empty() && !slot.wasJustInTime) {

@@ -14,6 +14,9 @@ constexpr std::size_t MOST_WAITING_BYTES = std::size_t{4} * 1024 * 1024;
 /** Of records that wait for one before them. */
 constexpr std::size_t MOST_IN_FLIGHT = 10'000;
 
+/** Packed: its length is to fit into 32 bits. */
+constexpr std::uint64_t LARGEST_RECORD = std::uint64_t{2} * 1024 * 1024 * 1024;
+
 /** Small records are given to a process some at a time, so that it need not wait for the next. */
 constexpr std::size_t RECORDS_AHEAD = 16;
 
@@ -55,6 +58,9 @@ bool RecordPipeline::run() {
     m_pool.start();
     while (!m_isAtEnd || !m_pool.isDone()) {
         if (canRead()) {
+            if (m_inFlight.empty()) {
+                m_output.flush(); // the next record may be long in coming
+            }
             read();
         } else {
             m_pool.wait(hasRoom() ? m_settings.waitsFor : -1, m_progress.interval());
@@ -77,7 +83,7 @@ bool RecordPipeline::hasRoom() const {
 
 /** While results are to be expected, nothing is to keep from passing them on. */
 bool RecordPipeline::canRead() const {
-    return hasRoom() && isReadable(m_settings.waitsFor);
+    return hasRoom() && (m_inFlight.empty() || isReadable(m_settings.waitsFor));
 }
 
 void RecordPipeline::read() {
@@ -95,7 +101,9 @@ void RecordPipeline::read() {
         return;
     }
     m_inFlight.push_back({m_records.count(), m_records.line(), {}});
-    if (packed) {
+    if (packed && packed->size() > LARGEST_RECORD) {
+        take(m_records.count(), {Report::Kind::Failed, "the record is too large", ""});
+    } else if (packed) {
         m_pool.add({m_records.count(), std::move(*packed)});
     } else {
         take(m_records.count(), {Report::Kind::Failed, failure, ""});

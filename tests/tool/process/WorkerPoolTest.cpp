@@ -10,6 +10,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -37,6 +38,9 @@ protected:
         m_pool.emplace(
             WorkerPool::Settings{"the pool", limits, workers, 4}, std::move(what),
             WorkerPool::Events{[this](const WorkerPool::Job& job, Report report) {
+                                   if (job.text.rfind("slow", 0) == 0) {
+                                       std::this_thread::sleep_for(std::chrono::seconds(4));
+                                   }
                                    add(job, std::string(1, LETTERS[static_cast<int>(report.kind)]) +
                                                 " " + report.text);
                                },
@@ -57,13 +61,15 @@ protected:
         m_pool->add({m_count++, text});
     }
     /** Fails where the pool stands still. */
-    void waitForAll() {
+    void waitForAll(bool isEnd = true) {
         const auto end = WorkerPool::Clock::now() + std::chrono::seconds(60);
         while (!m_pool->isDone()) {
             ASSERT_LT(WorkerPool::Clock::now(), end) << m_open.size() << " jobs are not done";
             m_pool->wait(-1, std::chrono::seconds(1));
         }
-        m_pool->finish();
+        if (isEnd) {
+            m_pool->finish();
+        }
     }
 
     std::optional<WorkerPool> m_pool;
@@ -170,6 +176,23 @@ TEST_F(WorkerPoolTest, EndsAJobThatIsLate) {
     waitForAll();
     EXPECT_EQ(m_news[1], News{"L time limit of 1 s exceeded (--max-seconds)"});
     EXPECT_EQ(m_news[2], News{"D job"});
+}
+
+/** Its report does not fit into the connection, and meanwhile another one's is being taken. */
+TEST_F(WorkerPoolTest, AJobIsNotLateBecauseItsReportIsTakenLate) {
+    Limits limits;
+    limits.maxSeconds = 1;
+    begin(2, limits);
+    for (const char* job : {"start", "start", "start"}) {
+        give(job); // so that both processes have started
+    }
+    waitForAll(false);
+    const std::string large(5'000'000, 'x');
+    give("slow");
+    give(large);
+    waitForAll();
+    EXPECT_EQ(m_news[4], News{"D slow"});
+    EXPECT_TRUE(m_news[5] == News{"D " + large}) << m_news[5].front().substr(0, 80);
 }
 
 TEST_F(WorkerPoolTest, SaysWhetherASourceIsReadable) {

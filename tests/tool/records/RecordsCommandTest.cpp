@@ -236,13 +236,20 @@ TEST_F(RecordsCommandTest, PrintsMessagesWithTheNameOfTheSource) {
                                   std::regex("records +[0-9.]+ ms")));
 }
 
+/** By standard input, and by the name of a pipe. Nothing waits for more than it needs. */
 TEST_F(RecordsCommandTest, GivesResultsWhileTheSourceIsStillComing) {
-    const Outcome outcome =
-        shell("mkfifo in out; vexa-xslt records number.xsl -e r <in >out 2>told & "
-              "exec 3>in 4<out; echo \"<all><r n='1'>$(printf %200s)</r>\" >&3; "
-              "read -r -N 8 -t 20 first <&4; echo \"got $first\"; "
-              "echo \"<r n='2'>$(printf %200s)</r></all>\" >&3; exec 3>&-; cat <&4; wait");
-    EXPECT_EQ(outcome.output, "got <b>1</b>\n<b>2</b>");
+    // The pipes are opened in the order in which the other side opens them.
+    for (const auto& [source, pipes] :
+         {std::pair("<in", "3>in 4<out"), std::pair("in", "4<out 3>in")}) {
+        const Outcome outcome = shell(
+            "rm -f in out; mkfifo in out; vexa-xslt records number.xsl -j 2 -e r " +
+            std::string(source) + " >out 2>told & exec " + pipes +
+            "; echo \"<all><r n='1'/><r n='2'/><r n='3'/>\" >&3; "
+            "read -r -N 24 -t 20 first <&4; echo \"got $first\"; echo \"<r n='4'/>\" >&3; read -r "
+            "-N 8 -t 20 next <&4; echo \"got $next\"; echo \"<r n='5'/></all>\" >&3; exec "
+            "3>&-; cat <&4; wait");
+        EXPECT_EQ(outcome.output, "got <b>1</b><b>2</b><b>3</b>\ngot <b>4</b>\n<b>5</b>") << source;
+    }
 }
 
 /** Nothing more is read than the pipe has room for, and some chunks. */
