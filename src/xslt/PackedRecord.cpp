@@ -34,7 +34,7 @@ public:
 
     std::shared_ptr<vexa::DocumentData> build() {
         check(text() == FORM);
-        const auto document = std::make_shared<vexa::DocumentData>(toUtf8(text()));
+        auto document = std::make_shared<vexa::DocumentData>(toUtf8(text()));
         document->memory().setOperation(&m_operation);
         TreeBuilder tree(*document->tree(), m_operation);
         tree.startDocument();
