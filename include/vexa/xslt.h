@@ -18,6 +18,7 @@
 #include <vexa/xslt/Output.h>
 #include <vexa/xslt/Records.h>
 #include <vexa/xslt/Stylesheet.h>
+#include <vexa/xslt/Tracer.h>
 #include <vexa/xslt/Transformation.h>
 #include <vexa/xslt/Value.h>
 #include <vexa/xslt/XPath.h>

@@ -16,7 +16,7 @@ DocumentElement::DocumentElement(Construction& construction, xalanc::Stylesheet&
     : ElemTemplateElement(construction, stylesheet, xalanc::XalanLocator::getLineNumber(locator),
                           xalanc::XalanLocator::getColumnNumber(locator),
                           Construction::ELEMNAME_EXTENSION_CALL),
-      m_name(u"document", construction.getMemoryManager()),
+      m_name(u"exsl:document", construction.getMemoryManager()),
       m_attributes(construction.getMemoryManager()) {
     for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
         const std::u16string_view name = attributes.getName(i);

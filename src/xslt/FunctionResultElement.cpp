@@ -16,7 +16,7 @@ FunctionResultElement::FunctionResultElement(Construction& construction,
     : ElemTemplateElement(construction, stylesheet, xalanc::XalanLocator::getLineNumber(locator),
                           xalanc::XalanLocator::getColumnNumber(locator),
                           Construction::ELEMNAME_EXTENSION_CALL),
-      m_name(u"result", construction.getMemoryManager()) {
+      m_name(u"func:result", construction.getMemoryManager()) {
     if (const XMLCh* const select = attributes.getValue(u"select")) {
         m_select = construction.createXPath(getLocator(), select, *this);
     }

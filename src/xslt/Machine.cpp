@@ -15,6 +15,10 @@
 #include <vexa/VEXAConfig.h>
 #include <vexa/xslt/Error.h>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include <xalanc/DOMSupport/DOMServices.hpp>
 #include <xalanc/Include/XalanMemoryManagement.hpp>
 #include <xalanc/XPath/Function.hpp>
@@ -22,6 +26,7 @@
 #include <xalanc/XPath/XPathProcessorImpl.hpp>
 #include <xalanc/XPath/XalanQNameByValue.hpp>
 #include <xalanc/XSLT/ElemTemplateElement.hpp>
+#include <xalanc/XSLT/ElemVariable.hpp>
 #include <xalanc/XSLT/StylesheetConstructionContext.hpp>
 #include <xalanc/XSLT/TopLevelArg.hpp>
 #include <xalanc/XSLT/XSLTInputSource.hpp>
@@ -34,10 +39,10 @@ using xalanc::XObjectPtr;
 /** Executes the stylesheet, with the parameters of the host. */
 class Machine::Context : public RunContext {
 public:
-    Context(Machine& machine, const RunSettings& settings)
+    explicit Context(Machine& machine)
         : RunContext(machine.m_memory, machine.m_processor, machine.m_environment, machine.m_trees,
                      machine.m_objects),
-          m_machine(machine), m_settings(settings), m_parameters(machine.m_memory) {
+          m_machine(machine), m_parameters(machine.m_memory) {
         installCollationCompareFunctor(&m_collation);
         installFormatNumberFunctor(&machine.m_numberFormat);
     }
@@ -45,6 +50,7 @@ public:
     void reset() override {
         // The base class resets the factory that made the values of the parameters.
         m_parameters.clear();
+        m_globals.clear();
         RunContext::reset();
         m_madeUpPrefixes = 0;
         m_depth = 0;
@@ -67,6 +73,9 @@ public:
     }
     void pushContextMarker() override {
         operation().poll();
+        if (m_wanted) {
+            enterVariable(*std::exchange(m_wanted, nullptr));
+        }
         RunContext::pushContextMarker();
     }
 
@@ -161,6 +170,7 @@ public:
         m_machine.m_furtherResults->end();
     }
 
+    Trace* trace() const override { return m_machine.m_trace ? &*m_machine.m_trace : nullptr; }
     void setFunctionResult(const XObjectPtr& result) override {
         if (!m_functionResults.empty()) {
             m_functionResults.back() = result;
@@ -274,8 +284,8 @@ public:
 
     void pushTopLevelVariables(const ParamVectorType& /*parameters*/) override {
         // The engine keeps pointers to them for the whole run.
-        m_parameters.reserve(m_settings.parameters.size());
-        for (const auto& [name, value] : m_settings.parameters) {
+        m_parameters.reserve(m_machine.m_settings.parameters.size());
+        for (const auto& [name, value] : m_machine.m_settings.parameters) {
             const xalanc::XalanQNameByValue qname(toEngineText(name.first, getMemoryManager()),
                                                   toEngineText(name.second, getMemoryManager()),
                                                   getMemoryManager());
@@ -290,8 +300,20 @@ public:
         prefix = toEngineText("ns" + std::to_string(m_madeUpPrefixes++), m_machine.m_memory);
     }
 
+    using RunContext::pushVariable;
+    void pushVariable(const xalanc::XalanQName& name, const xalanc::ElemVariable* variable,
+                      const xalanc::ElemTemplateElement* element) override {
+        if (m_machine.m_trace) {
+            m_globals.push_back(variable);
+        }
+        RunContext::pushVariable(name, variable, element);
+    }
     const XObjectPtr getVariable(const xalanc::XalanQName& name,
                                  const xalanc::Locator* locator) override {
+        return m_machine.m_trace ? traceVariable(name, locator) : findVariable(name, locator);
+    }
+
+    XObjectPtr findVariable(const xalanc::XalanQName& name, const xalanc::Locator* locator) {
         // The engine goes on with a warning.
         m_machine.m_problems->setMuted(true);
         const XObjectPtr value = RunContext::getVariable(name, locator);
@@ -357,6 +379,34 @@ private:
         return true;
     }
 
+    /**
+     * A global variable gets its value when it is first used: the engine pushes a context marker
+     * then, and none for a variable that has one.
+     */
+    XObjectPtr traceVariable(const xalanc::XalanQName& name, const xalanc::Locator* locator) {
+        Trace& trace = *m_machine.m_trace;
+        const std::size_t before = trace.steps();
+        m_wanted = &name;
+        try {
+            XObjectPtr value = findVariable(name, locator);
+            m_wanted = nullptr;
+            trace.leaveTo(before);
+            return value;
+        } catch (...) {
+            m_wanted = nullptr;
+            trace.leaveTo(before);
+            throw;
+        }
+    }
+    void enterVariable(const xalanc::XalanQName& name) {
+        const auto found = std::find_if(m_globals.rbegin(), m_globals.rend(), [&](const auto* v) {
+            return v->getNameAttribute().equals(name);
+        });
+        if (found != m_globals.rend()) {
+            m_machine.m_trace->enter(**found, getRootDocument());
+        }
+    }
+
     /** Executes a function of the stylesheet. */
     XObjectPtr call(const xalanc::ElemTemplateElement& function, const std::string& name,
                     xalanc::XalanNode* node, const XObjectArgVectorType& arguments,
@@ -416,13 +466,16 @@ private:
     };
 
     Machine& m_machine;
-    const RunSettings& m_settings;
     Collation m_collation{*this};
     /** Of the functions that call one another; null until there is one. */
     std::vector<XObjectPtr> m_functionResults;
     /** Outlives the parameters, which return lists. */
     BorrowedLists m_lists;
     ParamVectorType m_parameters;
+    /** In a run that is traced: those that the host has given no value. */
+    std::vector<const xalanc::ElemVariable*> m_globals;
+    /** The variable that is looked for, until it is known that it has its value. */
+    const xalanc::XalanQName* m_wanted = nullptr;
     StripAnswers m_stripAnswers;
     std::vector<bool> m_framesOfItsOwn;
     /** Of templates that invoke one another. */
@@ -470,12 +523,12 @@ private:
 
 Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettings& settings,
                  DocumentParser& parser)
-    : m_stylesheet(stylesheet), m_liaison(m_trees, m_memory), m_environment(m_memory, parser),
-      m_values(m_environment), m_fragments(m_memory, m_values), m_objects(m_memory),
-      m_construction(m_memory), m_xpaths(m_memory),
+    : m_settings(settings), m_stylesheet(stylesheet), m_liaison(m_trees, m_memory),
+      m_environment(m_memory, parser), m_values(m_environment), m_fragments(m_memory, m_values),
+      m_objects(m_memory), m_construction(m_memory), m_xpaths(m_memory),
       m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
     m_environment.setProcessor(&m_processor);
-    m_context = std::make_unique<Context>(*this, settings);
+    m_context = std::make_unique<Context>(*this);
     installFunctions(settings);
 }
 
@@ -511,6 +564,9 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     m_memory.setOperation(&operation);
     m_problems = &problems;
     m_furtherResults = &furtherResults;
+    if (m_settings.tracer) {
+        m_trace.emplace(*m_settings.tracer, m_stylesheet.instructions(), m_values, operation);
+    }
     m_processor.setProblemListener(&problems);
     m_environment.begin(operation, sources);
     m_environment.add(source);
@@ -526,4 +582,5 @@ void Machine::run(const vexa::DocumentAccess::Ptr& source, xalanc::XSLTResultTar
     m_memory.setOperation(nullptr);
     m_processor.setProblemListener(nullptr);
     m_problems = nullptr;
+    m_trace.reset();
 }

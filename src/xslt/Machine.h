@@ -12,6 +12,7 @@
 #include "xslt/OperationProblems.h"
 #include "xslt/ResultFragments.h"
 #include "xslt/StylesheetData.h"
+#include "xslt/Trace.h"
 #include "xslt/ValueExchange.h"
 
 #include "engine/IcuNumberFormat.h"
@@ -19,6 +20,7 @@
 #include <vexa/xslt/Transformation.h>
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -36,6 +38,7 @@ using ExpandedName = std::pair<std::string, std::string>; // URI, local name
 struct RunSettings {
     std::map<ExpandedName, vexa::Value> parameters;
     std::map<ExpandedName, vexa::Function> functions;
+    vexa::Tracer* tracer = nullptr;
 };
 
 /**
@@ -60,6 +63,7 @@ private:
 
     void installFunctions(const RunSettings& settings);
 
+    const RunSettings& m_settings;
     const vexa::StylesheetAccess::Data& m_stylesheet;
     MemoryPool m_memory;
     TreeSupport m_trees;
@@ -79,4 +83,5 @@ private:
     /** Of the run under way. */
     OperationProblems* m_problems = nullptr;
     FurtherResults* m_furtherResults = nullptr;
+    std::optional<Trace> m_trace;
 };

@@ -8,6 +8,8 @@
 
 #include <xalanc/XSLT/StylesheetExecutionContextDefault.hpp>
 
+class Trace;
+
 /** The context of every run. */
 class RunContext : public xalanc::StylesheetExecutionContextDefault {
 public:
@@ -19,4 +21,6 @@ public:
     virtual void endFurtherResult() = 0;
     /** The result of the function of the stylesheet that is executed. */
     virtual void setFunctionResult(const xalanc::XObjectPtr& result) = 0;
+    /** Null where nobody asks for the steps of the run. */
+    virtual Trace* trace() const = 0;
 };

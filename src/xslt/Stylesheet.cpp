@@ -10,6 +10,7 @@
 #include "xslt/StylesheetData.h"
 #include "xslt/StylesheetFilter.h"
 #include "xslt/Text.h"
+#include "xslt/TracedElement.h"
 #include "xslt/Uri.h"
 
 #include "engine/EngineMemory.h"
@@ -29,7 +30,9 @@
 #include <xalanc/PlatformSupport/XalanLocator.hpp>
 #include <xalanc/XPath/XObjectFactoryDefault.hpp>
 #include <xalanc/XPath/XalanQNameByReference.hpp>
+#include <xalanc/XSLT/ElemParam.hpp>
 #include <xalanc/XSLT/ElemTemplate.hpp>
+#include <xalanc/XSLT/ElemVariable.hpp>
 #include <xalanc/XSLT/ProblemListener.hpp>
 #include <xalanc/XSLT/StylesheetHandler.hpp>
 #include <xalanc/XSLT/XSLTEngineImpl.hpp>
@@ -281,22 +284,78 @@ public:
                                                const xalanc::AttributeListType& attributes,
                                                const xercesc::Locator* locator) override {
         m_module = &stylesheet;
-        if (token == ELEMNAME_NUMBER && !attributes.getValue(u"count") &&
-            !attributes.getValue(u"value")) {
-            return new (m_data.m_memory.allocate(sizeof(NumberElement))) NumberElement(
-                *this, stylesheet, attributes, xalanc::XalanLocator::getLineNumber(locator),
-                xalanc::XalanLocator::getColumnNumber(locator),
-                stylesheet.getStylesheetRoot().getNextElemNumberID());
+        return listed(makeXsltElement(token, stylesheet, attributes, locator));
+    }
+
+    xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
+                                               const XMLCh* name,
+                                               const xalanc::AttributeListType& attributes,
+                                               const xercesc::Locator* locator) override {
+        if (token == ELEMNAME_LITERAL_RESULT) {
+            return listed(new (m_data.m_memory.allocate(sizeof(LiteralElement))) LiteralElement(
+                *this, stylesheet, name, attributes, locator, m_data.m_names.aliases));
         }
-        if (token == ELEMNAME_CALL_TEMPLATE && attributes.getValue(u"name")) {
-            return makeElement<CallTemplateElement>(stylesheet, attributes, locator);
+        return listed(StylesheetConstructionContextDefault::createElement(token, stylesheet, name,
+                                                                          attributes, locator));
+    }
+
+    xalanc::ElemTemplateElement* createElement(xalanc::Stylesheet& stylesheet, const XMLCh* name,
+                                               const xalanc::AttributeListType& attributes,
+                                               xalanc::ExtensionNSHandler& handler,
+                                               const xercesc::Locator* locator) override {
+        const StylesheetFilter::ExpandedName expanded = m_filter->elementName();
+        if (DocumentElement::isNamed(expanded.first, expanded.second)) {
+            return listed(makeElement<DocumentElement>(stylesheet, attributes, locator));
         }
+        if (expanded == StylesheetFilter::ExpandedName(EXSLT_FUNCTIONS, u"result")) {
+            return listed(makeElement<FunctionResultElement>(stylesheet, attributes, locator));
+        }
+        return listed(StylesheetConstructionContextDefault::createElement(
+            stylesheet, name, attributes, handler, locator));
+    }
+
+private:
+    xalanc::ElemTemplateElement* listed(xalanc::ElemTemplateElement* element) {
+        m_data.m_elements.push_back(element);
+        return element;
+    }
+
+    xalanc::ElemTemplateElement* makeXsltElement(int token, xalanc::Stylesheet& stylesheet,
+                                                 const xalanc::AttributeListType& attributes,
+                                                 const xercesc::Locator* locator) {
         const auto hidden = m_filter ? m_filter->hidden() : StylesheetFilter::Hidden::None;
         if (hidden == StylesheetFilter::Hidden::Document) {
             return makeElement<DocumentElement>(stylesheet, attributes, locator);
         }
+        const auto line = xalanc::XalanLocator::getLineNumber(locator);
+        const auto column = xalanc::XalanLocator::getColumnNumber(locator);
         const int realToken =
             hidden == StylesheetFilter::Hidden::Variable ? ELEMNAME_VARIABLE : token;
+        switch (realToken) {
+        case ELEMNAME_NUMBER:
+            if (!attributes.getValue(u"count") && !attributes.getValue(u"value")) {
+                return new (m_data.m_memory.allocate(sizeof(NumberElement)))
+                    NumberElement(*this, stylesheet, attributes, line, column,
+                                  stylesheet.getStylesheetRoot().getNextElemNumberID());
+            }
+            break;
+        case ELEMNAME_CALL_TEMPLATE:
+            if (attributes.getValue(u"name")) {
+                return makeElement<CallTemplateElement>(stylesheet, attributes, locator);
+            }
+            break;
+        case ELEMNAME_TEMPLATE:
+            return makeElement<TracedElement<xalanc::ElemTemplate>>(stylesheet, attributes, line,
+                                                                    column);
+        case ELEMNAME_VARIABLE:
+            return makeElement<TracedElement<xalanc::ElemVariable>>(stylesheet, attributes, line,
+                                                                    column);
+        case ELEMNAME_PARAM:
+            return makeElement<TracedElement<xalanc::ElemParam>>(stylesheet, attributes, line,
+                                                                 column);
+        default:
+            break;
+        }
         xalanc::ElemTemplateElement* const element =
             StylesheetConstructionContextDefault::createElement(realToken, stylesheet, attributes,
                                                                 locator);
@@ -306,41 +365,12 @@ public:
         return element;
     }
 
-    xalanc::ElemTemplateElement* createElement(int token, xalanc::Stylesheet& stylesheet,
-                                               const XMLCh* name,
-                                               const xalanc::AttributeListType& attributes,
-                                               const xercesc::Locator* locator) override {
-        if (token == ELEMNAME_LITERAL_RESULT) {
-            return new (m_data.m_memory.allocate(sizeof(LiteralElement))) LiteralElement(
-                *this, stylesheet, name, attributes, locator, m_data.m_names.aliases);
-        }
-        return StylesheetConstructionContextDefault::createElement(token, stylesheet, name,
-                                                                   attributes, locator);
-    }
-
-    xalanc::ElemTemplateElement* createElement(xalanc::Stylesheet& stylesheet, const XMLCh* name,
-                                               const xalanc::AttributeListType& attributes,
-                                               xalanc::ExtensionNSHandler& handler,
-                                               const xercesc::Locator* locator) override {
-        const StylesheetFilter::ExpandedName expanded = m_filter->elementName();
-        if (DocumentElement::isNamed(expanded.first, expanded.second)) {
-            return makeElement<DocumentElement>(stylesheet, attributes, locator);
-        }
-        if (expanded == StylesheetFilter::ExpandedName(EXSLT_FUNCTIONS, u"result")) {
-            return makeElement<FunctionResultElement>(stylesheet, attributes, locator);
-        }
-        return StylesheetConstructionContextDefault::createElement(stylesheet, name, attributes,
-                                                                   handler, locator);
-    }
-
-private:
     /** It lives as long as the memory of the stylesheet. */
-    template <typename Element>
+    template <typename Element, typename... Place>
     Element* makeElement(xalanc::Stylesheet& stylesheet,
-                         const xalanc::AttributeListType& attributes,
-                         const xercesc::Locator* locator) {
+                         const xalanc::AttributeListType& attributes, Place... place) {
         return new (m_data.m_memory.allocate(sizeof(Element)))
-            Element(*this, stylesheet, attributes, locator);
+            Element(*this, stylesheet, attributes, place...);
     }
 
     void parse(const Sources::Opened& opened, xercesc::DocumentHandler& handler, bool isIncluded) {
@@ -409,6 +439,12 @@ Stylesheet::Data::findFunction(const XalanDOMString& uri, const XalanDOMString& 
     return m_root->findNamedTemplate(xalanc::XalanQNameByReference(uri, templateName));
 }
 
+const InstructionList& Stylesheet::Data::instructions() const {
+    std::call_once(m_isListed,
+                   [this] { m_instructions = std::make_unique<InstructionList>(m_elements); });
+    return *m_instructions;
+}
+
 const Stylesheet::Data& StylesheetAccess::data(const Stylesheet& stylesheet) {
     if (!stylesheet.m_data) {
         throw Error(ErrorKind::Usage, "the stylesheet is empty");
@@ -434,6 +470,10 @@ const std::string& Stylesheet::uri() const {
 
 std::vector<std::string> Stylesheet::modules() const {
     return StylesheetAccess::data(*this).modules();
+}
+
+const std::vector<Instruction>& Stylesheet::instructions() const {
+    return StylesheetAccess::data(*this).instructions().all();
 }
 
 std::string Stylesheet::method() const {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "xslt/EngineUse.h"
+#include "xslt/InstructionList.h"
 #include "xslt/MemoryPool.h"
 #include "xslt/Sources.h"
 #include "xslt/StylesheetNames.h"
@@ -13,6 +14,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -47,6 +49,9 @@ public:
     const xalanc::ElemTemplateElement* findFunction(const xalanc::XalanDOMString& uri,
                                                     const xalanc::XalanDOMString& name) const;
 
+    /** All that can be executed. It is listed at the first call of any thread. */
+    const InstructionList& instructions() const;
+
 private:
     class Construction;
 
@@ -59,6 +64,10 @@ private:
     /** With all of the compiled stylesheet, which is not destroyed piece by piece. */
     MemoryPool m_memory;
     const xalanc::StylesheetRoot* m_root = nullptr;
+    /** As they were read, with some that nothing executes. */
+    std::vector<const xalanc::ElemTemplateElement*> m_elements;
+    mutable std::once_flag m_isListed;
+    mutable std::unique_ptr<const InstructionList> m_instructions;
 };
 
 class StylesheetAccess {

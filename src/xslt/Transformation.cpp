@@ -236,6 +236,16 @@ Transformation& Transformation::onMessage(MessageHandler handler) {
     return *this;
 }
 
+Transformation& Transformation::onTrace(Tracer& tracer) {
+    data().settings().tracer = &tracer;
+    return *this;
+}
+
+Transformation& Transformation::onTrace(std::nullptr_t) {
+    data().settings().tracer = nullptr;
+    return *this;
+}
+
 Transformation& Transformation::onDocument(DocumentHandler handler) {
     data().setHandler(std::move(handler));
     return *this;

@@ -115,6 +115,23 @@ protected:
         return run.toString(source());
     }
 
+    /** With its steps reported. */
+    std::string runTraced() {
+        class Balance : public vexa::Tracer {
+        public:
+            ~Balance() override { EXPECT_EQ(m_steps, 0) << "steps have not ended"; }
+            void enter(const vexa::Step& /*step*/) override { ++m_steps; }
+            void leave(const vexa::Step& /*step*/) noexcept override { --m_steps; }
+
+        private:
+            long m_steps = 0;
+        };
+        Balance balance;
+        Transformation run = makeRun();
+        run.onTrace(balance);
+        return run.toString(source());
+    }
+
     Input source() const { return Input::file(m_case.source); }
     Transformation makeRun() const {
         return Transformation(Stylesheet::compile(Input::file(m_case.stylesheet), m_options),
@@ -173,7 +190,8 @@ TEST_P(CorpusTest, GivesWhatTheFileTransformGives) {
     for (const auto& operation :
          {&CorpusTest_GivesWhatTheFileTransformGives_Test::toFile,
           &CorpusTest_GivesWhatTheFileTransformGives_Test::runTwice,
-          &CorpusTest_GivesWhatTheFileTransformGives_Test::runAfterToDocument}) {
+          &CorpusTest_GivesWhatTheFileTransformGives_Test::runAfterToDocument,
+          &CorpusTest_GivesWhatTheFileTransformGives_Test::runTraced}) {
         std::string error;
         const std::string result = outcome([&] { return (this->*operation)(); }, error);
         if (difference == DIFFERENCES.end()) {

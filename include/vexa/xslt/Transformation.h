@@ -10,6 +10,7 @@
 #include <vexa/xslt/Options.h>
 #include <vexa/xslt/Output.h>
 #include <vexa/xslt/Stylesheet.h>
+#include <vexa/xslt/Tracer.h>
 #include <vexa/xslt/Value.h>
 
 #include <cstddef>
@@ -107,6 +108,14 @@ public:
      * fails, when complete results are put in their places, some of them may be there.
      */
     Transformation& onDocument(DocumentHandler handler);
+    /**
+     * Reports each step of later runs, in place of an earlier tracer.
+     *
+     * @param tracer must live as long as runs use it
+     */
+    Transformation& onTrace(Tracer& tracer);
+    /** Reports no steps any more. */
+    Transformation& onTrace(std::nullptr_t);
 
     /** Transforms a document and writes the result. @throws Error */
     void to(const Document& source, const Output& output);
