@@ -50,7 +50,6 @@ public:
     void reset() override {
         // The base class resets the factory that made the values of the parameters.
         m_parameters.clear();
-        m_globals.clear();
         RunContext::reset();
         m_madeUpPrefixes = 0;
         m_depth = 0;
@@ -73,9 +72,6 @@ public:
     }
     void pushContextMarker() override {
         operation().poll();
-        if (m_wanted) {
-            enterVariable(*std::exchange(m_wanted, nullptr));
-        }
         RunContext::pushContextMarker();
     }
 
@@ -170,7 +166,7 @@ public:
         m_machine.m_furtherResults->end();
     }
 
-    Trace* trace() const override { return m_machine.m_trace ? &*m_machine.m_trace : nullptr; }
+    Trace* trace() const override { return nullptr; }
     void setFunctionResult(const XObjectPtr& result) override {
         if (!m_functionResults.empty()) {
             m_functionResults.back() = result;
@@ -300,20 +296,8 @@ public:
         prefix = toEngineText("ns" + std::to_string(m_madeUpPrefixes++), m_machine.m_memory);
     }
 
-    using RunContext::pushVariable;
-    void pushVariable(const xalanc::XalanQName& name, const xalanc::ElemVariable* variable,
-                      const xalanc::ElemTemplateElement* element) override {
-        if (m_machine.m_trace) {
-            m_globals.push_back(variable);
-        }
-        RunContext::pushVariable(name, variable, element);
-    }
     const XObjectPtr getVariable(const xalanc::XalanQName& name,
                                  const xalanc::Locator* locator) override {
-        return m_machine.m_trace ? traceVariable(name, locator) : findVariable(name, locator);
-    }
-
-    XObjectPtr findVariable(const xalanc::XalanQName& name, const xalanc::Locator* locator) {
         // The engine goes on with a warning.
         m_machine.m_problems->setMuted(true);
         const XObjectPtr value = RunContext::getVariable(name, locator);
@@ -333,6 +317,9 @@ public:
                       : dynamic_cast<const xalanc::ElemTemplateElement*>(getPrefixResolver());
         return toLocation(element ? element->getLocator() : nullptr);
     }
+
+protected:
+    Machine& m_machine;
 
 private:
     using Construction = xalanc::StylesheetConstructionContext;
@@ -377,34 +364,6 @@ private:
         other.append(attribute.getLocalName());
         addResultAttribute(other, attribute.getNodeValue());
         return true;
-    }
-
-    /**
-     * A global variable gets its value when it is first used: the engine pushes a context marker
-     * then, and none for a variable that has one.
-     */
-    XObjectPtr traceVariable(const xalanc::XalanQName& name, const xalanc::Locator* locator) {
-        Trace& trace = *m_machine.m_trace;
-        const std::size_t before = trace.steps();
-        m_wanted = &name;
-        try {
-            XObjectPtr value = findVariable(name, locator);
-            m_wanted = nullptr;
-            trace.leaveTo(before);
-            return value;
-        } catch (...) {
-            m_wanted = nullptr;
-            trace.leaveTo(before);
-            throw;
-        }
-    }
-    void enterVariable(const xalanc::XalanQName& name) {
-        const auto found = std::find_if(m_globals.rbegin(), m_globals.rend(), [&](const auto* v) {
-            return v->getNameAttribute().equals(name);
-        });
-        if (found != m_globals.rend()) {
-            m_machine.m_trace->enter(**found, getRootDocument());
-        }
     }
 
     /** Executes a function of the stylesheet. */
@@ -465,17 +424,12 @@ private:
         const Context& m_context;
     };
 
-    Machine& m_machine;
     Collation m_collation{*this};
     /** Of the functions that call one another; null until there is one. */
     std::vector<XObjectPtr> m_functionResults;
     /** Outlives the parameters, which return lists. */
     BorrowedLists m_lists;
     ParamVectorType m_parameters;
-    /** In a run that is traced: those that the host has given no value. */
-    std::vector<const xalanc::ElemVariable*> m_globals;
-    /** The variable that is looked for, until it is known that it has its value. */
-    const xalanc::XalanQName* m_wanted = nullptr;
     StripAnswers m_stripAnswers;
     std::vector<bool> m_framesOfItsOwn;
     /** Of templates that invoke one another. */
@@ -483,6 +437,68 @@ private:
     /** The instruction that is about to invoke a template. */
     const xalanc::ElemTemplateElement* m_invoker = nullptr;
     mutable unsigned m_madeUpPrefixes = 0;
+};
+
+/** Executes with a tracer. */
+class Machine::TracedContext : public Context {
+public:
+    using Context::Context;
+
+    void reset() override {
+        m_variables.clear();
+        Context::reset();
+    }
+
+    Trace* trace() const override { return &*m_machine.m_trace; }
+
+    using Context::pushVariable;
+    void pushVariable(const xalanc::XalanQName& name, const xalanc::ElemVariable* variable,
+                      const xalanc::ElemTemplateElement* element) override {
+        m_variables.push_back(variable);
+        Context::pushVariable(name, variable, element);
+    }
+
+    /**
+     * A global variable gets its value when it is first used: the engine pushes a context marker
+     * then, and none for a variable that has one.
+     */
+    const XObjectPtr getVariable(const xalanc::XalanQName& name,
+                                 const xalanc::Locator* locator) override {
+        const std::size_t before = trace()->steps();
+        m_wanted = &name;
+        try {
+            XObjectPtr value = Context::getVariable(name, locator);
+            m_wanted = nullptr;
+            trace()->leaveTo(before);
+            return value;
+        } catch (...) {
+            m_wanted = nullptr;
+            trace()->leaveTo(before);
+            throw;
+        }
+    }
+    void pushContextMarker() override {
+        if (m_wanted) {
+            enterVariable(*std::exchange(m_wanted, nullptr));
+        }
+        Context::pushContextMarker();
+    }
+
+private:
+    void enterVariable(const xalanc::XalanQName& name) {
+        const auto found =
+            std::find_if(m_variables.rbegin(), m_variables.rend(), [&](const auto* variable) {
+                return variable->getNameAttribute().equals(name);
+            });
+        if (found != m_variables.rend()) {
+            trace()->enter(**found, getRootDocument());
+        }
+    }
+
+    /** The global ones that the host has given no value. */
+    std::vector<const xalanc::ElemVariable*> m_variables;
+    /** What is looked for, until it is known that it has its value. */
+    const xalanc::XalanQName* m_wanted = nullptr;
 };
 
 /** Calls a function of the host. The engine keeps a copy of it. */
@@ -528,7 +544,8 @@ Machine::Machine(const vexa::StylesheetAccess::Data& stylesheet, const RunSettin
       m_objects(m_memory), m_construction(m_memory), m_xpaths(m_memory),
       m_processor(m_memory, m_liaison, m_environment, m_trees, m_objects, m_xpaths) {
     m_environment.setProcessor(&m_processor);
-    m_context = std::make_unique<Context>(*this);
+    m_context =
+        settings.tracer ? std::make_unique<TracedContext>(*this) : std::make_unique<Context>(*this);
     installFunctions(settings);
 }
 

@@ -59,6 +59,7 @@ public:
 
 private:
     class Context;
+    class TracedContext;
     class HostFunction;
 
     void installFunctions(const RunSettings& settings);

@@ -85,6 +85,10 @@ public:
         settings().functions.insert_or_assign(std::move(name), std::move(function));
         m_machine.reset();
     }
+    void setTracer(Tracer* tracer) {
+        settings().tracer = tracer;
+        m_machine.reset();
+    }
     void setHandler(MessageHandler handler) {
         refuseCallFromCallback();
         m_options.onMessage = std::move(handler);
@@ -237,12 +241,12 @@ Transformation& Transformation::onMessage(MessageHandler handler) {
 }
 
 Transformation& Transformation::onTrace(Tracer& tracer) {
-    data().settings().tracer = &tracer;
+    data().setTracer(&tracer);
     return *this;
 }
 
 Transformation& Transformation::onTrace(std::nullptr_t) {
-    data().settings().tracer = nullptr;
+    data().setTracer(nullptr);
     return *this;
 }
 

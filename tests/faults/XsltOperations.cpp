@@ -620,6 +620,32 @@ private:
     std::string m_message;
 };
 
+class TracedRun : public RunTrial {
+public:
+    TracedRun()
+        : RunTrial("<b/><xsl:if test='//stop'><c/></xsl:if><xsl:for-each select='//i'><d/>"
+                   "</xsl:for-each>") {
+        m_run.onTrace(m_steps);
+    }
+    void operate() override {
+        m_steps.ended = 0;
+        m_run.toString(m_document);
+    }
+    // The rule, b, xsl:if, xsl:for-each and two times d.
+    bool succeeded() override { return m_steps.open == 0 && m_steps.ended == 6; }
+
+private:
+    struct Counter : vexa::Tracer {
+        void enter(const vexa::Step& /*step*/) override { ++open; }
+        void leave(const vexa::Step& /*step*/) noexcept override {
+            --open;
+            ++ended;
+        }
+        int open = 0;
+        int ended = 0;
+    } m_steps;
+};
+
 /** Fails over a source with a "stop", and gives its result over others. */
 class FailingRun : public FailingTrial {
 public:
@@ -701,6 +727,7 @@ std::vector<Operation> xsltOperations() {
          prepared<RunEndedByAMessage>},
         {"Transformation::toString, ended by a function", Engine::Started,
          prepared<RunEndedByAFunction>},
+        {"Transformation::toString with a tracer", Engine::Started, prepared<TracedRun>},
         {"Transformation::toDocument", Engine::Started, prepared<RunToADocument>},
         {"Transformation::toDocument with a function", Engine::Started,
          prepared<CallOfAHostFunction>},

@@ -155,6 +155,15 @@ std::vector<Success> allSuccesses() {
              kept->run.parameter("p", parsed("<p/>")).parameter("q", "text").removeParameter("q");
              kept->run.toString(kept->document);
          }},
+        {"WithATracer",
+         [] {
+             class : public vexa::Tracer {
+                 void enter(const vexa::Step& step) override { step.node(); }
+                 void leave(const vexa::Step& /*step*/) noexcept override {}
+             } tracer;
+             kept->run.onTrace(tracer).toString(kept->document);
+             kept->run.onTrace(nullptr);
+         }},
         {"SeveralRoots",
          [] {
              static Transformation run(compiledRootTemplate("<b/>text<c/>"));
