@@ -35,8 +35,18 @@ public:
         m_parser = parser;
         m_handler.setDocumentLocator(this);
     }
-    void startDocument() override { m_handler.startDocument(); }
-    void endDocument() override { m_handler.endDocument(); }
+    // These two are of both interfaces: each comes twice, and the handler forgets where the
+    // including module is when it has had two ends.
+    void startDocument() override {
+        if (!std::exchange(m_hasBegun, true)) {
+            m_handler.startDocument();
+        }
+    }
+    void endDocument() override {
+        if (!std::exchange(m_hasEnded, true)) {
+            m_handler.endDocument();
+        }
+    }
     void startElement(const XMLCh* const name, xercesc::AttributeList& attributes) override {
         m_operation.checkDepth(++m_depth);
         refuseDeepNesting();
@@ -116,6 +126,8 @@ private:
     std::size_t m_depth = 0;
     /** So many elements may be open at once. */
     std::size_t m_possibleDepth = 0;
+    bool m_hasBegun = false;
+    bool m_hasEnded = false;
     const xercesc::Locator* m_parser = nullptr;
     XMLFileLoc m_line = 1;
     XMLFileLoc m_column = 1;

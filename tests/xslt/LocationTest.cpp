@@ -180,6 +180,30 @@ TEST_P(LocationTest, OfAnErrorInAModule) {
     }
 }
 
+/** And in the module that includes or imports another one, behind it. */
+TEST_P(LocationTest, OfAnErrorInAnIncludingModule) {
+    for (const std::string element : {"include", "import"}) {
+        for (const char* instruction :
+             {"xsl:nonsense", "xsl:value-of select='$none'", "xsl:message terminate='yes'"}) {
+            auto [text, place] = sheetWith(instruction);
+            const std::string reference = "<xsl:" + element + " href='module.xsl'/>";
+            text.insert(BEGIN.size(), reference);
+            if (place.rfind("1:", 0) == 0) {
+                place = "1:" + std::to_string(std::stoul(place.substr(2)) + reference.size());
+            }
+            Options options;
+            options.resolver = [](const std::string&, const std::string&) {
+                return Input::text(BEGIN + END);
+            };
+            const auto error = failureOf([&] {
+                Transformation(Stylesheet::compile(Input::text(text, "mem:/main.xsl"), options))
+                    .toString(Input::text("<a/>"));
+            });
+            EXPECT_EQ(asText(error.where()), "mem:/main.xsl:" + place) << error.what();
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(, LocationTest, ::testing::ValuesIn(PLACES),
                          [](const auto& test) { return test.param.name; });
 
