@@ -472,7 +472,11 @@ std::vector<std::string> Stylesheet::modules() const {
     return StylesheetAccess::data(*this).modules();
 }
 
-const std::vector<Instruction>& Stylesheet::instructions() const {
+const std::vector<Instruction>& Stylesheet::instructions() const& {
+    return StylesheetAccess::data(*this).instructions().all();
+}
+
+std::vector<Instruction> Stylesheet::instructions() && {
     return StylesheetAccess::data(*this).instructions().all();
 }
 

@@ -68,7 +68,9 @@ public:
      * xsl:text. It is listed at the first call, and lives as long as the last copy of the
      * stylesheet. Compiled from the same modules, a stylesheet has the same list.
      */
-    const std::vector<Instruction>& instructions() const;
+    const std::vector<Instruction>& instructions() const&;
+    /** Of a temporary: a copy, so that a loop over it is safe. */
+    std::vector<Instruction> instructions() &&;
 
 private:
     friend class StylesheetAccess;
