@@ -16,7 +16,7 @@ from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.support.ui import Select
+from selenium.webdriver.support.ui import Select, WebDriverWait
 
 DATA = re.compile(r'<script type="application/json" id="data">(.*?)</script>', re.DOTALL)
 UNITS = {"time": ("own", "transform"), "instructions": ("ownSteps", "instructions")}
@@ -130,6 +130,8 @@ class Page:
         self.command("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": scheme}])
         self.browser.get("about:blank")
         self.browser.get(self.address + fragment)
+        # The source comes last; without JavaScript there is none.
+        WebDriverWait(self.browser, 20).until(lambda _: self.all("#lines .line, noscript *"))
 
     def command(self, name, **arguments):
         self.browser.execute_cdp_cmd(name, arguments)
@@ -461,7 +463,12 @@ def places_jump_to_the_source(page):
         expect_equal(line.get_attribute("id"), f"L-{index}-{routine['line']}", "line after a jump")
         expect(page.is_in_sight(line), f"{link.text} is out of sight")
     page.open(fragment=f"#L-{index}-{routine['line']}")
-    expect(page.is_in_sight(page.one(f"#L-{index}-{routine['line']}")), "a line of the address is shown at once")
+    expect(page.is_in_sight(page.one(f"#L-{index}-{routine['line']}:target")), "a line of the address is shown at once")
+    if len(last_of_module) > 1:
+        other, routine = next(iter(last_of_module.items()))
+        page.run("location.hash = arguments[0]", f"#L-{other}-{routine['line']}")
+        WebDriverWait(page.browser, 5).until(lambda _: page.all(f"#L-{other}-{routine['line']}:target"))
+        expect(page.is_in_sight(page.one(f"#L-{other}-{routine['line']}:target")), "a changed address shows its line")
 
 
 def all_controls_are_reached_by_tab(page):

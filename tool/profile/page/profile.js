@@ -464,11 +464,19 @@ function measureLines() {
     }
 }
 
-/** Shows the module of an address such as #L-0-12: the browser then finds the line. */
+/** Shows the module of an address such as #L-0-12, for the browser to find the line. */
 function openLine(address) {
     const [, module] = /^#L-(\d+)-\d+$/.exec(address) ?? [];
     if (module in data.modules) {
         showModule(Number(module));
+    }
+}
+
+/** For an address that the browser looked for before its module was shown: lets it look again. */
+function openAddress() {
+    openLine(location.hash);
+    if (location.hash !== "") {
+        location.replace(location.hash);
     }
 }
 
@@ -477,11 +485,8 @@ function makeSource() {
         element("option", {value: module}, name + coverageOf(module).share)));
     page("module").addEventListener("change", event => showModule(Number(event.target.value)));
     document.addEventListener("click", event => openLine(event.target.closest("a")?.hash ?? ""));
-    addEventListener("hashchange", () => {
-        openLine(location.hash);
-        document.getElementById(location.hash.slice(1))?.scrollIntoView();
-    });
-    openLine(location.hash);
+    addEventListener("hashchange", openAddress);
+    openAddress();
     if (shown < 0 && data.modules.length > 0) {
         showModule(0);
     }
@@ -506,4 +511,5 @@ page("unit").addEventListener("change", event => {
     measure();
 });
 measure();
-makeSource();
+// A large module takes a while: the table and the graph are painted before.
+requestAnimationFrame(() => setTimeout(makeSource));
