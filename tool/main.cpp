@@ -4,6 +4,7 @@
 #include "cli/VersionText.h"
 #include "commands/BatchCommand.h"
 #include "commands/ChainCommand.h"
+#include "commands/ProfileCommand.h"
 #include "commands/RecordsCommand.h"
 #include "commands/TransformCommand.h"
 #include "commands/WorkerCommand.h"
@@ -92,7 +93,8 @@ int printHelp(const CLI::App& app, const CLI::ParseError& request) {
 /** Only what is asked for gets its options: to define those of all takes time. */
 void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run) {
     const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND,   &XPATH_COMMAND,
-                                       &BATCH_COMMAND,     &RECORDS_COMMAND, &WORKER_COMMAND};
+                                       &BATCH_COMMAND,     &RECORDS_COMMAND, &WORKER_COMMAND,
+                                       &PROFILE_COMMAND};
     const auto isNamed = [&](const Command* command) {
         return std::find(argv, argv + argc, std::string_view(command->name)) != argv + argc;
     };

@@ -154,6 +154,9 @@ Session::Session(const RunOptions& options, const NamedFiles& files, Emit emit)
     if (files.output != STANDARD_STREAM) {
         m_names.add(InputArgument(files.output));
     }
+    for (const std::string& report : files.reports) {
+        m_names.add(InputArgument(report));
+    }
     const fs::path documents =
         options.documents.empty() ? files.outputFolder() : fs::path(options.documents);
     if (!documents.empty()) {
@@ -297,6 +300,7 @@ void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {
     if (files.output != STANDARD_STREAM) {
         places.outputs.push_back(files.output);
     }
+    places.outputs.insert(places.outputs.end(), files.reports.begin(), files.reports.end());
     if (!options.documents.empty()) {
         places.outputs.emplace_back(options.documents);
     }

@@ -23,6 +23,8 @@ struct NamedFiles {
     std::vector<InputArgument> inputs;
     /** Where results go: a file or a folder; "-" for standard output. */
     std::string output = STANDARD_STREAM;
+    /** Files that are written beside it. */
+    std::vector<std::string> reports;
 
     /** The folders of the inputs, each once. */
     std::vector<std::filesystem::path> folders() const;
