@@ -46,6 +46,9 @@ constexpr const char* MORE_HELP =
   # Answer the requests of another program, a line of JSON each
   generate-requests | vexa-xslt worker report.xsl
 
+  # See where a transform spends its time
+  vexa-xslt profile report.xsl orders.xml --html profile.html
+
   # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
 

@@ -63,6 +63,26 @@ if(NOT status EQUAL 0 OR NOT "${errors}" STREQUAL "")
   message(FATAL_ERROR "The manual could not be rendered without a complaint (${status}):\n${errors}")
 endif()
 
+# Two profiles, to which the chapter about them refers.
+function(write_profile name stylesheet source)
+  cmake_path(GET source PARENT_PATH folder)
+  execute_process(
+    COMMAND "${VEXA_XSLT}" profile "${stylesheet}" "${source}" --html "${OUTPUT}/profile-${name}.html"
+    WORKING_DIRECTORY "${folder}"
+    RESULT_VARIABLE status
+    ERROR_VARIABLE errors)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${name} could not be profiled (${status}):\n${errors}")
+  endif()
+endfunction()
+
+if(MANUAL STREQUAL CMAKE_CURRENT_LIST_DIR)
+  write_profile(report report.xsl "${PROJECT_FOLDER}/samples/orders.xml")
+  execute_process(COMMAND "${VEXA_XSLT}" transform "${CMAKE_CURRENT_LIST_DIR}/show-examples.xsl" "${MANUAL}/manual.xml"
+                          -p "examples=${examples_uri}" -o "${work}/manual.xml" COMMAND_ERROR_IS_FATAL ANY)
+  write_profile(manual html.xsl "${work}/manual.xml")
+endif()
+
 file(COPY "${CMAKE_CURRENT_LIST_DIR}/manual.css" DESTINATION "${OUTPUT}")
 file(GLOB pictures "${MANUAL}/*.svg")
 file(COPY ${pictures} DESTINATION "${OUTPUT}")

@@ -133,6 +133,10 @@ TEST_F(HelpTest, ShowsExamplesThatRun) {
                                    example);
         EXPECT_EQ(outcome.status, 0) << example;
         const bool isBatch = example.find("vexa-xslt batch") != std::string::npos;
+        if (example.find("vexa-xslt profile") != std::string::npos) {
+            EXPECT_EQ(outcome.error.rfind("    calls ", 0), 0U) << example << outcome.error;
+            continue;
+        }
         EXPECT_TRUE(std::regex_match(
             outcome.error,
             std::regex(isBatch ? "vexa-xslt: ([0-9]+) of \\1 sources done\n|vexa-xslt: 0 of "

@@ -80,11 +80,11 @@ TEST_F(SuggestionTest, AsksNothingOfAFolderThatOthersMayNotRead) {
 
 TEST_F(SuggestionTest, SaysWhatElseIsWrongWithACommandLine) {
     expectFailure(tool(""), 2,
-                  "a command is missing: transform, chain, xpath, batch, records or worker (",
+                  "a command is missing: transform, chain, xpath, batch, records, worker or profile (",
                   "see 'vexa-xslt --help'");
     expectFailure(tool("help"), 2,
                   "unknown command 'help'; the commands are transform, chain, xpath, batch, "
-                  "records and worker (",
+                  "records, worker and profile (",
                   "see 'vexa-xslt --help'");
     expectFailure(tool("help chain"), 2, "unknown command 'help'", "see 'vexa-xslt chain --help'");
     expectFailure(tool("--quiet transform ok.xsl ok.xml"), 2,

@@ -2,12 +2,10 @@
 
 #include "base/Errors.h"
 #include "commands/Session.h"
-#include "files/OutputPlace.h"
+#include "files/ReportFile.h"
 #include "files/StandardOutput.h"
 #include "profile/Coverage.h"
 #include "profile/Profile.h"
-
-#include "xslt/AtomicFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -74,16 +72,6 @@ std::uint64_t nanosecondsSince(Clock::time_point begin) {
         std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - begin).count());
 }
 
-void writeFile(const std::string& name, const std::string& text) {
-    if (!name.empty()) {
-        AtomicFile file(writablePath(name), [](std::string cause, const vexa::Location& where) {
-            throw vexa::Error(vexa::ErrorKind::Output, std::move(cause), where);
-        });
-        file.write(text.data(), text.size());
-        file.commit();
-    }
-}
-
 std::string lcovOf(const Profiler& profiler) {
     std::vector<std::uint64_t> calls;
     for (const Profiler::Entry& entry : profiler.entries()) {
@@ -97,16 +85,16 @@ std::string lcovOf(const Profiler& profiler) {
 void write(const ProfileOptions& options, const Profile& profile) {
     std::cerr << profileTable(profile);
     if (!options.html.empty()) {
-        writeFile(options.html, profilePage(profile));
+        writeReport(options.html, profilePage(profile));
     }
     if (!options.callgrind.empty()) {
-        writeFile(options.callgrind, callgrindFile(profile));
+        writeReport(options.callgrind, callgrindFile(profile));
     }
     if (!options.folded.empty()) {
-        writeFile(options.folded, foldedStacks(profile));
+        writeReport(options.folded, foldedStacks(profile));
     }
     if (!options.coverage.empty()) {
-        writeFile(options.coverage, lcovOf(profile.data));
+        writeReport(options.coverage, lcovOf(profile.data));
     }
 }
 

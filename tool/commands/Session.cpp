@@ -6,6 +6,7 @@
 #include "files/CatalogAccess.h"
 #include "files/ErrorText.h"
 #include "files/OutputPlace.h"
+#include "files/ReportFile.h"
 #include "process/FileLimit.h"
 #include "process/IsolatedRun.h"
 #include "process/Sandbox.h"
@@ -110,6 +111,12 @@ int runGuarded(const RunOptions& options, const NamedFiles& files, const InputAr
         std::cerr << session.timing().report();
     }
     return EXIT_DONE;
+}
+
+/** Where an output goes; the same for all of its names. */
+fs::path placeOf(const std::string& output) {
+    std::error_code ignored;
+    return fs::weakly_canonical(fs::absolute(outputPlace(reportPath(output)), ignored), ignored);
 }
 
 /** In a sandbox. */
@@ -300,7 +307,9 @@ void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {
     if (files.output != STANDARD_STREAM) {
         places.outputs.push_back(files.output);
     }
-    places.outputs.insert(places.outputs.end(), files.reports.begin(), files.reports.end());
+    for (const std::string& report : files.reports) {
+        places.outputs.emplace_back(reportPath(report));
+    }
     if (!options.documents.empty()) {
         places.outputs.emplace_back(options.documents);
     }
@@ -310,6 +319,12 @@ void enterSandboxIfWanted(const RunOptions& options, const NamedFiles& files) {
 void checkFiles(const NamedFiles& files) {
     if (files.output.empty()) {
         throw UsageError("-o", "empty file name");
+    }
+    std::set<fs::path> places{placeOf(files.output)};
+    for (const std::string& report : files.reports) {
+        if (!places.insert(placeOf(report)).second) {
+            throw UsageError(report, "it is the place of another output");
+        }
     }
     const auto count =
         std::count_if(files.inputs.begin(), files.inputs.end(),

@@ -1,7 +1,5 @@
 #include "profile/Profile.h"
 
-#include "xslt/Uri.h"
-
 #include <algorithm>
 #include <map>
 
@@ -32,8 +30,7 @@ public:
         if (where.line == 0) {
             return "built-in";
         }
-        const auto path = pathOfFileUri(where.uri);
-        return nameIn(path ? path->string() : where.uri);
+        return nameIn(m_profile.fileOf(where.uri));
     }
     std::string routine(std::size_t index) const {
         const std::string name = m_profile.nameOf(index);
@@ -62,12 +59,9 @@ std::string callgrindFile(const Profile& profile) {
     for (const Profiler::Edge& edge : data.edges()) {
         calls[edge.caller].push_back(&edge);
     }
-    std::string text = "# callgrind format\nversion: 1\ncreator: vexa-xslt\npositions: "
-                       "line\nevents: Instructions Nanoseconds\n"
-                       "event: Instructions : XSLT instructions executed\n"
-                       "event: Nanoseconds : time\n"
-                       "cmd: " +
-                       nameIn(profile.title) + "\n\n";
+    std::string text =
+        "# callgrind format\nversion: 1\ncreator: vexa-xslt\ncmd: " + nameIn(profile.title) +
+        "\npositions: line\nevents: Instructions Nanoseconds\n\n";
     for (const auto& [routine, instructions] : parts) {
         text += "fl=" + names.fileOf(routine) + "\nfn=" + names.routine(routine) + "\n";
         for (const std::size_t instruction : instructions) {

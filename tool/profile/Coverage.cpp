@@ -1,5 +1,7 @@
 #include "profile/Coverage.h"
 
+#include "files/InputArgument.h"
+
 #include "xslt/Uri.h"
 
 #include <algorithm>
@@ -38,9 +40,12 @@ std::string record(const std::string& uri, const Coverage::Module& module) {
         lines += "DA:" + std::to_string(number) + "," + std::to_string(count) + "\n";
         executed += count > 0 ? 1 : 0;
     }
-    return "SF:" + (path ? path->string() : uri) + "\n" + functions + calls +
-           line("FNF", module.routines.size()) + line("FNH", called) + lines +
-           line("LF", module.lines.size()) + line("LH", executed) + "end_of_record\n";
+    return "SF:" +
+           (path          ? path->string()
+            : uri.empty() ? STANDARD_STREAM
+                          : uri) +
+           "\n" + functions + calls + line("FNF", module.routines.size()) + line("FNH", called) +
+           lines + line("LF", module.lines.size()) + line("LH", executed) + "end_of_record\n";
 }
 
 } // namespace

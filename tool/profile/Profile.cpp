@@ -24,7 +24,11 @@ std::string Profile::nameOf(std::size_t routine) const {
     return isSet ? "attribute set " + instruction.title : instruction.title;
 }
 
+std::string Profile::fileOf(const std::string& module) const {
+    return module.empty() ? STANDARD_STREAM : names.nameOf(module);
+}
+
 std::string Profile::placeOf(std::size_t routine) const {
     const vexa::Location& where = data.instructions()[routine].where;
-    return where.line == 0 ? "" : names.nameOf(where.uri) + ":" + std::to_string(where.line);
+    return where.line == 0 ? "" : fileOf(where.uri) + ":" + std::to_string(where.line);
 }

@@ -30,6 +30,7 @@ struct Profile {
     std::vector<std::size_t> routines() const;
     /** "match="item" mode="toc"", or "built-in rule for *" */
     std::string nameOf(std::size_t routine) const;
+    std::string fileOf(const std::string& module) const;
     /** "report.xsl:12"; empty for a built-in rule. */
     std::string placeOf(std::size_t routine) const;
 };

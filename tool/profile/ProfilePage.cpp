@@ -90,7 +90,7 @@ private:
 
     void addModules() {
         array("modules", m_profile.modules, [&](const std::string& uri) {
-            m_json.member("name", m_profile.names.nameOf(uri));
+            m_json.member("name", m_profile.fileOf(uri));
             m_json.member("text", readText(uri));
         });
     }

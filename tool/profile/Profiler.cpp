@@ -44,7 +44,6 @@ void Profiler::enter(const vexa::Step& step) {
         ++m_openCalls[index];
         if (edge != NONE) {
             ++m_edges[edge].calls;
-            ++m_openEdges[edge];
         }
     } else {
         const Open caller = m_open.back();
@@ -65,9 +64,9 @@ void Profiler::leave(const vexa::Step& /*step*/) noexcept {
     const Cost cost = m_now - open.begin;
     if (--m_openCalls[open.routine] == 0) {
         m_entries[open.routine].total += cost;
-    }
-    if (open.edge != NONE && --m_openEdges[open.edge] == 0) {
-        m_edges[open.edge].total += cost;
+        if (open.edge != NONE) {
+            m_edges[open.edge].total += cost;
+        }
     }
 }
 
@@ -120,7 +119,6 @@ std::size_t Profiler::edgeTo(std::size_t routine) {
     const auto [found, isNew] = m_edgeByCall.try_emplace(keyOf(caller, routine), m_edges.size());
     if (isNew) {
         m_edges.push_back({caller, routine, 0, {}});
-        m_openEdges.push_back(0);
     }
     return found->second;
 }

@@ -45,7 +45,8 @@ public:
         /** The instruction of the routine that it is a part of. */
         std::size_t routine = NONE;
     };
-    /** The calls from an instruction to a routine. */
+    /** The calls from an instruction to a routine. Those inside of the same routine cost nothing.
+     */
     struct Edge {
         std::size_t caller;
         std::size_t routine;
@@ -100,9 +101,8 @@ private:
     std::vector<Entry> m_entries;
     /** By the index of the routine. */
     std::vector<Cost> m_owns;
-    /** How many calls of a routine, or along an edge, have not ended. */
+    /** How many calls of a routine have not ended. */
     std::vector<std::uint32_t> m_openCalls;
-    std::vector<std::uint32_t> m_openEdges;
     std::vector<Edge> m_edges;
     std::vector<Node> m_tree;
     /** The depth of each node, and the nodes and edges by what they lead from and to. */
