@@ -66,6 +66,7 @@ endif()
 # Two profiles, to which the chapter about them refers.
 function(write_profile name stylesheet source)
   cmake_path(GET source PARENT_PATH folder)
+  cmake_path(GET source FILENAME source)
   execute_process(
     COMMAND "${VEXA_XSLT}" profile "${stylesheet}" "${source}" --html "${OUTPUT}/profile-${name}.html"
     WORKING_DIRECTORY "${folder}"

@@ -108,7 +108,8 @@ class Profile:
     def place(self, routine):
         if routine["module"] < 0:
             return ""
-        return self.modules[routine["module"]]["name"] + (f":{routine['line']}" if routine["line"] else "")
+        name = self.modules[routine["module"]]["name"]
+        return name.rpartition("/")[2] + (f":{routine['line']}" if routine["line"] else "")
 
 
 class Page:

@@ -79,17 +79,20 @@ function showHeader() {
 
 // ---- Routines
 
-const placeOf = ({module, line}) => module < 0 ? "" : data.modules[module].name + (line > 0 ? `:${line}` : "");
+/** Without its folder: long names would leave no room for others. */
+const fileOf = module => data.modules[module].name.replace(/^.*\//, "");
+const placeOf = ({module, line}) => module < 0 ? "" : fileOf(module) + (line > 0 ? `:${line}` : "");
 
 /** A link to the line in the annotated source, where there is one. */
 function placeLink(routine) {
     const text = placeOf(routine);
     return routine.module >= 0 && routine.line > 0 ?
-        element("a", {href: `#L-${routine.module}-${routine.line}`}, text) : text;
+        element("a", {href: `#L-${routine.module}-${routine.line}`, title: data.modules[routine.module].name}, text) :
+        text;
 }
 
 // Lines of one module are sorted as numbers.
-const placeKey = ({module, line}) => module < 0 ? "" : `${data.modules[module].name}:${String(line).padStart(9, "0")}`;
+const placeKey = ({module, line}) => module < 0 ? "" : `${fileOf(module)}:${String(line).padStart(9, "0")}`;
 
 const COLUMNS = [
     {id: "name", label: "Name", text: true, value: routine => routine.name},
