@@ -34,6 +34,8 @@ public:
     /** @param wanted false to draw nothing anywhere */
     explicit ProgressBar(bool wanted);
 
+    /** Whether it may ever be drawn. */
+    bool isShown() const { return m_bShown; }
     /** Draws it anew, unless that was done a moment ago. */
     void draw(const Tally& tally);
 

@@ -18,6 +18,8 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <stdexcept>
+#include <string>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -107,7 +109,7 @@ void doJobs(const std::vector<BatchJob>& jobs, Session& session, vexa::Transform
             const WorkerChannel& channel) {
     using Clock = std::chrono::steady_clock;
     while (const auto number = channel.nextJob()) {
-        const BatchJob& job = jobs[*number];
+        const BatchJob& job = jobs[std::stoul(*number)];
         const Clock::time_point begin = Clock::now();
         const auto milliseconds = [begin] {
             return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
@@ -161,9 +163,12 @@ int work(const BatchOptions& options, const std::vector<BatchJob>& jobs,
 Tally runJobs(const BatchOptions& options, const std::vector<BatchJob>& jobs, BatchReport& report) {
     const BlockedSignals signals;
     Scheduler scheduler(options, jobs, report, signals,
-                        [&](const WorkerChannel& channel) { return work(options, jobs, channel); });
-    const Tally tally =
-        scheduler.run(workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())));
+                        workersWithFiles(std::min<std::size_t>(options.jobs, jobs.size())),
+                        [&](const WorkerChannel& channel, bool /*isFirst*/) {
+                            signals.unblock();
+                            return work(options, jobs, channel);
+                        });
+    const Tally tally = scheduler.run();
     report.commit();
     return tally;
 }
@@ -180,7 +185,7 @@ int runBatch(const BatchOptions& options) {
     } catch (const vexa::Error& error) {
         printError(options.report + ": " + error.text());
         return EXIT_FAILED;
-    } catch (const NoWorker& error) {
+    } catch (const std::runtime_error& error) {
         printError(error.what());
         return EXIT_FAILED;
     }

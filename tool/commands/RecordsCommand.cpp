@@ -141,7 +141,7 @@ void transformAll(const RecordsOptions& options, const NamedFiles& files, Sessio
                 channel.send(Report::Kind::Message, text);
             });
             channel.send(Report::Kind::Started);
-            while (const auto packed = channel.nextText()) {
+            while (const auto packed = channel.nextJob()) {
                 transform(*packed, session, run, channel);
             }
             return EXIT_DONE;

@@ -201,7 +201,7 @@ int work(const WorkerOptions& options, const WorkerChannel& channel, bool isFirs
         }
         channel.send(Report::Kind::Started);
         hasStarted = true;
-        while (const auto line = channel.nextText()) {
+        while (const auto line = channel.nextJob()) {
             channel.send(Report::Kind::Done, runner.answer(*line));
         }
     } catch (const vexa::Error& error) {

@@ -1,5 +1,6 @@
 #include "process/Channel.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/socket.h>
@@ -27,7 +28,7 @@ void sendAll(int socket, const char* bytes, std::size_t length) {
 }
 
 /** Takes the complete reports from the bytes received. */
-void takeReports(std::string& received, std::vector<Report>& reports) {
+void takeReports(std::string& received, std::deque<Report>& reports) {
     Head head{};
     std::size_t taken = 0;
     while (received.size() - taken >= sizeof head) {
@@ -56,17 +57,13 @@ void WorkerChannel::send(Report::Kind kind, const std::string& text,
     sendAll(m_socket.get(), bytes.data(), bytes.size());
 }
 
-std::optional<std::uint32_t> WorkerChannel::nextJob() const {
-    std::uint32_t job = 0;
-    return receive(reinterpret_cast<char*>(&job), sizeof job) ? std::optional<std::uint32_t>(job)
-                                                              : std::nullopt;
-}
-
-std::optional<std::string> WorkerChannel::nextText() const {
-    const auto length = nextJob();
-    std::string text(length.value_or(0), '\0');
-    return length && receive(text.data(), text.size()) ? std::optional<std::string>(std::move(text))
-                                                       : std::nullopt;
+std::optional<std::string> WorkerChannel::nextJob() const {
+    std::uint32_t length = 0;
+    if (!receive(reinterpret_cast<char*>(&length), sizeof length)) {
+        return std::nullopt;
+    }
+    std::optional<std::string> job(std::in_place, length, '\0');
+    return receive(job->data(), length) ? std::move(job) : std::nullopt;
 }
 
 bool WorkerChannel::receive(char* bytes, std::size_t length) const {
@@ -85,13 +82,14 @@ SchedulerChannel::~SchedulerChannel() {
     close();
 }
 
-void SchedulerChannel::send(std::uint32_t job) const {
-    sendAll(m_socket.get(), reinterpret_cast<const char*>(&job), sizeof job);
-}
-
-void SchedulerChannel::send(const std::string& text) const {
-    send(static_cast<std::uint32_t>(text.size()));
-    sendAll(m_socket.get(), text.data(), text.size());
+void SchedulerChannel::send(const std::string& job) const {
+    // A small one with its length: the worker need not wake twice. A large one is not copied.
+    const std::size_t begin = std::min<std::size_t>(job.size(), 4096);
+    const auto length = static_cast<std::uint32_t>(job.size());
+    std::string bytes(reinterpret_cast<const char*>(&length), sizeof length);
+    bytes.append(job, 0, begin);
+    sendAll(m_socket.get(), bytes.data(), bytes.size());
+    sendAll(m_socket.get(), job.data() + begin, job.size() - begin);
 }
 
 void SchedulerChannel::close() const {
@@ -99,7 +97,7 @@ void SchedulerChannel::close() const {
     shutdown(m_socket.get(), SHUT_WR);
 }
 
-bool SchedulerChannel::receiveAll(std::vector<Report>& reports) {
+bool SchedulerChannel::receiveAll(std::deque<Report>& reports) {
     constexpr std::size_t MOST_AT_ONCE = std::size_t{1024} * 1024;
     char bytes[16 * 1024];
     ssize_t received = 0;

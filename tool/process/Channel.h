@@ -7,10 +7,10 @@
 #include "base/Descriptor.h"
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 /** What a worker reports. */
 struct Report {
@@ -36,10 +36,8 @@ public:
     void send(Report::Kind kind, const std::string& text = "",
               const std::string& outcome = "") const;
 
-    /** Waits for the number of the next job; nothing when there will be no more. */
-    std::optional<std::uint32_t> nextJob() const;
-    /** The same for jobs that are texts. */
-    std::optional<std::string> nextText() const;
+    /** Waits for the next job; nothing when there will be no more. */
+    std::optional<std::string> nextJob() const;
 
 private:
     bool receive(char* bytes, std::size_t length) const;
@@ -59,9 +57,8 @@ public:
     /** To be polled for what can be received. */
     int descriptor() const { return m_socket.get(); }
 
-    void send(std::uint32_t job) const;
     /** Waits where the worker does not take it. */
-    void send(const std::string& text) const;
+    void send(const std::string& job) const;
 
     /** There will be no more jobs. */
     void close() const;
@@ -70,7 +67,7 @@ public:
      * Receives all that is there, without waiting.
      * @return false when the worker is gone
      */
-    bool receiveAll(std::vector<Report>& reports);
+    bool receiveAll(std::deque<Report>& reports);
 
 private:
     Descriptor m_socket;

@@ -3,8 +3,10 @@
 #include "base/Errors.h"
 
 #include <algorithm>
+#include <csignal>
 #include <poll.h>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -22,7 +24,7 @@ WorkerPool::WorkerPool(Settings settings, Work work, Events events)
 
 void WorkerPool::start() {
     m_slots.push_back(std::make_unique<Slot>());
-    start(*m_slots.front());
+    start(*m_slots.back());
 }
 
 void WorkerPool::add(Job job) {
@@ -67,13 +69,13 @@ WorkerPool::Slot* WorkerPool::slotFor(const Job& job) {
     Slot* least = nullptr;
     for (const auto& slot : m_slots) {
         const bool isInOrder = slot->jobs.empty() || slot->jobs.back().number < job.number;
-        if (isInOrder && (!least || slot->jobs.size() < least->jobs.size())) {
+        const auto load = [](const Slot& of) { return std::pair(of.jobs.size(), !of.hasStarted); };
+        if (slot->process.isRunning() && isInOrder && (!least || load(*slot) < load(*least))) {
             least = slot.get();
         }
     }
     if ((!least || !least->jobs.empty()) && m_slots.size() < m_settings.workers) {
-        m_slots.push_back(std::make_unique<Slot>());
-        start(*m_slots.back());
+        start();
         return nullptr; // when it has started
     }
     const bool hasRoom =
@@ -85,9 +87,25 @@ WorkerPool::Slot* WorkerPool::slotFor(const Job& job) {
 void WorkerPool::start(Slot& slot) {
     slot.hasStarted = false;
     slot.wasJustInTime = false;
-    Connection connection = openConnection();
-    slot.channel = std::move(connection.schedulersEnd);
-    slot.process.start([&] { return m_work(connection.workersEnd, !m_hasStarted); });
+    try {
+        Connection connection = openConnection();
+        slot.channel = std::move(connection.schedulersEnd);
+        slot.process.start([&] { return m_work(connection.workersEnd, !m_hasStarted); });
+    } catch (const std::system_error& error) {
+        if (!m_settings.canShrink) {
+            throw;
+        }
+        if (!canDoWithout()) {
+            throw Failure(m_settings.name, error.what());
+        }
+    }
+}
+
+/** Whether a process that cannot start may be missing. */
+bool WorkerPool::canDoWithout() const {
+    return m_settings.canShrink &&
+           std::any_of(m_slots.begin(), m_slots.end(),
+                       [](const auto& slot) { return slot->process.isRunning(); });
 }
 
 void WorkerPool::beginJob(Slot& slot) {
@@ -156,14 +174,20 @@ void WorkerPool::killIfLate(Slot& slot) {
 }
 
 void WorkerPool::receiveFrom(Slot& slot) {
-    std::vector<Report> reports;
-    const bool isThere = slot.channel.receiveAll(reports);
-    for (Report& report : reports) {
-        take(slot, std::move(report));
-    }
-    if (!isThere) {
+    if (!takeReports(slot)) {
         takeEnd(slot);
     }
+}
+
+/** kill() may come in between. @return false when the process is gone */
+bool WorkerPool::takeReports(Slot& slot) {
+    const bool isThere = slot.channel.receiveAll(slot.reports);
+    while (!slot.reports.empty()) {
+        Report report = std::move(slot.reports.front());
+        slot.reports.pop_front();
+        take(slot, std::move(report));
+    }
+    return isThere;
 }
 
 void WorkerPool::take(Slot& slot, Report report) {
@@ -174,15 +198,20 @@ void WorkerPool::take(Slot& slot, Report report) {
         m_hasStarted = true;
         slot.hasStarted = true;
         slot.failedStarts = 0;
+        m_events.other(report);
+        break;
+    case Report::Kind::Message:
+        if (slot.jobs.empty()) {
+            m_events.other(report);
+        } else {
+            m_events.report(slot.jobs.front(), std::move(report));
+        }
         break;
     default:
-        if (slot.jobs.empty()) {
-            return; // about nothing that it was given
-        }
-        const bool isEnd = report.kind != Report::Kind::Message;
-        m_events.report(slot.jobs.front(), std::move(report));
-        if (isEnd) {
+        if (!slot.jobs.empty()) {
+            const Job job = std::move(slot.jobs.front());
             endJob(slot);
+            m_events.report(job, std::move(report));
         }
     }
 }
@@ -193,7 +222,10 @@ void WorkerPool::takeEnd(Slot& slot) {
     const int mostFailedStarts = m_hasStarted ? 20 : 3;
     const ChildProcess::End end = slot.process.wait();
     if (!slot.hasStarted && ++slot.failedStarts == mostFailedStarts) {
-        throw Failure(m_settings.name, end.cause(m_settings.limits));
+        if (!canDoWithout()) {
+            throw Failure(m_settings.name, end.cause(m_settings.limits));
+        }
+        return;
     }
     if (!slot.jobs.empty() && !slot.wasJustInTime) {
         const std::chrono::duration<double, std::milli> time = Clock::now() - slot.begin;
@@ -216,8 +248,21 @@ void WorkerPool::giveBack(Job job) {
 void WorkerPool::finish() {
     for (const auto& slot : m_slots) {
         slot->channel.close();
+        if (!slot->hasStarted) {
+            slot->process.send(SIGKILL); // it has nothing to do
+        }
         if (slot->process.isRunning()) {
             slot->process.wait();
+        }
+    }
+}
+
+void WorkerPool::kill() {
+    for (const auto& slot : m_slots) {
+        if (slot->process.isRunning()) {
+            slot->process.send(SIGKILL);
+            slot->process.wait();
+            takeReports(*slot);
         }
     }
 }

@@ -33,6 +33,8 @@ public:
         std::size_t workers;
         /** How many jobs a process is given at most: one, and others so that it need not wait. */
         std::size_t jobsAhead;
+        /** Whether fewer processes will do where the system allows no more. */
+        bool canShrink = false;
     };
     struct Job {
         /** Each job has a higher one than those before it. */
@@ -48,7 +50,9 @@ public:
         /** Whether reports about the job can be taken now: otherwise its process waits. */
         std::function<bool(const Job&)> canReport;
         /** Is called before all wait. */
-        std::function<void()> idle;
+        std::function<void()> idle = [] {};
+        /** Takes Started, or a Message about no job. */
+        std::function<void(const Report&)> other = [](const Report& /*report*/) {};
     };
     /**
      * What a process does: it sends Started, and Done or Failed for each text that it gets. Only
@@ -58,8 +62,10 @@ public:
 
     WorkerPool(Settings settings, Work work, Events events);
 
-    /** Starts the first process. @throws std::system_error */
+    /** Starts a process, of those that there are at most. @throws std::system_error, Failure */
     void start();
+    /** @param jobs how many a process is given at most from now on */
+    void setJobsAhead(std::size_t jobs) { m_settings.jobsAhead = jobs; }
     /** Whether the processes may need another job soon. */
     bool hasRoom() const { return m_waiting.empty(); }
     /** Gives a job to a process, or keeps it until one has room. */
@@ -78,6 +84,8 @@ public:
     bool wait(int source, Clock::duration longest);
     /** Lets the processes end. */
     void finish();
+    /** Ends them at once. What they have reported is passed on. */
+    void kill();
 
 private:
     struct Slot {
@@ -90,6 +98,8 @@ private:
         bool wasJustInTime = false;
         /** Given to the process, the current one first. */
         std::deque<Job> jobs;
+        /** Received, and not passed on. */
+        std::deque<Report> reports;
         /** When it began with the current one. */
         Clock::time_point begin;
     };
@@ -98,17 +108,19 @@ private:
     Slot* slotFor(const Job& job);
     static std::size_t bytesIn(const Slot& slot);
     bool canReceive(const Slot& slot) const;
+    bool canDoWithout() const;
     void start(Slot& slot);
     void beginJob(Slot& slot);
     void endJob(Slot& slot);
     int millisecondsToWait(Clock::duration longest) const;
     void killIfLate(Slot& slot);
     void receiveFrom(Slot& slot);
+    bool takeReports(Slot& slot);
     void take(Slot& slot, Report report);
     void takeEnd(Slot& slot);
     void giveBack(Job job);
 
-    const Settings m_settings;
+    Settings m_settings;
     const Work m_work;
     const Events m_events;
     std::vector<std::unique_ptr<Slot>> m_slots;

@@ -43,7 +43,7 @@ RequestPool::RequestPool(WorkerPool::Settings settings, bool isOrdered, WorkerPo
               },
               [this](const WorkerPool::Job& request, const ChildProcess::End& end,
                      double milliseconds) { answerLost(request, end, milliseconds); },
-              [](const WorkerPool::Job& /*request*/) { return true; }, [] {}}) {}
+              [](const WorkerPool::Job& /*request*/) { return true; }}) {}
 
 void RequestPool::run() {
     m_pool.start(); // tells at once where it cannot start

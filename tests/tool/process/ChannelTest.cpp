@@ -9,15 +9,15 @@
 
 namespace {
 
-using Reports = std::vector<Report>;
+using Reports = std::deque<Report>;
 
 } // namespace
 
 TEST(ChannelTest, CarriesJobsOneWayAndReportsTheOther) {
     Connection connection = openConnection();
-    connection.schedulersEnd.send(7);
+    connection.schedulersEnd.send("7");
     connection.schedulersEnd.close();
-    EXPECT_EQ(connection.workersEnd.nextJob(), 7U);
+    EXPECT_EQ(connection.workersEnd.nextJob(), "7");
     EXPECT_EQ(connection.workersEnd.nextJob(), std::nullopt);
     connection.workersEnd.send(Report::Kind::Started);
     connection.workersEnd.send(Report::Kind::Message, "text");
@@ -31,7 +31,7 @@ TEST(ChannelTest, CarriesJobsOneWayAndReportsTheOther) {
 TEST(ChannelTest, ShowsThatTheOtherEndIsGone) {
     Connection connection = openConnection();
     connection.workersEnd = WorkerChannel(Descriptor());
-    connection.schedulersEnd.send(7); // is lost, and raises no signal
+    connection.schedulersEnd.send("7"); // is lost, and raises no signal
     Reports reports;
     EXPECT_FALSE(connection.schedulersEnd.receiveAll(reports));
     EXPECT_TRUE(reports.empty());
@@ -71,9 +71,9 @@ TEST(ChannelTest, WaitsOnAfterASignal) {
             usleep(10'000);
             pthread_kill(waiting, SIGUSR1);
         }
-        connection.schedulersEnd.send(7);
+        connection.schedulersEnd.send("7");
     });
-    EXPECT_EQ(connection.workersEnd.nextJob(), 7U);
+    EXPECT_EQ(connection.workersEnd.nextJob(), "7");
     scheduler.join();
     EXPECT_GT(calls, 0);
     sigaction(SIGUSR1, &before, nullptr);

@@ -19,7 +19,7 @@ namespace {
 /** Does what the first word of a job says, and reports the job. */
 int work(const WorkerChannel& channel, bool /*isFirst*/) {
     channel.send(Report::Kind::Started);
-    while (const auto job = channel.nextText()) {
+    while (const auto job = channel.nextJob()) {
         if (job->rfind("crash", 0) == 0) {
             std::raise(SIGKILL);
         } else if (job->rfind("hang", 0) == 0) {
@@ -193,6 +193,21 @@ TEST_F(WorkerPoolTest, AJobIsNotLateBecauseItsReportIsTakenLate) {
     waitForAll();
     EXPECT_EQ(m_news[4], News{"D slow"});
     EXPECT_TRUE(m_news[5] == News{"D " + large}) << m_news[5].front().substr(0, 80);
+}
+
+TEST_F(WorkerPoolTest, PassesOnWhatWasReportedBeforeItIsKilled) {
+    begin(1);
+    give("start");
+    waitForAll(false);
+    for (const char* job : {"one", "fail two", "hang", "three"}) {
+        give(job);
+    }
+    std::this_thread::sleep_for(std::chrono::seconds(1)); // nobody takes the reports
+    m_pool->kill();
+    EXPECT_EQ(m_news[2], News{"D one"});
+    EXPECT_EQ(m_news[3], News{"F fail two"});
+    EXPECT_EQ(m_news.size(), 3U);
+    EXPECT_EQ(m_open.size(), 2U);
 }
 
 TEST_F(WorkerPoolTest, SaysWhetherASourceIsReadable) {
