@@ -130,6 +130,9 @@ void refuseReplacingReport(const std::vector<BatchJob>& jobs, const BatchOptions
         }
     };
     check(options.stylesheet);
+    if (!options.filesFrom.empty()) {
+        check(options.filesFrom);
+    }
     for (const BatchJob& job : jobs) {
         check(job.source);
         // To compare names is faster.

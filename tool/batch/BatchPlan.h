@@ -40,7 +40,7 @@ struct BatchJob {
  * The jobs of the shard in the order of the command line, those of the list after them.
  *
  * @throws UsageError where two results of the whole list would go to one file, or one would replace
- * a source, or the report would replace a source, the stylesheet or a result
+ * a source, or the report would replace a source, the list, the stylesheet or a result
  * @throws Failure where the list cannot be read
  */
 std::vector<BatchJob> planBatch(const BatchOptions& options);

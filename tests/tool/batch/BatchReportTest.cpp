@@ -146,6 +146,11 @@ TEST_F(BatchReportTest, ReplacesNoOtherFile) {
     };
     refuses("linked/s2.xml", "the report would replace sources/s2.xml");
     refuses("ok.xsl", "the report would replace ok.xsl");
+    shell("ls sources/* >list");
+    const std::string list = file("list");
+    expectFailure(tool("batch ok.xsl --files-from list -d out --report ./list"), 2,
+                  "./list: the report would replace list");
+    EXPECT_EQ(file("list"), list);
     const std::string result = "the result of sources/s2.xml goes there";
     refuses("./out/s2.out", result); // the folder is not there yet
     EXPECT_EQ(tool("batch ok.xsl sources/* -d out --quiet --report report").status, 0);
