@@ -133,13 +133,17 @@ def count_part(build, program, part):
     return counts
 
 
+def count_command(build, command, calls):
+    """Instructions of a command, which are written to a file of that name."""
+    run(["valgrind", "-q", "--tool=callgrind", f"--callgrind-out-file={calls}", *command], cwd=build / "documents")
+    report = (build / "documents" / calls).read_text(errors="replace")
+    return int(re.search(r"^totals: (\d+)$", report, re.M).group(1))
+
+
 def count_process(build, source, stylesheet, name):
     """Instructions of a whole process."""
     result = f"counted-{source}-{pathlib.Path(stylesheet).name}-"
-    run(["valgrind", "-q", "--tool=callgrind", f"--callgrind-out-file={result}{name}.calls",
-         *commands(build, source, stylesheet, result)[name]], cwd=build / "documents")
-    report = (build / "documents" / f"{result}{name}.calls").read_text(errors="replace")
-    return int(re.search(r"^totals: (\d+)$", report, re.M).group(1))
+    return count_command(build, commands(build, source, stylesheet, result)[name], f"{result}{name}.calls")
 
 
 def count_all(build):
@@ -305,6 +309,20 @@ def measure_scale(build):
     for name in ("records.xml", "of-one-job", "of-two-jobs"):
         (folder / name).unlink()  # gigabytes
     return results
+
+
+def measure_profile(build):
+    """Instructions of a transform with and without a profile, and which part of the time is that of a template."""
+    progress("a profile")
+    files = ["report.xsl", "orders.xml", "-o", "/dev/null"]
+    program, parts = build / "bin" / "vexa-xslt", []
+    results = {name: count_command(build, [program, name, *files], f"{name}.calls")
+               for name in ("transform", "profile")}
+    for _ in range(9):
+        table = subprocess.run([program, "profile", *files], cwd=build / "documents", stderr=subprocess.PIPE, text=True,
+                               check=True).stderr
+        parts.append(float(re.search(r" ([\d.]+) %.*  all of them$", table, re.M).group(1)))
+    return {**results, "part": sorted(parts)[len(parts) // 2]}
 
 
 def measure_hostile(build):

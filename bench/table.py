@@ -26,6 +26,10 @@ MOST_OF_MEMORY = 0.1
 LEAST_OF_BATCH = 0.8
 MOST_GROWTH = 1.1
 MOST_UNCHANGED = 20
+# Of a profile: the most instructions relative to the same transform, and the least part of its time in percent that is
+# that of a template.
+MOST_OF_TRANSFORM = 2
+LEAST_PART = 98
 
 
 def number(value, digits=0):
@@ -327,6 +331,16 @@ def scale_section(scale):
     return section
 
 
+def profile_section(profile):
+    section = Section("A profile of the sample report", "", "")
+    ratio = profile["profile"] / profile["transform"]
+    section.add("instructions of the process, of those of the same transform", number(ratio, 3),
+                target=f"≤ {MOST_OF_TRANSFORM}", met=ratio <= MOST_OF_TRANSFORM)
+    section.add("part of the time that is that of a template, in percent", number(profile["part"], 1),
+                target=f"≥ {LEAST_PART}", met=profile["part"] >= LEAST_PART)
+    return section
+
+
 def kept_section(times, sizes):
     section = Section("Bytes that a file transform keeps until its transformer is destroyed", "", "engine, freed at once",
                       "engine, kept", "library", "above the smallest")
@@ -375,7 +389,8 @@ def make_sections(figures):
             conversions_section(counts["function_cost"]), replay_section(counts["function_cost"]),
             chain_section(counts["chain_cost"], times["chain_cost"]),
             *process_sections(figures["processes"], figures["process_counts"]),
-            batch_section(figures["batches"]), scale_section(figures["scale"]), threads_section(times["thread_scaling"]), kept_section(times["facade_cost"], figures["sizes"]),
+            batch_section(figures["batches"]), scale_section(figures["scale"]),
+            profile_section(figures["profile"]), threads_section(times["thread_scaling"]), kept_section(times["facade_cost"], figures["sizes"]),
             lifecycle_section(counts["lifecycle_cost"], times["lifecycle_cost"]),
             hostile_section(figures["hostile"])]
 
