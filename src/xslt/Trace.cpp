@@ -25,11 +25,14 @@ Node Step::node() const {
 
 } // namespace vexa
 
-void Trace::execute(const ElemTemplateElement& element,
-                    xalanc::StylesheetExecutionContext& context) {
+void Trace::execute(const ElemTemplateElement& element, Context& context, Role role) {
     const std::size_t before = steps();
     try {
-        enter(element, context.getCurrentNode());
+        if (role == Role::Child) {
+            enterFromCaller(element, context.getCurrentNode());
+        } else {
+            enter(element, context.getCurrentNode());
+        }
         executeEntered(element, context);
     } catch (...) {
         leaveTo(before);
@@ -37,21 +40,8 @@ void Trace::execute(const ElemTemplateElement& element,
     }
 }
 
-void Trace::executeChild(const ElemTemplateElement& child,
-                         xalanc::StylesheetExecutionContext& context) {
-    const std::size_t before = steps();
-    try {
-        enterFromCaller(child, context.getCurrentNode());
-        executeEntered(child, context);
-    } catch (...) {
-        leaveTo(before);
-        throw;
-    }
-}
-
 /** The engine's loop, with reports. */
-void Trace::executeEntered(const ElemTemplateElement& first,
-                           xalanc::StylesheetExecutionContext& context) {
+void Trace::executeEntered(const ElemTemplateElement& first, Context& context) {
     const ElemTemplateElement* const begin = first.getParentNodeElem();
     context.pushInvoker(begin);
     const ElemTemplateElement* current = &first;

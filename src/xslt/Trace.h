@@ -37,6 +37,8 @@ public:
 /** Executes, and reports what begins and ends. */
 class Trace {
 public:
+    using Context = xalanc::StylesheetExecutionContext;
+
     /** All must outlive the trace. */
     Trace(vexa::Tracer& tracer, const InstructionList& instructions, ValueExchange& values,
           Operation& operation)
@@ -45,12 +47,12 @@ public:
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
 
+    enum class Role {
+        Child, ///< of the element that was entered last
+        Other
+    };
     /** Executes an element as the engine does. */
-    void execute(const xalanc::ElemTemplateElement& element,
-                 xalanc::StylesheetExecutionContext& context);
-    /** The same for what the element that was entered last has as a child. */
-    void executeChild(const xalanc::ElemTemplateElement& child,
-                      xalanc::StylesheetExecutionContext& context);
+    void execute(const xalanc::ElemTemplateElement& element, Context& context, Role role);
 
     /** An element that the engine executes in another way begins. */
     void enter(const xalanc::ElemTemplateElement& element, const xalanc::XalanNode* node) {
@@ -74,8 +76,7 @@ private:
     void enter(const xalanc::ElemTemplateElement& element, const xalanc::XalanNode* node,
                bool isReplaced);
     void enterFromCaller(const xalanc::ElemTemplateElement& element, const xalanc::XalanNode* node);
-    void executeEntered(const xalanc::ElemTemplateElement& first,
-                        xalanc::StylesheetExecutionContext& context);
+    void executeEntered(const xalanc::ElemTemplateElement& first, Context& context);
     void leave() noexcept;
     vexa::StepAccess::Data dataOf(const Begun& step) const;
 

@@ -19,7 +19,7 @@ public:
 
     void execute(xalanc::StylesheetExecutionContext& context) const override {
         if (Trace* const trace = static_cast<RunContext&>(context).trace()) {
-            trace->execute(*this, context);
+            trace->execute(*this, context, Trace::Role::Other);
         } else {
             Element::execute(context);
         }
@@ -32,7 +32,7 @@ public:
         }
         const xalanc::ElemTemplateElement* child = this->beginExecuteChildren(context);
         while (child) {
-            trace->executeChild(*child, context);
+            trace->execute(*child, context, Trace::Role::Child);
             child = this->getNextChildElemToExecute(context, child);
         }
         this->endExecuteChildren(context);
