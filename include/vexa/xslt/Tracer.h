@@ -43,17 +43,19 @@ private:
  */
 class VEXA_XSLT_EXPORT Tracer {
 public:
-    virtual ~Tracer();
+    virtual ~Tracer(); ///< It must not be in use.
 
     /** The step begins. What it throws ends the run, and passes to the caller of the operation. */
     virtual void enter(const Step& step) = 0;
     /** The step has ended. */
     virtual void leave(const Step& step) noexcept = 0;
 
+    Tracer(const Tracer&) = delete;
+    Tracer& operator=(const Tracer&) = delete;
+
 protected:
+    /** For the host's own class. */
     Tracer() = default;
-    Tracer(const Tracer&) = default;
-    Tracer& operator=(const Tracer&) = default;
 };
 
 } // namespace vexa
