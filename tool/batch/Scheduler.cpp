@@ -40,11 +40,9 @@ Scheduler::Scheduler(const BatchOptions& options, const std::vector<BatchJob>& j
       m_signalSource(openSignalSource(signals)), m_isPlanned(!options.newer),
       m_progress(!options.run.quiet),
       m_pool({oneLine(options.stylesheet), options.run.limits, workers, 1, true}, std::move(work),
-             {[this](const WorkerPool::Job& job, const Report& about) {
-                  take(m_jobs[job.number], about);
-              },
+             {[this](const WorkerPool::Job& job, const Report& about) { take(jobOf(job), about); },
               [this](const WorkerPool::Job& job, const ChildProcess::End& end,
-                     double milliseconds) { takeLoss(m_jobs[job.number], end, milliseconds); },
+                     double milliseconds) { takeLoss(jobOf(job), end, milliseconds); },
               [](const WorkerPool::Job& /*job*/) { return true; }, [] {},
               [this](const Report& other) { takeOther(other); }}) {
     m_tally.total = jobs.size();

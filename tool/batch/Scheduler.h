@@ -53,6 +53,9 @@ private:
     void fail(const BatchJob& job, const std::string& text, const std::string& outcome);
     void endOnSignal();
     [[noreturn]] void interrupt(int signalNumber);
+    const BatchJob& jobOf(const WorkerPool::Job& job) const {
+        return m_jobs[static_cast<std::size_t>(job.number)];
+    }
     std::size_t jobsLeft() const { return m_todo.size() - m_nGiven; }
 
     const BatchOptions& m_options;
