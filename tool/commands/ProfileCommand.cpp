@@ -137,7 +137,7 @@ void profile(const ProfileOptions& options, const NamedFiles& files, Session& se
         throw;
     }
     if (failure) {
-        throw *failure;
+        throw vexa::Error(*failure);
     }
 }
 

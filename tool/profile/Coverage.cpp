@@ -30,7 +30,7 @@ std::string record(const std::string& uri, const Coverage::Module& module) {
         const std::string where = std::to_string(routine.first);
         std::string name = fieldOf(routine.second);
         name += ++uses[name] > 1 ? " line " + where : "";
-        functions += "FN:" + where + "," + name + "\n";
+        functions.append("FN:").append(where).append(",").append(name).append("\n");
         calls += "FNDA:" + std::to_string(count) + "," + name + "\n";
         called += count > 0 ? 1 : 0;
     }
