@@ -53,6 +53,8 @@ public:
     }
     /** Where the last record begins. */
     std::size_t line() const { return m_recordLine; }
+    /** What is reported next begins where the parser is. */
+    void remember() { m_line = static_cast<std::size_t>(m_locator->getLineNumber()); }
 
     void setDocumentLocator(const xercesc::Locator* const locator) override { m_locator = locator; }
     void startElement(const XMLCh* const uri, const XMLCh* const local, const XMLCh* const name,
@@ -163,9 +165,6 @@ private:
                                attributes.getValue(i));
         }
     }
-    /** What is reported next begins where this ended. */
-    void remember() { m_line = static_cast<std::size_t>(m_locator->getLineNumber()); }
-
     Operation& m_operation;
     std::optional<std::u16string> m_uri; // none: any
     std::u16string m_name;
@@ -239,9 +238,15 @@ public:
 
 private:
     bool read() {
-        bool isMore = m_isBegun ? m_reader->parseNext(m_token)
-                                : m_reader->parseFirst(*m_opened.source, m_token);
-        m_isBegun = true;
+        bool isMore = false;
+        if (m_isBegun) {
+            isMore = m_reader->parseNext(m_token);
+        } else {
+            isMore = m_reader->parseFirst(*m_opened.source, m_token);
+            m_isBegun = true;
+            // White space before the first element is no event: the parser stops in front of it.
+            m_handler.remember();
+        }
         while (!m_handler.hasRecord() && isMore) {
             isMore = m_reader->parseNext(m_token);
         }

@@ -162,6 +162,9 @@ TEST(RecordsTest, TellWhereTheyBegin) {
     }
     EXPECT_EQ(lines, (std::vector<std::size_t>{3, 4, 7}));
     EXPECT_EQ(records.bytesRead(), source.size());
+    Records all(Input::text("<?xml version='1.0'?>\n<!-- x -->\n\n<a\n/>"), "a");
+    ASSERT_TRUE(all.next());
+    EXPECT_EQ(all.line(), 4U);
 }
 
 TEST(RecordsTest, CanBeMoved) {
