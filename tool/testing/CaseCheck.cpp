@@ -1,0 +1,191 @@
+#include "testing/CaseCheck.h"
+
+#include "base/Errors.h"
+#include "testing/ComparisonSides.h"
+#include "testing/TextDifference.h"
+#include "testing/TreeDifference.h"
+#include "testing/VisibleText.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+std::string quoted(const std::string& text) {
+    return "'" + textAround(visibleText(text), 0) + "'";
+}
+
+std::string valueText(const vexa::Value& value) {
+    constexpr std::size_t MOST_NODES = 5;
+    if (value.type() != vexa::Value::Type::NodeSet) {
+        return value.type() == vexa::Value::Type::String ? quoted(value.string()) : value.string();
+    }
+    const auto& nodes = value.nodes();
+    if (nodes.empty()) {
+        return "an empty node-set";
+    }
+    std::string text;
+    for (std::size_t i = 0; i < std::min(nodes.size(), MOST_NODES); ++i) {
+        text += (i == 0 ? "" : ", ") + quoted(nodes[i].string());
+    }
+    return "{" + text + (nodes.size() > MOST_NODES ? ", ...}" : "}");
+}
+
+class CaseCheck {
+public:
+    CaseCheck(const TestCase& test, const CaseOutcome& outcome, bool makesFiles,
+              const vexa::Options& options)
+        : m_test(test), m_outcome(outcome), m_makesFiles(makesFiles), m_options(options) {
+        m_options.onMessage = {};
+    }
+
+    CaseResult check() {
+        const auto& error = m_outcome.error;
+        if (error && !m_test.expects(Expectation::Kind::Error)) {
+            m_result.failures.push_back(error->description);
+            m_result.isError = error->kind == "Crash" || error->kind == "Limit";
+        }
+        for (std::size_t i = 0; i < m_test.expectations.size(); ++i) {
+            check(i);
+        }
+        if (!m_result.isPassed()) {
+            m_result.failures.insert(m_result.failures.end(), m_outcome.warnings.begin(),
+                                     m_outcome.warnings.end());
+        }
+        return m_result;
+    }
+
+private:
+    void check(std::size_t index) {
+        const Expectation& expectation = m_test.expectations[index];
+        const auto fail = [&](const std::string& text) {
+            m_result.failures.push_back(expectation.title() + ": " + text);
+        };
+        try {
+            const std::string failure = failureOf(expectation);
+            if (!failure.empty() && m_makesFiles && expectation.isFile()) {
+                m_result.outdated.push_back(index);
+            } else if (!failure.empty()) {
+                fail(failure);
+            }
+        } catch (const vexa::Error& error) {
+            fail(error.text());
+        }
+    }
+
+    /** Empty where it is as expected. @throws vexa::Error where that cannot be said */
+    std::string failureOf(const Expectation& expectation) const {
+        switch (expectation.kind) {
+        case Expectation::Kind::Message:
+            return messageFailure(expectation.text);
+        case Expectation::Kind::Error:
+            return errorFailure(expectation);
+        default:
+            break;
+        }
+        if (m_outcome.error) {
+            return ""; // which is the failure
+        }
+        if (expectation.kind == Expectation::Kind::XPath) {
+            return xpathFailure(expectation);
+        }
+        return fileFailure(expectation);
+    }
+
+    std::string messageFailure(const std::string& text) const {
+        constexpr std::size_t MOST_MESSAGES = 20;
+        const auto& messages = m_outcome.messages;
+        const auto contains = [&](const std::string& message) {
+            return message.find(text) != std::string::npos;
+        };
+        if (std::any_of(messages.begin(), messages.end(), contains)) {
+            return "";
+        }
+        std::string failure = messages.empty() ? "there was no message" : "the messages were";
+        for (std::size_t i = 0; i < std::min(messages.size(), MOST_MESSAGES); ++i) {
+            failure += "\n  " + quoted(messages[i]);
+        }
+        return failure + (messages.size() > MOST_MESSAGES ? "\n  ..." : "");
+    }
+
+    std::string errorFailure(const Expectation& expectation) const {
+        const auto& error = m_outcome.error;
+        if (!error) {
+            return "the transform ended without an error";
+        }
+        const bool isSame = error->kind == expectation.text &&
+                            error->text.find(expectation.part) != std::string::npos;
+        return isSame ? "" : "the error was " + error->kind + "\n" + error->description;
+    }
+
+    std::string xpathFailure(const Expectation& expectation) const {
+        const auto evaluate = [&](const vexa::XPath& expression) {
+            return expression.evaluate(m_outcome.tree, m_options);
+        };
+        const vexa::Value value = evaluate(expectation.expression);
+        if (value.boolean()) {
+            return "";
+        }
+        if (const auto sides = comparisonSides(expectation.text)) {
+            const auto side = [&](const std::string& expression) {
+                return valueText(
+                    evaluate(vexa::XPath::compile(expression, expectation.namespaces)));
+            };
+            return side(sides->left) + " " + sides->sign + " " + side(sides->right) + " is false";
+        }
+        return "it is " + valueText(value);
+    }
+
+    std::string fileFailure(const Expectation& expectation) const {
+        std::ifstream file(expectation.text, std::ios::binary);
+        const std::string expected{std::istreambuf_iterator<char>(file), {}};
+        if (!file) {
+            return systemMessage(errno);
+        }
+        if (expectation.kind == Expectation::Kind::File) {
+            return expected == m_outcome.result
+                       ? ""
+                       : "the result differs\n" +
+                             textDifference(expectation.text, expected, m_outcome.result);
+        }
+        const vexa::Document actual = parse(m_outcome.result, "the result");
+        try {
+            const std::string difference = treeDifference(parse(expected, "the file"), actual);
+            return difference.empty() ? "" : "the result differs\n" + difference;
+        } catch (const vexa::Error& error) {
+            return error.text();
+        }
+    }
+
+    /** Without what its DTD refers to, which may be anywhere. */
+    vexa::Document parse(const std::string& text, const std::string& name) const {
+        vexa::Options options = m_options;
+        options.access.externalEntities = true;
+        options.resolver = [](const std::string& uri, const std::string& /*base*/) {
+            return vexa::Input::text("", uri);
+        };
+        try {
+            return vexa::Document::parse(vexa::Input::view(text), options);
+        } catch (const vexa::Error& error) {
+            throw vexa::Error(error.kind(), name + " cannot be read as XML: line " +
+                                                std::to_string(error.where().line) + ": " +
+                                                error.text());
+        }
+    }
+
+    const TestCase& m_test;
+    const CaseOutcome& m_outcome;
+    const bool m_makesFiles;
+    vexa::Options m_options;
+    CaseResult m_result;
+};
+
+} // namespace
+
+CaseResult checkCase(const TestCase& test, const CaseOutcome& outcome, bool makesFiles,
+                     const vexa::Options& options) {
+    return CaseCheck(test, outcome, makesFiles, options).check();
+}
