@@ -6,6 +6,7 @@
 #include "commands/ChainCommand.h"
 #include "commands/ProfileCommand.h"
 #include "commands/RecordsCommand.h"
+#include "commands/TestCommand.h"
 #include "commands/TransformCommand.h"
 #include "commands/WorkerCommand.h"
 #include "commands/XPathCommand.h"
@@ -49,12 +50,15 @@ constexpr const char* MORE_HELP =
   # See where a transform spends its time
   vexa-xslt profile report.xsl orders.xml --html profile.html
 
+  # Test stylesheets
+  vexa-xslt test report.tests.xml
+
   # Ask a document a question
   vexa-xslt xpath 'count(//order)' orders.xml
 
 Exit status:
   0  done
-  1  a transform, a query or a file failed
+  1  a transform, a query, a test or a file failed
   2  the command line is wrong
 
 'vexa-xslt COMMAND --help' describes a command, 'man vexa-xslt' the rest.)";
@@ -97,7 +101,7 @@ int printHelp(const CLI::App& app, const CLI::ParseError& request) {
 void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run) {
     const Command* const commands[] = {&TRANSFORM_COMMAND, &CHAIN_COMMAND,   &XPATH_COMMAND,
                                        &BATCH_COMMAND,     &RECORDS_COMMAND, &WORKER_COMMAND,
-                                       &PROFILE_COMMAND};
+                                       &PROFILE_COMMAND,   &TEST_COMMAND};
     const auto isNamed = [&](const Command* command) {
         return std::find(argv, argv + argc, std::string_view(command->name)) != argv + argc;
     };
@@ -117,7 +121,8 @@ void addCommands(CLI::App& app, int argc, char** argv, std::function<int()>& run
 std::vector<std::string> wordsOf(int argc, char** argv) {
     std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     const bool hasLists = !words.empty() && (words.front() == BATCH_COMMAND.name ||
-                                             words.front() == CHAIN_COMMAND.name);
+                                             words.front() == CHAIN_COMMAND.name ||
+                                             words.front() == TEST_COMMAND.name);
     for (std::string& word : words) {
         if (word == "++" || (hasLists && word.rfind('[', 0) == 0)) {
             word.insert(0, "./");

@@ -24,6 +24,7 @@ TEST_F(SuggestionTest, NamesTheCommandThatWasMeant) {
     EXPECT_EQ(suggested("Chain", 2), "chain");
     EXPECT_EQ(suggested("chian", 2), "chain");
     EXPECT_EQ(suggested("xpth", 2), "xpath");
+    EXPECT_EQ(suggested("tets", 2), "test");
     EXPECT_EQ(suggested("nonsense", 2), "");
     EXPECT_EQ(suggested("tr", 2), "");
 }
@@ -80,11 +81,12 @@ TEST_F(SuggestionTest, AsksNothingOfAFolderThatOthersMayNotRead) {
 
 TEST_F(SuggestionTest, SaysWhatElseIsWrongWithACommandLine) {
     expectFailure(tool(""), 2,
-                  "a command is missing: transform, chain, xpath, batch, records, worker or profile (",
+                  "a command is missing: transform, chain, xpath, batch, records, worker, "
+                  "profile or test (",
                   "see 'vexa-xslt --help'");
     expectFailure(tool("help"), 2,
                   "unknown command 'help'; the commands are transform, chain, xpath, batch, "
-                  "records, worker and profile (",
+                  "records, worker, profile and test (",
                   "see 'vexa-xslt --help'");
     expectFailure(tool("help chain"), 2, "unknown command 'help'", "see 'vexa-xslt chain --help'");
     expectFailure(tool("--quiet transform ok.xsl ok.xml"), 2,
