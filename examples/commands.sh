@@ -25,6 +25,11 @@ vexa-xslt records order-line.xsl orders-small.xml -e order -o orders.csv
 vexa-xslt records open-only.xsl orders.xml -e order --wrap orders -o open-orders.xml
 # [/records]
 
+# [test]
+vexa-xslt test totals.tests.xml
+vexa-xslt test . --junit results.xml    # all files *.tests.xml, in folders below, too
+# [/test]
+
 # [find]
 find . -name 'orders*.xml' -print0 |
     vexa-xslt batch report.xsl --files-from - -0 -d found --quiet
