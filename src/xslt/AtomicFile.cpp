@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -41,10 +42,26 @@ std::filesystem::path absolutePath(const std::filesystem::path& path) {
     return std::filesystem::absolute(path, ignored);
 }
 
-/** Whether a path names a file that the process has open, such as its standard output. */
-bool isOpenFile(const std::filesystem::path& path) {
+/** The descriptor that a path names, such as standard output; -1 for any other path. */
+int descriptorNamedBy(const std::filesystem::path& path) {
     const std::string folder = path.parent_path().native();
-    return folder == "/dev" || folder == "/dev/fd" || folder == "/proc/self/fd";
+    const std::string name = path.filename().native();
+    int descriptor = -1;
+    if (folder == "/dev") {
+        descriptor = name == "stdout" ? STDOUT_FILENO : name == "stderr" ? STDERR_FILENO : -1;
+    } else if (folder == "/dev/fd" || folder == "/proc/self/fd") {
+        std::from_chars(name.data(), name.data() + name.size(), descriptor);
+    }
+    return descriptor;
+}
+
+/** What is no regular file, or is open already: then it is written to where others write, too. */
+int openDirectly(const std::filesystem::path& path) {
+    const int named = descriptorNamedBy(path);
+    const int flags = ::fcntl(named, F_GETFL);
+    const bool isWritable = flags != -1 && (flags & O_ACCMODE) != O_RDONLY;
+    return isWritable ? ::fcntl(named, F_DUPFD_CLOEXEC, 0)
+                      : ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
 }
 
 } // namespace
@@ -58,8 +75,8 @@ AtomicFile::AtomicFile(const std::filesystem::path& path, Fail fail)
         if (errno == ENOENT && m_path.has_filename()) {
             openTemporary();
         }
-    } else if (!S_ISREG(status.st_mode) || isOpenFile(m_path)) {
-        m_file = ::open(m_path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    } else if (!S_ISREG(status.st_mode) || descriptorNamedBy(m_path) >= 0) {
+        m_file = openDirectly(m_path);
     } else if (::access(m_path.c_str(), W_OK) == 0) {
         openTemporary();
         takeAttributes(status);

@@ -160,6 +160,11 @@ TEST_F(OutputFileTest, WritesDirectlyToAnOpenDescriptor) {
     EXPECT_EQ(shell(run + "/dev/fd/3 3>&1 | cat").output, "<b>x</b>");
     EXPECT_EQ(shell(run + ">(cat >seen); sleep 0.3; cat seen").output, "<b>x</b>");
     // A file behind the descriptor keeps its place: the shell goes on writing to it.
+    // It goes on where others have written, and they behind it.
+    for (const char* place : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+        EXPECT_EQ(shell("{ echo before; " + run + place + "; echo after; } >log; cat log").output,
+                  "before\n<b>x</b>after\n");
+    }
     EXPECT_EQ(shell("{ " + run + "/dev/stdout; echo after; } >>file; cat file").output.substr(8),
               "after\n");
 }
