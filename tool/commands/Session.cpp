@@ -322,7 +322,8 @@ void checkFiles(const NamedFiles& files) {
     }
     std::set<fs::path> places{placeOf(files.output)};
     for (const std::string& report : files.reports) {
-        if (!places.insert(placeOf(report)).second) {
+        const fs::path place = placeOf(report);
+        if (place != "/dev/null" && !places.insert(place).second) {
             throw UsageError(report, "it is the place of another output");
         }
     }

@@ -190,6 +190,15 @@ TEST_F(ProfileCommandTest, WritesFoldedStacks) {
                                  std::regex("(match=\"/\"\\S* \\d+\n){3}")));
 }
 
+TEST_F(ProfileCommandTest, WritesWhereStandardOutputIs) {
+    const std::string text = shell("{ echo before; vexa-xslt profile ok.xsl ok.xml --coverage -; "
+                                   "echo after; } 2>/dev/null >log; cat log")
+                                 .output;
+    EXPECT_EQ(text.rfind("before\nTN:\n", 0), 0U) << text;
+    EXPECT_NE(text.find("end_of_record\nafter\n"), std::string::npos) << text;
+    EXPECT_EQ(tool("profile ok.xsl ok.xml --html /dev/null --folded /dev/null").status, 0);
+}
+
 TEST_F(ProfileCommandTest, WritesCoverage) {
     EXPECT_EQ(tool("profile known.xsl two.xml --coverage known.info").status, 0);
     EXPECT_EQ(file("known.info"), "TN:\nSF:" + m_folder.path("known.xsl") +
