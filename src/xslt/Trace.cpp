@@ -34,6 +34,7 @@ void Trace::execute(const ElemTemplateElement& element, Context& context, Role r
             enter(element, context.getCurrentNode());
         }
         executeEntered(element, context);
+        leaveTo(before);
     } catch (...) {
         leaveTo(before);
         throw;
