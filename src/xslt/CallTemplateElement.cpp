@@ -8,8 +8,9 @@
 #include <xalanc/XSLT/StylesheetExecutionContext.hpp>
 #include <xalanc/XSLT/StylesheetRoot.hpp>
 
-CallTemplateElement::CallTemplateElement(xalanc::StylesheetConstructionContext& construction,
-                                         xalanc::Stylesheet& stylesheet,
+using Construction = xalanc::StylesheetConstructionContext;
+
+CallTemplateElement::CallTemplateElement(Construction& construction, xalanc::Stylesheet& stylesheet,
                                          const xalanc::AttributeListType& attributes,
                                          const xercesc::Locator* locator)
     : ElemCallTemplate(construction, stylesheet, attributes,
@@ -19,17 +20,22 @@ CallTemplateElement::CallTemplateElement(xalanc::StylesheetConstructionContext& 
       m_name(construction.createXalanQName(attributes.getValue(u"name"), stylesheet.getNamespaces(),
                                            getLocator())) {}
 
-void CallTemplateElement::postConstruction(xalanc::StylesheetConstructionContext& construction,
+void CallTemplateElement::postConstruction(Construction& construction,
                                            const xalanc::NamespacesHandler& parent) {
     m_bExists = getStylesheet().getStylesheetRoot().findNamedTemplate(*m_name) != nullptr;
+    // The engine executes the called template in place of an instruction that is alone, and does
+    // not find back where that is in xsl:fallback.
+    xalanc::ElemTemplateElement* const element = getParentNodeElem();
+    const bool isInFallback = element && element->getXSLToken() == Construction::ELEMNAME_FALLBACK;
+    if ((!m_bExists || isInFallback) && !getNextSiblingElem()) {
+        xalanc::ElemTemplateElement* const text =
+            construction.createElement(m_stylesheet, u"", 0, false, false, getLocator());
+        text->setParentNodeElem(element);
+        setNextSiblingElem(text);
+    }
     if (m_bExists) {
         ElemCallTemplate::postConstruction(construction, parent);
     } else {
-        // The engine executes the called template in place of an instruction that is alone.
-        if (!getNextSiblingElem()) {
-            setNextSiblingElem(
-                construction.createElement(m_stylesheet, u"", 0, false, false, getLocator()));
-        }
         // Without looking for it. NOLINTNEXTLINE(bugprone-parent-virtual-call)
         ElemTemplateElement::postConstruction(construction, parent);
     }

@@ -165,6 +165,18 @@ TEST(StylesheetTest, AMessageEndsTheTransformOnlyWhereItSaysSo) {
     }
 }
 
+/** The engine alone loses its variables there. */
+TEST(StylesheetTest, AFallbackMayBeACallOnly) {
+    const std::string text =
+        "<xsl:stylesheet version='1.1' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
+        "<xsl:output method='text'/><xsl:template match='/'><xsl:variable name='v' select='2'/>"
+        "<xsl:new><xsl:fallback><xsl:call-template name='n'/></xsl:fallback></xsl:new>"
+        "<xsl:value-of select='$v'/></xsl:template><xsl:template name='n'>1</xsl:template>"
+        "</xsl:stylesheet>";
+    EXPECT_EQ(Transformation(Stylesheet::compile(Input::text(text))).toString(Input::text("<a/>")),
+              "12");
+}
+
 TEST(StylesheetTest, NestingThatWouldOverflowTheStackIsACompileError) {
     const std::string deep = std::string(100'000, '(') + "1" + std::string(100'000, ')');
     for (const std::string& content :
