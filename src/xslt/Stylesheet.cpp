@@ -440,8 +440,10 @@ Stylesheet::Data::findFunction(const XalanDOMString& uri, const XalanDOMString& 
 }
 
 const InstructionList& Stylesheet::Data::instructions() const {
-    std::call_once(m_isListed,
-                   [this] { m_instructions = std::make_unique<InstructionList>(m_elements); });
+    const std::lock_guard lock(m_listing);
+    if (!m_instructions) {
+        m_instructions = std::make_unique<InstructionList>(m_elements);
+    }
     return *m_instructions;
 }
 

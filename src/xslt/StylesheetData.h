@@ -66,7 +66,7 @@ private:
     const xalanc::StylesheetRoot* m_root = nullptr;
     /** As they were read, with some that nothing executes. */
     std::vector<const xalanc::ElemTemplateElement*> m_elements;
-    mutable std::once_flag m_isListed;
+    mutable std::mutex m_listing;
     mutable std::unique_ptr<const InstructionList> m_instructions;
 };
 
