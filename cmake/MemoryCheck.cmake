@@ -1,7 +1,7 @@
-# vexa_memory_check(TARGET [LEAKING_TESTS...]): runs a test program under valgrind, as a test of its own. It fails
-# at any error, and at any leak except those that tests/valgrind.supp lists with their causes. LEAKING_TESTS are
-# GoogleTest patterns of tests in which the engine itself leaks memory: these run separately, and only errors
-# count there.
+# vexa_memory_check(TARGET [LEAKING PATTERN...] [SLOW PATTERN...]): runs a test program under valgrind, as a test of
+# its own. It fails at any error, and at any leak except those that tests/valgrind.supp lists with their causes.
+# Patterns are those of GoogleTest. LEAKING tests are those in which the engine itself leaks memory: these run
+# separately, and only errors count there. SLOW ones are left to AddressSanitizer: each takes minutes here.
 
 include(CommandTest)
 find_program(VALGRIND valgrind REQUIRED)
@@ -10,14 +10,17 @@ find_program(VALGRIND valgrind REQUIRED)
 set(VEXA_SOME_TESTS_PASSED "\\[  PASSED  \\] [1-9]")
 
 function(vexa_memory_check target)
-  list(JOIN ARGN ":" leaking_tests)
-  add_memory_test(Memory.${target} ${target} "-${leaking_tests}" --leak-check=full
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LEAKING;SLOW")
+  set(special_tests ${arg_LEAKING} ${arg_SLOW})
+  list(JOIN special_tests ":" excluded_tests)
+  add_memory_test(Memory.${target} ${target} "-${excluded_tests}" --leak-check=full
                   --errors-for-leak-kinds=definite,indirect,possible
                   "--suppressions=${PROJECT_SOURCE_DIR}/tests/valgrind.supp")
-  if(ARGN)
+  if(arg_LEAKING)
+    list(JOIN arg_LEAKING ":" leaking_tests)
     add_memory_test(Memory.${target}.WhereTheEngineLeaks ${target} "${leaking_tests}" --leak-check=no)
   endif()
-  foreach(pattern IN LISTS ARGN)
+  foreach(pattern IN LISTS special_tests)
     string(REPLACE "*" "" name "${pattern}")
     vexa_command_test(
       Memory.${target}.HasTests.${name}
