@@ -78,24 +78,15 @@ void refuseSharedOutputs(const std::vector<BatchJob>& jobs) {
     }
 }
 
-using FileId = std::pair<dev_t, ino_t>;
-
-std::optional<FileId> idOf(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? std::optional<FileId>({status.st_dev, status.st_ino})
-                                            : std::nullopt;
-}
-
 void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& stylesheet) {
     std::map<FileId, const BatchJob*> byOutput;
     for (const BatchJob& job : jobs) {
-        if (const auto id = idOf(job.output)) {
+        if (const auto id = fileId(job.output)) {
             byOutput.emplace(*id, &job);
         }
     }
     const auto check = [&](const std::string& input) {
-        const auto path = InputArgument(input).path();
-        const auto id = path ? idOf(path->string()) : std::nullopt;
+        const auto id = InputArgument(input).id();
         const auto replacing = id ? byOutput.find(*id) : byOutput.end();
         if (replacing != byOutput.end()) {
             throw UsageError(input,
@@ -122,10 +113,9 @@ void refuseReplacingReport(const std::vector<BatchJob>& jobs, const BatchOptions
         return;
     }
     const fs::path place = fullPlace(report);
-    const auto id = idOf(report);
+    const auto id = fileId(report);
     const auto check = [&](const std::string& input) {
-        const auto path = InputArgument(input).path();
-        if (id && path && idOf(path->string()) == id) {
+        if (id && InputArgument(input).id() == id) {
             throw UsageError(report, "the report would replace " + input);
         }
     };

@@ -326,6 +326,12 @@ void checkFiles(const NamedFiles& files) {
         if (place != "/dev/null" && !places.insert(place).second) {
             throw UsageError(report, "it is the place of another output");
         }
+        const auto id = fileId(reportPath(report));
+        for (const InputArgument& input : files.inputs) {
+            if (id && input.id() == id) {
+                throw UsageError(report, "the report would replace " + input.name());
+            }
+        }
     }
     const auto count =
         std::count_if(files.inputs.begin(), files.inputs.end(),

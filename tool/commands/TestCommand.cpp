@@ -211,7 +211,7 @@ int work(const TestOptions& options, const TestFile& file, const WorkerChannel& 
 }
 
 /** What is wrong is reported. @return whether nothing is */
-bool readFiles(const TestOptions& options, std::vector<TestFile>& files) {
+bool readFiles(const TestOptions& options, std::vector<TestFile>& files, NamedFiles& named) {
     RunOptions run = options.run;
     run.limits = {};
     run.sandbox = false;
@@ -225,8 +225,10 @@ bool readFiles(const TestOptions& options, std::vector<TestFile>& files) {
         try {
             for (const std::string& name : findTestFiles(path)) {
                 try {
-                    session.names().add(InputArgument(name));
+                    session.names().add(named.inputs.emplace_back(name));
                     files.push_back(readTestFile(name, options.update, session.operationOptions()));
+                    const auto inputs = filesOf(files.back()).inputs;
+                    named.inputs.insert(named.inputs.end(), inputs.begin(), inputs.end());
                 } catch (const vexa::Error& error) {
                     report(session.describe(error));
                 }
@@ -277,14 +279,16 @@ bool runFiles(const TestOptions& options, const std::vector<TestFile>& files) {
 }
 
 int runTests(const TestOptions& options) {
-    for (const std::string& report : {options.junit, options.coverage}) {
-        if (report == STANDARD_STREAM) {
-            throw UsageError(STANDARD_STREAM, "standard output has the report in TAP");
-        }
-    }
     Timing timing;
     std::vector<TestFile> files;
-    const bool areRight = readFiles(options, files);
+    NamedFiles named;
+    const bool areRight = readFiles(options, files, named);
+    for (const std::string& report : {options.junit, options.coverage}) {
+        if (!report.empty()) {
+            named.reports.push_back(report);
+        }
+    }
+    checkFiles(named);
     timing.endPhase("test files");
     const bool arePassed = runFiles(options, files);
     timing.endPhase("cases");

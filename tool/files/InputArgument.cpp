@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -58,6 +60,13 @@ std::vector<std::string> filesIn(const fs::path& folder) {
 
 } // namespace
 
+std::optional<FileId> fileId(const fs::path& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)
+               ? std::optional<FileId>({status.st_dev, status.st_ino})
+               : std::nullopt;
+}
+
 InputArgument::InputArgument(std::string argument)
     : m_strName(std::move(argument)), m_bUri(isUri(m_strName)),
       m_strUri(m_bUri              ? m_strName
@@ -69,6 +78,11 @@ std::optional<fs::path> InputArgument::path() const {
         return pathOfFileUri(m_strUri);
     }
     return isStandardInput() ? std::nullopt : std::optional<fs::path>(m_strName);
+}
+
+std::optional<FileId> InputArgument::id() const {
+    const auto file = path();
+    return file ? fileId(*file) : std::nullopt;
 }
 
 vexa::Input InputArgument::input() const {

@@ -9,9 +9,18 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
+
+#include <sys/types.h>
 
 /** Stands for standard input or standard output on the command line. */
 constexpr const char* STANDARD_STREAM = "-";
+
+/** Which file it is, whatever its name. */
+using FileId = std::pair<dev_t, ino_t>;
+
+/** Nothing where there is no regular file. */
+std::optional<FileId> fileId(const std::filesystem::path& path);
 
 class InputArgument {
 public:
@@ -29,6 +38,8 @@ public:
 
     /** The file, by its name or by a file URI; nothing for standard input and other URIs. */
     std::optional<std::filesystem::path> path() const;
+    /** Which file that is. */
+    std::optional<FileId> id() const;
 
     bool isStandardInput() const { return m_strName == STANDARD_STREAM; }
 

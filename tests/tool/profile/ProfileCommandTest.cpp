@@ -305,6 +305,10 @@ TEST_F(ProfileCommandTest, RefusesWhatCannotBeWritten) {
     expectFailure(tool("profile ok.xsl ok.xml --html p --folded ./p"), 2, "./p: it is the place");
     expectFailure(tool("profile ok.xsl ok.xml -o p --html p"), 2, "p: it is the place");
     expectFailure(tool("profile ok.xsl ok.xml -o - --folded -"), 2, "-: it is the place");
+    expectFailure(shell("ln -s ok.xml link; vexa-xslt profile ok.xsl ok.xml --html ./link"), 2,
+                  "./link: the report would replace ok.xml");
+    expectFailure(tool("profile ok.xsl ok.xml --coverage ok.xsl"), 2,
+                  "ok.xsl: the report would replace ok.xsl");
     expectFailure(tool("profile none.xsl ok.xml"), 1, "none.xsl: ");
     const Outcome missing = tool("profile ok.xsl ok.xml --html none/p");
     EXPECT_EQ(missing.status, 1);

@@ -85,8 +85,31 @@ TEST_F(TestReportTest, JUnitAppearsAtomically) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.error,
               "vexa-xslt: none/report.xml: cannot create: No such file or directory\n");
-    expectFailure(tool("test b.tests.xml --junit -"), 2,
-                  "-: standard output has the report in TAP");
+}
+
+TEST_F(TestReportTest, NothingIsReplacedThatIsReadOrWritten) {
+    writeTests("c.tests.xml", "copy.xsl",
+               "<case name='c' source='ok.xml'><expect file='want.xml' as='xml'/></case>");
+    m_folder.write("want.xml", "<a/>");
+    const std::string before = shell("cat *").output;
+    for (const char* place : {"-", "/dev/stdout"}) {
+        expectFailure(tool("test b.tests.xml --junit " + std::string(place)), 2,
+                      std::string(place) + ": it is the place of another output");
+    }
+    expectFailure(tool("test b.tests.xml --junit report --coverage ./report"), 2,
+                  "./report: it is the place of another output");
+    shell("echo '<tests/>' >wrong.tests.xml");
+    for (const char* input : {"b.tests.xml", "copy.xsl", "ok.xml", "want.xml", "wrong.tests.xml"}) {
+        const Outcome outcome = tool("test . --coverage " + std::string(input));
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_NE(
+            outcome.error.find("vexa-xslt: " + std::string(input) + ": the report would replace "),
+            std::string::npos)
+            << outcome.error;
+    }
+    shell("rm wrong.tests.xml");
+    EXPECT_EQ(shell("cat *").output, before);
 }
 
 /** Of two files, in three processes; a run for bytes and one for the tree count once. */
