@@ -56,8 +56,9 @@ public:
                             tests.name() + ">");
         }
         check(tests, {"stylesheet"}, {"case"});
-        TestFile file{m_name, fileOf(tests, "stylesheet"), {}};
-        requireFile(tests, file.stylesheet);
+        m_stylesheet = fileOf(tests, "stylesheet");
+        requireFile(tests, m_stylesheet);
+        TestFile file{m_name, m_stylesheet, {}};
         const auto lines = linesOf("case");
         for (const Node& node : nodes(tests, "*")) {
             file.cases.push_back(readCase(node));
@@ -228,6 +229,19 @@ private:
             (test.expects(Kind::File) || test.expects(Kind::Xml) || test.expects(Kind::XPath))) {
             fail(element, name + "expects an error and a result");
         }
+        if (m_makesFiles) {
+            for (const auto& [role, input] :
+                 {std::pair("test file", m_name), std::pair("stylesheet", m_stylesheet),
+                  std::pair("source", test.source.value_or(m_name))}) {
+                const auto id = InputArgument(input).id();
+                for (const Expectation& expectation : test.expectations) {
+                    if (id && expectation.isFile() && fileId(expectation.text) == id) {
+                        fail(element, name + "expects '" + expectation.text +
+                                          "', which --update cannot write: it is the " + role);
+                    }
+                }
+            }
+        }
     }
 
     /** The document in it, as text. */
@@ -317,6 +331,7 @@ private:
     const bool m_makesFiles;
     const vexa::Options& m_options;
     const vexa::Document m_document;
+    std::string m_stylesheet;
     std::map<std::string, std::optional<vexa::XPath>> m_paths;
     std::set<std::string> m_caseNames;
 };

@@ -35,6 +35,10 @@ void TestRun::takeResult(const WorkerPool::Job& job, const Report& report) {
     std::vector<std::size_t> updated;
     for (const std::size_t index : result.outdated) {
         const std::string& name = test.expectations.at(index).text;
+        if (m_right.count(name) != 0) {
+            result.failures.push_back(name + ": not updated: another case expects it as it is");
+            continue;
+        }
         try {
             writeReport(name, report.outcome);
             updated.push_back(index);
@@ -43,6 +47,13 @@ void TestRun::takeResult(const WorkerPool::Job& job, const Report& report) {
         }
     }
     result.outdated = updated;
+    if (result.isPassed()) {
+        for (const Expectation& expectation : test.expectations) {
+            if (expectation.isFile()) {
+                m_right.insert(expectation.text);
+            }
+        }
+    }
     m_take(test, result);
 }
 

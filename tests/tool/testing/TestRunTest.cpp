@@ -88,6 +88,46 @@ TEST_F(TestRunTest, UpdatesWhatDiffersOrIsMissing) {
               "TAP version 13\n1..1\nok 1 - a.tests.xml: c\n");
 }
 
+TEST_F(TestRunTest, UpdatesReplaceNothingThatTheCaseReads) {
+    shell("echo '<a/>' >in.xml; ln -s in.xml link.xml");
+    for (const auto& [name, role] :
+         {std::pair("link.xml", "source"), std::pair("copy.xsl", "stylesheet"),
+          std::pair("a.tests.xml", "test file")}) {
+        writeTests("a.tests.xml", "copy.xsl",
+                   "<case name='c' source='in.xml'>\n<expect file='" + std::string(name) +
+                       "' as='xml'/></case>\n");
+        const std::string before = shell("cat in.xml *.xsl *.tests.xml").output;
+        const Outcome outcome = tool("test a.tests.xml --update");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "TAP version 13\n1..0\n");
+        EXPECT_EQ(outcome.error, "vexa-xslt: a.tests.xml:2: the case 'c' expects '" +
+                                     std::string(name) +
+                                     "', which --update cannot write: it is the " + role + "\n");
+        EXPECT_EQ(shell("cat in.xml *.xsl *.tests.xml").output, before);
+    }
+    writeTests("a.tests.xml", "copy.xsl",
+               "<case name='c' source='in.xml'><expect file='in.xml' as='xml'/></case>");
+    EXPECT_EQ(tool("test a.tests.xml").status, 0) << "it may be compared";
+}
+
+TEST_F(TestRunTest, UpdatesFailWhereTwoCasesDiffer) {
+    m_folder.write("out.xml", "<a>2</a>");
+    const auto cases = [](const std::string& text) {
+        return caseOf("c" + text, "<a>" + text + "</a>", "\n<expect file='out.xml'/>");
+    };
+    writeTests("a.tests.xml", "copy.xsl", cases("2") + cases("1"));
+    const Outcome kept = tool("test a.tests.xml --update");
+    EXPECT_EQ(kept.status, 1);
+    EXPECT_EQ(kept.output,
+              "TAP version 13\n1..2\nok 1 - a.tests.xml: c2\nnot ok 2 - a.tests.xml: "
+              "c1\n# a.tests.xml:4\n# out.xml: not updated: another case expects it as "
+              "it is\n");
+    EXPECT_EQ(file("out.xml"), "<a>2</a>");
+    writeTests("a.tests.xml", "copy.xsl", cases("1") + cases("2"));
+    EXPECT_EQ(tool("test a.tests.xml --update").status, 1);
+    EXPECT_EQ(file("out.xml"), "<a>1</a>") << "of the first one";
+}
+
 TEST_F(TestRunTest, UpdatesKeepTheBytesOfTheResult) {
     m_folder.write("wide.xsl", stylesheet("<xsl:output method='text' encoding='UTF-16LE'/>"));
     writeTests("a.tests.xml", "wide.xsl", caseOf("c", "<a>\xC3\xA4</a>", "<expect file='out'/>"));
