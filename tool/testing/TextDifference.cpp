@@ -177,13 +177,21 @@ private:
             edit.sign == '-' ? removed.push_back(m_expected[edit.expected])
                              : added.push_back(m_actual[edit.actual]);
         }
-        for (std::size_t i = 0; i < removed.size(); ++i) {
-            writeLine('-', removed[i], placeIn(removed[i], i < added.size() ? added[i] : ""));
-        }
-        for (std::size_t i = 0; i < added.size(); ++i) {
-            writeLine('+', added[i], placeIn(added[i], i < removed.size() ? removed[i] : ""));
-        }
+        writeLines('-', removed, added);
+        writeLines('+', added, removed);
         return begin;
+    }
+
+    /** The first ones, so that those in their place are seen, too. */
+    void writeLines(char sign, const Lines& lines, const Lines& others) {
+        constexpr std::size_t MOST_OF_A_SIGN = 20;
+        for (std::size_t i = 0; i < std::min(lines.size(), MOST_OF_A_SIGN); ++i) {
+            writeLine(sign, lines[i], placeIn(lines[i], i < others.size() ? others[i] : ""));
+        }
+        if (lines.size() > MOST_OF_A_SIGN) {
+            m_text += sign + std::string("... ") + std::to_string(lines.size() - MOST_OF_A_SIGN) +
+                      " more lines\n";
+        }
     }
 
     static bool isEnded(std::string_view line) { return !line.empty() && line.back() == '\n'; }

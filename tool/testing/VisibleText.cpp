@@ -25,6 +25,8 @@ std::u32string visible(char32_t c) {
         return U"\\t";
     case U'\r':
         return U"\\r";
+    case U'\\':
+        return U"\\\\";
     case U' ':
         return U" ";
     default:
@@ -51,8 +53,12 @@ std::u32string visibleText(const std::string& text) {
             result += visible(static_cast<unsigned char>(c));
         }
     }
-    const auto end = result.find_last_not_of(U' ') + 1;
-    std::fill(result.begin() + static_cast<std::ptrdiff_t>(end), result.end(), SPACE_AT_THE_END);
+    const auto end = result.find_last_not_of(std::u32string{U' ', SPACE_AT_THE_END}) + 1;
+    const std::u32string atTheEnd = result.substr(end);
+    result.resize(end);
+    for (const char32_t c : atTheEnd) {
+        result += c == U' ' ? std::u32string(1, SPACE_AT_THE_END) : U"\\u{B7}";
+    }
     return result;
 }
 
