@@ -5,6 +5,8 @@
 #include "xslt/Uri.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -19,8 +21,16 @@ std::string line(const std::string& key, std::uint64_t value) {
     return key + ":" + std::to_string(value) + "\n";
 }
 
-std::string record(const std::string& uri, const Coverage::Module& module) {
+/** The same for all names of a file. */
+std::string sourceName(const std::string& uri) {
     const auto path = pathOfFileUri(uri);
+    std::error_code ignored;
+    return path          ? std::filesystem::weakly_canonical(*path, ignored).string()
+           : uri.empty() ? STANDARD_STREAM
+                         : uri;
+}
+
+std::string record(const std::string& source, const Coverage::Module& module) {
     std::string functions;
     std::string calls;
     std::uint64_t called = 0;
@@ -40,12 +50,9 @@ std::string record(const std::string& uri, const Coverage::Module& module) {
         lines += "DA:" + std::to_string(number) + "," + std::to_string(count) + "\n";
         executed += count > 0 ? 1 : 0;
     }
-    return "SF:" +
-           (path          ? path->string()
-            : uri.empty() ? STANDARD_STREAM
-                          : uri) +
-           "\n" + functions + calls + line("FNF", module.routines.size()) + line("FNH", called) +
-           lines + line("LF", module.lines.size()) + line("LH", executed) + "end_of_record\n";
+    return "SF:" + source + "\n" + functions + calls + line("FNF", module.routines.size()) +
+           line("FNH", called) + lines + line("LF", module.lines.size()) + line("LH", executed) +
+           "end_of_record\n";
 }
 
 } // namespace
@@ -82,9 +89,15 @@ void Coverage::add(const Coverage& other) {
 }
 
 std::string Coverage::lcov() const {
-    std::string text = "TN:\n";
+    Coverage bySource;
     for (const auto& [uri, module] : m_modules) {
-        text += record(uri, module);
+        Coverage part;
+        part.m_modules[sourceName(uri)] = module;
+        bySource.add(part);
+    }
+    std::string text = "TN:\n";
+    for (const auto& [source, module] : bySource.m_modules) {
+        text += record(source, module);
     }
     return text;
 }
