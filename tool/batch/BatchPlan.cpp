@@ -99,12 +99,6 @@ void refuseReplacedInputs(const std::vector<BatchJob>& jobs, const std::string& 
     }
 }
 
-/** Also of a file that is not there yet; empty where it cannot be known. */
-fs::path fullPlace(const std::string& output) {
-    std::error_code ignored;
-    return fs::weakly_canonical(fs::absolute(outputPlace(output), ignored), ignored);
-}
-
 void refuseReplacingReport(const std::vector<BatchJob>& jobs, const BatchOptions& options) {
     const std::string& report = options.report;
     std::error_code ignored;

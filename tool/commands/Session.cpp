@@ -113,12 +113,6 @@ int runGuarded(const RunOptions& options, const NamedFiles& files, const InputAr
     return EXIT_DONE;
 }
 
-/** Where an output goes; the same for all of its names. */
-fs::path placeOf(const std::string& output) {
-    std::error_code ignored;
-    return fs::weakly_canonical(fs::absolute(outputPlace(reportPath(output)), ignored), ignored);
-}
-
 /** In a sandbox. */
 std::vector<fs::path> readableFolders(const RunOptions& options, const NamedFiles& files) {
     auto folders = files.folders();
@@ -320,9 +314,9 @@ void checkFiles(const NamedFiles& files) {
     if (files.output.empty()) {
         throw UsageError("-o", "empty file name");
     }
-    std::set<fs::path> places{placeOf(files.output)};
+    std::set<fs::path> places{fullPlace(reportPath(files.output))};
     for (const std::string& report : files.reports) {
-        const fs::path place = placeOf(report);
+        const fs::path place = fullPlace(reportPath(report));
         if (place != "/dev/null" && !places.insert(place).second) {
             throw UsageError(report, "it is the place of another output");
         }

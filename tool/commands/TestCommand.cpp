@@ -3,6 +3,7 @@
 #include "base/Errors.h"
 #include "commands/Session.h"
 #include "files/ErrorJson.h"
+#include "files/OutputPlace.h"
 #include "files/ReportFile.h"
 #include "testing/CaseCheck.h"
 #include "testing/JUnitReport.h"
@@ -15,11 +16,14 @@
 #include <CLI/CLI.hpp>
 
 #include <chrono>
+#include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <new>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <variant>
 
 namespace {
@@ -92,11 +96,7 @@ public:
             beginCounting(run);
             const vexa::Document source = sourceOf(test);
             for (const TestCase::Param& param : test.params) {
-                const auto* const value = std::get_if<vexa::Value>(&param.value);
-                run.parameter(param.name,
-                              value ? *value
-                                    : std::get<vexa::XPath>(param.value)
-                                          .evaluate(source, m_session.operationOptions()));
+                run.parameter(param.name, valueOf(param, source));
             }
             if (test.expects(Kind::File) || test.expects(Kind::Xml) || !needsTree) {
                 outcome.result = run.toString(source);
@@ -113,6 +113,21 @@ public:
             outcome.error = {"Limit", "out of memory", oneLine(m_file.name) + ": out of memory"};
         }
         return outcome;
+    }
+
+    /** Without what the stylesheet reads by document(). */
+    std::set<FileId> filesRead(const TestCase& test) const {
+        std::vector<std::string> names =
+            m_stylesheet ? m_stylesheet->modules() : std::vector{m_file.stylesheet};
+        names.push_back(m_file.name);
+        names.push_back(test.source.value_or(m_file.name));
+        std::set<FileId> ids;
+        for (const std::string& name : names) {
+            if (const auto id = InputArgument(name).id()) {
+                ids.insert(*id);
+            }
+        }
+        return ids;
     }
 
     /** Of the last run. */
@@ -145,6 +160,19 @@ private:
             throw vexa::Error(*m_error);
         }
         return *m_stylesheet;
+    }
+
+    vexa::Value valueOf(const TestCase::Param& param, const vexa::Document& source) {
+        if (const auto* const value = std::get_if<vexa::Value>(&param.value)) {
+            return *value;
+        }
+        try {
+            return std::get<vexa::XPath>(param.value)
+                .evaluate(source, m_session.operationOptions());
+        } catch (const vexa::Error& error) {
+            throw vexa::Error(error.kind(), "<param> " + param.name + ": " + error.text(),
+                              error.where());
+        }
     }
 
     vexa::Document sourceOf(const TestCase& test) {
@@ -196,7 +224,9 @@ int work(const TestOptions& options, const TestFile& file, const WorkerChannel& 
             const Clock::time_point begin = Clock::now();
             const CaseOutcome outcome = runner.run(test);
             CaseResult result =
-                checkCase(test, outcome, options.update, session.operationOptions());
+                checkCase(test, outcome,
+                          options.update ? std::optional(runner.filesRead(test)) : std::nullopt,
+                          session.operationOptions());
             result.milliseconds =
                 std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
             result.coverage = runner.coverage();
@@ -211,52 +241,79 @@ int work(const TestOptions& options, const TestFile& file, const WorkerChannel& 
 }
 
 /** What is wrong is reported. @return whether nothing is */
-bool readFiles(const TestOptions& options, std::vector<TestFile>& files, NamedFiles& named) {
+bool readFiles(const TestOptions& options, std::vector<TestFile>& files, NamedFiles& named,
+               JUnitReport& junit) {
     RunOptions run = options.run;
     run.limits = {};
     run.sandbox = false;
     Session session(run, {}, [](const vexa::Diagnostic&, const std::string&) {});
     bool areRight = true;
-    const auto report = [&](const std::string& text) {
+    const auto report = [&](const std::string& name, const std::string& text) {
         printError(text);
+        junit.addWrong(name, text);
         areRight = false;
     };
     for (const std::string& path : options.paths) {
         try {
-            for (const std::string& name : findTestFiles(path)) {
+            const FoundTestFiles found = findTestFiles(path);
+            for (const Failure& failure : found.failures) {
+                report(path, oneLine(failure.what()));
+            }
+            for (const std::string& name : found.names) {
                 try {
                     session.names().add(named.inputs.emplace_back(name));
                     files.push_back(readTestFile(name, options.update, session.operationOptions()));
                     const auto inputs = filesOf(files.back()).inputs;
                     named.inputs.insert(named.inputs.end(), inputs.begin(), inputs.end());
                 } catch (const vexa::Error& error) {
-                    report(session.describe(error));
+                    report(name, session.describe(error));
                 }
             }
         } catch (const Failure& failure) {
-            report(oneLine(failure.what()));
+            report(path, oneLine(failure.what()));
         }
     }
     return areRight;
 }
 
-/** @throws Failure */
-void write(const std::string& name, const std::string& text) {
+/** Where a report is wanted. An error is reported. @return whether there is none */
+bool write(const std::string& name, const std::string& text) {
     try {
         if (!name.empty()) {
             writeReport(name, text);
         }
+        return true;
     } catch (const vexa::Error& error) {
-        throw Failure(name, error.text());
+        printError(Failure(name, error.text()).what());
+        return false;
     }
 }
 
-/** @return whether no case has failed */
-bool runFiles(const TestOptions& options, const std::vector<TestFile>& files) {
+/** For files that would be written anew. */
+void markSharedFiles(std::vector<TestFile>& files) {
+    std::map<std::filesystem::path, std::set<const TestCase*>> casesByPlace;
+    const auto forEach = [&](const auto& handle) {
+        for (TestFile& file : files) {
+            for (TestCase& test : file.cases) {
+                for (Expectation& expectation : test.expectations) {
+                    if (expectation.isFile()) {
+                        handle(test, expectation, casesByPlace[fullPlace(expectation.text)]);
+                    }
+                }
+            }
+        }
+    };
+    forEach([](const TestCase& test, Expectation& /*expectation*/,
+               std::set<const TestCase*>& cases) { cases.insert(&test); });
+    forEach([](const TestCase& /*test*/, Expectation& expectation,
+               std::set<const TestCase*>& cases) { expectation.isShared = cases.size() > 1; });
+}
+
+/** @return whether no case has failed, and the reports are written */
+bool runFiles(const TestOptions& options, const std::vector<TestFile>& files, JUnitReport& junit) {
     TapReport tap(std::accumulate(
         files.begin(), files.end(), std::size_t{0},
         [](std::size_t sum, const TestFile& file) { return sum + file.cases.size(); }));
-    JUnitReport junit;
     Coverage coverage;
     for (const TestFile& file : files) {
         junit.begin(file);
@@ -273,24 +330,28 @@ bool runFiles(const TestOptions& options, const std::vector<TestFile>& files) {
         run.run();
         junit.end();
     }
-    write(options.junit, junit.text());
-    write(options.coverage, coverage.lcov());
-    return !tap.hasFailed();
+    const bool hasJunit = write(options.junit, junit.text());
+    const bool hasCoverage = write(options.coverage, coverage.lcov());
+    return hasJunit && hasCoverage && !tap.hasFailed();
 }
 
 int runTests(const TestOptions& options) {
     Timing timing;
     std::vector<TestFile> files;
     NamedFiles named;
-    const bool areRight = readFiles(options, files, named);
+    JUnitReport junit;
+    const bool areRight = readFiles(options, files, named, junit);
     for (const std::string& report : {options.junit, options.coverage}) {
         if (!report.empty()) {
             named.reports.push_back(report);
         }
     }
     checkFiles(named);
+    if (options.update) {
+        markSharedFiles(files);
+    }
     timing.endPhase("test files");
-    const bool arePassed = runFiles(options, files);
+    const bool arePassed = runFiles(options, files, junit);
     timing.endPhase("cases");
     if (options.run.timing && !options.run.quiet) {
         std::cerr << timing.report();

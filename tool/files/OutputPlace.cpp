@@ -25,6 +25,11 @@ fs::path outputPlace(fs::path output) {
     return output;
 }
 
+fs::path fullPlace(const std::string& output) {
+    std::error_code ignored;
+    return fs::weakly_canonical(fs::absolute(outputPlace(output), ignored), ignored);
+}
+
 std::string writablePath(const std::string& output) {
     const bool isStandardError = output == "/dev/stderr" || output == "/dev/fd/2";
     return isStandardError ? "/dev/fd/" + std::to_string(errorDescriptor()) : output;

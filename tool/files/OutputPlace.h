@@ -13,5 +13,8 @@
  */
 std::filesystem::path outputPlace(std::filesystem::path output);
 
+/** The same for all names of a place; empty where it cannot be known. */
+std::filesystem::path fullPlace(const std::string& output);
+
 /** The name by which an output is opened: standard error may have another descriptor by now. */
 std::string writablePath(const std::string& output);

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 namespace {
 
@@ -34,12 +35,35 @@ std::string valueText(const vexa::Value& value) {
     return "{" + text + (nodes.size() > MOST_NODES ? ", ...}" : "}");
 }
 
+/**
+ * A DTD for a document whose own is not read: each entity that the text may refer to is "&name;",
+ * so that it is part of a comparison.
+ */
+std::string declarationsOf(const std::string& text) {
+    static const std::regex REFERENCE("&([A-Za-z_:][A-Za-z0-9_.:-]*);");
+    std::set<std::string> names;
+    for (std::sregex_iterator found(text.begin(), text.end(), REFERENCE), end; found != end;
+         ++found) {
+        names.insert((*found)[1]);
+    }
+    for (const char* name : {"lt", "gt", "amp", "apos", "quot"}) {
+        names.erase(name);
+    }
+    std::string declarations;
+    for (const std::string& name : names) {
+        declarations += "<!ENTITY " + name + " \"&#38;#38;" + name + ";\">";
+    }
+    return declarations;
+}
+
 class CaseCheck {
 public:
-    CaseCheck(const TestCase& test, const CaseOutcome& outcome, bool makesFiles,
-              const vexa::Options& options)
-        : m_test(test), m_outcome(outcome), m_makesFiles(makesFiles), m_options(options) {
-        m_options.onMessage = {};
+    CaseCheck(const TestCase& test, const CaseOutcome& outcome,
+              const std::optional<std::set<FileId>>& keptFiles, const vexa::Options& options)
+        : m_test(test), m_outcome(outcome), m_keptFiles(keptFiles), m_options(options) {
+        m_options.onMessage = [this](const vexa::Diagnostic& warning) {
+            m_warnings.push_back("warning: " + oneLine(warning.text));
+        };
     }
 
     CaseResult check() {
@@ -51,9 +75,11 @@ public:
         for (std::size_t i = 0; i < m_test.expectations.size(); ++i) {
             check(i);
         }
+        keepFiles();
         if (!m_result.isPassed()) {
-            m_result.failures.insert(m_result.failures.end(), m_outcome.warnings.begin(),
-                                     m_outcome.warnings.end());
+            for (const auto& warnings : {m_outcome.warnings, m_warnings}) {
+                m_result.failures.insert(m_result.failures.end(), warnings.begin(), warnings.end());
+            }
         }
         return m_result;
     }
@@ -66,13 +92,38 @@ private:
         };
         try {
             const std::string failure = failureOf(expectation);
-            if (!failure.empty() && m_makesFiles && expectation.isFile()) {
+            if (!failure.empty() && m_keptFiles && expectation.isFile()) {
                 m_result.outdated.push_back(index);
             } else if (!failure.empty()) {
                 fail(failure);
             }
         } catch (const vexa::Error& error) {
+            m_result.isError = m_result.isError || error.kind() == vexa::ErrorKind::Limit;
             fail(error.text());
+        }
+    }
+
+    /** None of the files that differ is written anew where one may not be, or the case failed. */
+    void keepFiles() {
+        const auto causeToKeep = [this](const Expectation& expectation) {
+            const auto id = fileId(expectation.text);
+            return !id                            ? ""
+                   : m_keptFiles->count(*id) != 0 ? "the case reads it"
+                   : expectation.isShared         ? "several cases expect it"
+                                                  : "";
+        };
+        std::vector<std::string> failures;
+        bool mayUpdate = m_result.isPassed();
+        for (const std::size_t index : m_result.outdated) {
+            const Expectation& expectation = m_test.expectations[index];
+            const std::string cause = causeToKeep(expectation);
+            mayUpdate = mayUpdate && cause.empty();
+            failures.push_back(expectation.title() + ": the result differs; not updated, as " +
+                               (cause.empty() ? "the case failed" : cause));
+        }
+        if (!mayUpdate) {
+            m_result.failures.insert(m_result.failures.end(), failures.begin(), failures.end());
+            m_result.outdated.clear();
         }
     }
 
@@ -140,22 +191,28 @@ private:
     }
 
     std::string fileFailure(const Expectation& expectation) const {
+        std::optional<vexa::Document> actual;
+        if (expectation.kind == Expectation::Kind::Xml) {
+            actual = parse(m_outcome.result, "the result");
+        }
         std::ifstream file(expectation.text, std::ios::binary);
         const std::string expected{std::istreambuf_iterator<char>(file), {}};
         if (!file) {
             return systemMessage(errno);
         }
-        if (expectation.kind == Expectation::Kind::File) {
+        if (!actual) {
             return expected == m_outcome.result
                        ? ""
                        : "the result differs\n" +
                              textDifference(expectation.text, expected, m_outcome.result);
         }
-        const vexa::Document actual = parse(m_outcome.result, "the result");
         try {
-            const std::string difference = treeDifference(parse(expected, "the file"), actual);
+            const std::string difference = treeDifference(parse(expected, "the file"), *actual);
             return difference.empty() ? "" : "the result differs\n" + difference;
         } catch (const vexa::Error& error) {
+            if (error.kind() == vexa::ErrorKind::Limit) {
+                throw;
+            }
             return error.text();
         }
     }
@@ -164,8 +221,8 @@ private:
     vexa::Document parse(const std::string& text, const std::string& name) const {
         vexa::Options options = m_options;
         options.access.externalEntities = true;
-        options.resolver = [](const std::string& uri, const std::string& /*base*/) {
-            return vexa::Input::text("", uri);
+        options.resolver = [&](const std::string& uri, const std::string& /*base*/) {
+            return vexa::Input::text(declarationsOf(text), uri);
         };
         try {
             return vexa::Document::parse(vexa::Input::view(text), options);
@@ -178,14 +235,16 @@ private:
 
     const TestCase& m_test;
     const CaseOutcome& m_outcome;
-    const bool m_makesFiles;
+    const std::optional<std::set<FileId>>& m_keptFiles;
     vexa::Options m_options;
+    std::vector<std::string> m_warnings;
     CaseResult m_result;
 };
 
 } // namespace
 
-CaseResult checkCase(const TestCase& test, const CaseOutcome& outcome, bool makesFiles,
+CaseResult checkCase(const TestCase& test, const CaseOutcome& outcome,
+                     const std::optional<std::set<FileId>>& keptFiles,
                      const vexa::Options& options) {
-    return CaseCheck(test, outcome, makesFiles, options).check();
+    return CaseCheck(test, outcome, keptFiles, options).check();
 }

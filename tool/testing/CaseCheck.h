@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include "files/InputArgument.h"
 #include "testing/CaseResult.h"
 #include "testing/TestFile.h"
 
@@ -11,6 +12,7 @@
 #include <vexa/xslt/Options.h>
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,8 +37,9 @@ struct CaseOutcome {
 };
 
 /**
- * @param makesFiles whether a file that differs is to be written anew
- * @param options    of reading trees and of expressions
+ * @param keptFiles what the case reads, where files that differ are to be written anew
+ * @param options   of reading trees and of expressions
  */
-CaseResult checkCase(const TestCase& test, const CaseOutcome& outcome, bool makesFiles,
+CaseResult checkCase(const TestCase& test, const CaseOutcome& outcome,
+                     const std::optional<std::set<FileId>>& keptFiles,
                      const vexa::Options& options);

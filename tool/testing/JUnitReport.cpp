@@ -89,6 +89,17 @@ void JUnitReport::end() {
                 attribute("hostname", hostName()) + ">\n" + m_cases + "  </testsuite>\n";
 }
 
+void JUnitReport::addWrong(const std::string& name, const std::string& error) {
+    TestCase test;
+    test.name = "the test file";
+    CaseResult result;
+    result.failures = {error};
+    result.isError = true;
+    begin({name, {}, {}});
+    add(test, result);
+    end();
+}
+
 std::string JUnitReport::text() const {
     return R"(<?xml version="1.0" encoding="UTF-8"?>)"
            "\n<testsuites" +

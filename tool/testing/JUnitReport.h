@@ -19,6 +19,8 @@ public:
     void add(const TestCase& test, const CaseResult& result);
     /** Ends the file that was begun. */
     void end();
+    /** A test file that cannot be run. */
+    void addWrong(const std::string& name, const std::string& error);
 
     std::string text() const;
 

@@ -30,6 +30,8 @@ struct Expectation {
     vexa::XPath expression;
     /** The prefixes of the expression. */
     vexa::Namespaces namespaces;
+    /** Other cases expect the file, too. */
+    bool isShared = false;
 
     bool isFile() const { return kind == Kind::File || kind == Kind::Xml; }
     /** For reports. */

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,10 +36,6 @@ void TestRun::takeResult(const WorkerPool::Job& job, const Report& report) {
     std::vector<std::size_t> updated;
     for (const std::size_t index : result.outdated) {
         const std::string& name = test.expectations.at(index).text;
-        if (m_right.count(name) != 0) {
-            result.failures.push_back(name + ": not updated: another case expects it as it is");
-            continue;
-        }
         try {
             writeReport(name, report.outcome);
             updated.push_back(index);
@@ -47,13 +44,6 @@ void TestRun::takeResult(const WorkerPool::Job& job, const Report& report) {
         }
     }
     result.outdated = updated;
-    if (result.isPassed()) {
-        for (const Expectation& expectation : test.expectations) {
-            if (expectation.isFile()) {
-                m_right.insert(expectation.text);
-            }
-        }
-    }
     m_take(test, result);
 }
 
@@ -64,7 +54,7 @@ void TestRun::takeLost(const WorkerPool::Job& job, const ChildProcess::End& end,
     CaseOutcome outcome;
     outcome.error = {end.wasLate ? "Limit" : "Crash", cause,
                      oneLine(m_file.stylesheet + ": " + cause)};
-    CaseResult result = checkCase(test, outcome, false, {});
+    CaseResult result = checkCase(test, outcome, std::nullopt, {});
     result.milliseconds = milliseconds;
     m_take(test, result);
 }

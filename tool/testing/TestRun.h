@@ -9,8 +9,6 @@
 #include "testing/TestFile.h"
 
 #include <functional>
-#include <set>
-#include <string>
 
 /** The cases run in another process, one after the other. One that ends the process is failed. */
 class TestRun {
@@ -37,7 +35,5 @@ private:
     const TestFile& m_file;
     const Limits m_limits;
     const Take m_take;
-    /** Files that are what a passed case expects. */
-    std::set<std::string> m_right;
     WorkerPool m_pool;
 };

@@ -1,6 +1,5 @@
 #include "testing/TestSearch.h"
 
-#include "base/Errors.h"
 #include "base/Suggestion.h"
 #include "files/InputArgument.h"
 
@@ -23,30 +22,41 @@ bool isTestFile(const fs::directory_entry& entry) {
            entry.is_regular_file(ignored);
 }
 
+void search(const fs::path& folder, FoundTestFiles& found) {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code ignored;
+        if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) {
+            search(entry->path(), found);
+        } else if (isTestFile(*entry)) {
+            found.names.push_back(entry->path().lexically_normal().string());
+        }
+    }
+    if (error) {
+        found.failures.emplace_back(folder.string(), error.message());
+    }
+}
+
 } // namespace
 
-std::vector<std::string> findTestFiles(const std::string& path) {
+FoundTestFiles findTestFiles(const std::string& path) {
+    if (path.empty()) {
+        throw UsageError("''", "empty file name");
+    }
     std::error_code error;
     if (!fs::exists(path, error)) {
         throw Failure(path, systemMessage(error ? error.value() : ENOENT) +
                                 didYouMean(nearestFile(path)));
     }
     if (!fs::is_directory(path, error)) {
-        return {path};
+        return {{path}, {}};
     }
-    std::vector<std::string> names;
-    fs::recursive_directory_iterator entry(path, error);
-    for (; !error && entry != fs::end(entry); entry.increment(error)) {
-        if (isTestFile(*entry)) {
-            names.push_back(entry->path().lexically_normal().string());
-        }
-    }
-    if (error) {
-        throw Failure(path, error.message());
-    }
-    if (names.empty()) {
+    FoundTestFiles found;
+    search(path, found);
+    if (found.names.empty() && found.failures.empty()) {
         throw Failure(path, "there is no file *.tests.xml in this folder");
     }
-    std::sort(names.begin(), names.end());
-    return names;
+    std::sort(found.names.begin(), found.names.end());
+    return found;
 }

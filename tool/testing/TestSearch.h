@@ -4,12 +4,21 @@
  */
 #pragma once
 
+#include "base/Errors.h"
+
 #include <string>
 #include <vector>
 
+struct FoundTestFiles {
+    /** Sorted. */
+    std::vector<std::string> names;
+    /** Of folders that cannot be read. */
+    std::vector<Failure> failures;
+};
+
 /**
- * The file itself; of a folder all files "*.tests.xml" in it and the folders below it, sorted.
+ * The file itself; of a folder all files "*.tests.xml" in it and the folders below it.
  *
- * @throws Failure where there is no such file, no test file in the folder, or one cannot be read
+ * @throws Failure where there is no such file, or no test file in the folder
  */
-std::vector<std::string> findTestFiles(const std::string& path);
+FoundTestFiles findTestFiles(const std::string& path);

@@ -54,6 +54,44 @@ TEST_F(ExpectationTest, AFileCanBeComparedAsATree) {
               0U);
 }
 
+/** Their texts are not known, but what refers to them is compared. */
+TEST_F(ExpectationTest, EntitiesOfADtdThatIsNotReadAreNotLost) {
+    const char* const expectation = "<expect file='a.xml' as='xml'/>";
+    const auto write = [&](const std::string& content) {
+        m_folder.write("a.xml", "<!DOCTYPE a SYSTEM 'none.dtd' [<!ENTITY own 'z'>]>" + content);
+    };
+    write("<a>x&nbsp;y</a>");
+    EXPECT_EQ(report("copy.xsl", "<a>xy</a>", expectation),
+              "# file a.xml as xml: the result differs\n"
+              "# /a[1]/text()[1]: expected 'x&nbsp;y', got 'xy'\n");
+    write("<a b='&u;'/>");
+    EXPECT_EQ(report("copy.xsl", "<a b=''/>", expectation),
+              "# file a.xml as xml: the result differs\n"
+              "# /a[1]/@b: expected '&u;', got ''\n");
+    write("<a b='&lt;'>&own;&amp;<!--&x;--><![CDATA[&y;]]></a>");
+    EXPECT_EQ(report("copy.xsl", "<a b='&lt;'>z&amp;<!--&x;-->&amp;y;</a>", expectation), PASSED);
+    m_folder.write("a.xml", "<!DOCTYPE a [<!ENTITY e SYSTEM 'e.xml'>]><a>&e;</a>");
+    m_folder.write("e.xml", "x");
+    EXPECT_EQ(report("copy.xsl", "<a/>", expectation)
+                  .rfind("# file a.xml as xml: the file cannot be read as XML: line 1: ", 0),
+              0U);
+}
+
+TEST_F(ExpectationTest, AFileMayBeAUri) {
+    m_folder.write("a b.txt", "<a/>");
+    const std::string uri = "file://" + m_folder.path("a%20b.txt");
+    EXPECT_EQ(report("copy.xsl", "<a/>", "<expect file='" + uri + "'/>"), PASSED);
+    m_folder.write("a b.txt", "");
+    EXPECT_EQ(report("copy.xsl", "<a/>", "<expect file='" + uri + "'/>", "--update"),
+              PASSED + ("# updated " + m_folder.path("a b.txt") + "\n"));
+}
+
+TEST_F(ExpectationTest, WarningsOfExpressionsAreShown) {
+    EXPECT_NE(report("copy.xsl", "<a/>", "<expect xpath=\"document('none.xml')\"/>")
+                  .find("it is an empty node-set\n# warning: "),
+              std::string::npos);
+}
+
 TEST_F(ExpectationTest, AnExpressionIsTrueOverTheResultTree) {
     m_folder.write("page.xsl", stylesheet("<xsl:output method='html'/><xsl:template match='/'>"
                                           "<html><br/><xsl:copy-of select='*'/></html>"

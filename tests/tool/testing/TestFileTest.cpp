@@ -1,5 +1,6 @@
 #include "TestingTest.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -87,6 +88,23 @@ TEST_F(TestFileTest, WithoutAnyThereIsAnError) {
                              "'a.tests.xml'?\n");
     EXPECT_EQ(tool("test a.tests.xml").status, 0) << "a file without cases";
     expectFailure(tool("test"), 2, "PATH");
+    expectFailure(tool("test ''"), 2, "'': empty file name");
+}
+
+/** Nobody can read a folder by a name that is too long, also not root. */
+TEST_F(TestFileTest, AFolderThatCannotBeReadHidesNoOther) {
+    writeTests("a.tests.xml", m_folder.path("copy.xsl"),
+               caseOf("c", "<a/>", "<expect xpath='a'/>"));
+    const Outcome outcome = shell(
+        "mkdir -p d/sub; cp a.tests.xml d; cp a.tests.xml d/sub; cd d; name=$(printf %0250d); "
+        "for i in {1..17}; do mkdir $name; cd -P $name; done; cd " +
+        m_folder.path(".") + "; vexa-xslt test d; status=$?; rm -r d; exit $status");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error.rfind("vexa-xslt: d/0000", 0), 0U) << outcome.error;
+    EXPECT_NE(outcome.error.find("0: File name too long\n"), std::string::npos) << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1);
+    EXPECT_EQ(outcome.output,
+              "TAP version 13\n1..2\nok 1 - d/a.tests.xml: c\nok 2 - d/sub/a.tests.xml: c\n");
 }
 
 TEST_F(TestFileTest, WrongOnesAreRefusedWithTheLine) {
@@ -130,11 +148,17 @@ TEST_F(TestFileTest, WrongOnesAreRefusedWithTheLine) {
         {inCase("<param name='a' number='x'/>"), "4: <param> a=x: expected a number, got 'x'"},
         {inCase("<param name='a b' value='x'/>"),
          "4: <param> a b=x: expected a name such as title or {urn:example}title, got 'a b'"},
+        {inCase("<param name='a=b' value='x'/>"), "4: <param> a=b: a name has no ="},
+        {inCase("<param name='a' value='x'/>\n<param name='a' number='1'/>"),
+         "5: there are two parameters 'a'"},
         {inCase("<expect/>"),
          "4: <expect> has one of the attributes 'file', 'xpath', 'message' and 'error'"},
         {inCase("<expect xpath='a' message='b'/>"),
          "4: <expect> has one of the attributes 'file', 'xpath', 'message' and 'error'"},
         {inCase("<expect file='none.xml'/>"), "4: there is no file 'none.xml'"},
+        {inCase("<expect file='.'/>"), "4: '.' is no regular file"},
+        {inCase("<expect file='http://host.invalid/a.xml'/>"),
+         "4: 'http://host.invalid/a.xml' is no regular file"},
         {inCase("<expect file='ok.xml' as='html'/>"), "4: expected as=\"xml\", got as=\"html\""},
         {inCase("<expect xpath='a' as='xml'/>"),
          "4: the attribute 'as' belongs to 'file', and not to 'xpath'"},

@@ -18,6 +18,12 @@ protected:
     std::string inReport(const std::string& expression) {
         return tool("xpath '" + expression + "' report.xml").output;
     }
+
+    void expectValidReport() {
+        const Outcome valid = shell("xmllint --noout --schema '" +
+                                    projectFile("tests/tool/testing/junit.xsd") + "' report.xml");
+        EXPECT_EQ(valid.status, 0) << valid.error << file("report.xml");
+    }
 };
 
 TEST_F(TestReportTest, ProveReadsIt) {
@@ -62,9 +68,7 @@ TEST_F(TestReportTest, JUnitIsValid) {
                caseOf("odd", "<a/>", "<expect file='odd.txt'/><expect message='x'/>"));
     EXPECT_EQ(tool("test . --junit report.xml").status, 1);
     EXPECT_EQ(permissions("report.xml") & 0600U, 0600U);
-    const Outcome valid = shell("xmllint --noout --schema '" +
-                                projectFile("tests/tool/testing/junit.xsd") + "' report.xml");
-    EXPECT_EQ(valid.status, 0) << valid.error << file("report.xml");
+    expectValidReport();
     EXPECT_EQ(inReport("string(/testsuites/@tests)"), "5\n");
     EXPECT_EQ(inReport("string(/testsuites/@failures)"), "2\n");
     EXPECT_EQ(inReport("count(/testsuites/testsuite)"), "4\n");
@@ -85,6 +89,46 @@ TEST_F(TestReportTest, JUnitAppearsAtomically) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.error,
               "vexa-xslt: none/report.xml: cannot create: No such file or directory\n");
+    EXPECT_EQ(tool("test b.tests.xml --junit none/report.xml --coverage b.info").status, 1);
+    EXPECT_NE(file("b.info").find("end_of_record\n"), std::string::npos)
+        << "one report does not take the other with it";
+}
+
+TEST_F(TestReportTest, ALimitInAnExpressionIsAnError) {
+    std::string items;
+    for (int i = 0; i < 3000; ++i) {
+        items += "<n/>";
+    }
+    writeTests("a.tests.xml", "copy.xsl",
+               caseOf("slow", "<a>" + items + "</a>",
+                      "<expect xpath='count(//n[count(//n[count(//n) = 1]) = 2]) = 3'/>"));
+    EXPECT_EQ(tool("test a.tests.xml --max-seconds 1 --junit report.xml").status, 1);
+    EXPECT_NE(file("report.xml").find("</error>"), std::string::npos) << file("report.xml");
+}
+
+TEST_F(TestReportTest, JUnitHasWrongTestFiles) {
+    shell("echo '<tests/>' >'wrong<.tests.xml'");
+    EXPECT_EQ(tool("test . none --junit report.xml").status, 2);
+    expectValidReport();
+    EXPECT_EQ(inReport("string(/*/@errors)"), "2\n");
+    EXPECT_EQ(inReport("string(//testsuite[@name = \"wrong<.tests.xml\"]//error/@message)"),
+              "wrong<.tests.xml:1: expected <tests xmlns=\"http://vexa.example/xslt/test\">, got "
+              "<tests>\n");
+    EXPECT_EQ(inReport("string(//testsuite[@name = \"none\"]//error/@message)"),
+              "none: No such file or directory\n");
+}
+
+TEST_F(TestReportTest, CoverageKnowsAFileByAllOfItsNames) {
+    shell("mkdir sub; ln -s copy.xsl link.xsl");
+    const std::string one = caseOf("c", "<a/>", "<expect xpath='a'/>");
+    writeTests("a.tests.xml", "copy.xsl", one);
+    writeTests("b.tests.xml", "link.xsl", one);
+    writeTests("sub/c.tests.xml", "../copy.xsl", one);
+    EXPECT_EQ(tool("test . --coverage lines.info").status, 0);
+    const std::string lines = file("lines.info");
+    EXPECT_EQ(lines.rfind("TN:\nSF:" + m_folder.path("copy.xsl") + "\n", 0), 0U) << lines;
+    EXPECT_EQ(lines.find("SF:"), lines.rfind("SF:")) << lines;
+    EXPECT_NE(lines.find("FNDA:3,match=\"/\"\n"), std::string::npos) << lines;
 }
 
 TEST_F(TestReportTest, NothingIsReplacedThatIsReadOrWritten) {

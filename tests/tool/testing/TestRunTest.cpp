@@ -1,6 +1,8 @@
 #include "TestingTest.h"
 #include "support/MemoryChecker.h"
 
+#include <tuple>
+
 /** Cases that end their process, and what a run writes. */
 class TestRunTest : public TestingTest {
 protected:
@@ -89,43 +91,57 @@ TEST_F(TestRunTest, UpdatesWhatDiffersOrIsMissing) {
 }
 
 TEST_F(TestRunTest, UpdatesReplaceNothingThatTheCaseReads) {
-    shell("echo '<a/>' >in.xml; ln -s in.xml link.xml");
-    for (const auto& [name, role] :
-         {std::pair("link.xml", "source"), std::pair("copy.xsl", "stylesheet"),
-          std::pair("a.tests.xml", "test file")}) {
-        writeTests("a.tests.xml", "copy.xsl",
-                   "<case name='c' source='in.xml'>\n<expect file='" + std::string(name) +
-                       "' as='xml'/></case>\n");
+    shell("echo '<b/>' >in.xml; ln -s in.xml link.xml");
+    m_folder.write("wrap.xsl", stylesheet("<xsl:import href='copy.xsl'/><xsl:template match='b'>"
+                                          "<c/></xsl:template>"));
+    for (const char* name : {"link.xml", "wrap.xsl", "copy.xsl", "a.tests.xml"}) {
+        m_folder.write("wrap.xsl",
+                       stylesheet("<xsl:import href='copy.xsl'/><xsl:template match='/'>"
+                                  "<c/></xsl:template>"));
+        const std::string title = "file " + std::string(name) + " as xml: the result differs";
+        writeTests("a.tests.xml", "wrap.xsl",
+                   "<case name='c' source='in.xml'><expect file='" + std::string(name) +
+                       "' as='xml'/><expect file='new.xml'/></case>\n");
         const std::string before = shell("cat in.xml *.xsl *.tests.xml").output;
         const Outcome outcome = tool("test a.tests.xml --update");
-        EXPECT_EQ(outcome.status, 2);
-        EXPECT_EQ(outcome.output, "TAP version 13\n1..0\n");
-        EXPECT_EQ(outcome.error, "vexa-xslt: a.tests.xml:2: the case 'c' expects '" +
-                                     std::string(name) +
-                                     "', which --update cannot write: it is the " + role + "\n");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output,
+                  "TAP version 13\n1..1\nnot ok 1 - a.tests.xml: c\n# a.tests.xml:2\n# " + title +
+                      "; not updated, as the case reads it\n"
+                      "# file new.xml: the result differs; not updated, as the case failed\n");
         EXPECT_EQ(shell("cat in.xml *.xsl *.tests.xml").output, before);
     }
+    EXPECT_EQ(shell("test ! -e new.xml").status, 0);
     writeTests("a.tests.xml", "copy.xsl",
                "<case name='c' source='in.xml'><expect file='in.xml' as='xml'/></case>");
-    EXPECT_EQ(tool("test a.tests.xml").status, 0) << "it may be compared";
+    EXPECT_EQ(tool("test a.tests.xml --update").status, 0) << "it is right";
 }
 
-TEST_F(TestRunTest, UpdatesFailWhereTwoCasesDiffer) {
-    m_folder.write("out.xml", "<a>2</a>");
-    const auto cases = [](const std::string& text) {
-        return caseOf("c" + text, "<a>" + text + "</a>", "\n<expect file='out.xml'/>");
+TEST_F(TestRunTest, UpdatesKeepWhatSeveralCasesExpect) {
+    shell("mkdir sub; ln -s out.xml link.xml");
+    const auto write = [&](const std::string& first, const std::string& second) {
+        m_folder.write("out.xml", "<a>2</a>");
+        writeTests("a.tests.xml", "copy.xsl",
+                   caseOf("c1", "<a>" + first + "</a>", "\n<expect file='out.xml'/>"));
+        writeTests("sub/b.tests.xml", "../copy.xsl",
+                   caseOf("c2", "<a>" + second + "</a>", "\n<expect file='../link.xml'/>"));
     };
-    writeTests("a.tests.xml", "copy.xsl", cases("2") + cases("1"));
-    const Outcome kept = tool("test a.tests.xml --update");
-    EXPECT_EQ(kept.status, 1);
-    EXPECT_EQ(kept.output,
-              "TAP version 13\n1..2\nok 1 - a.tests.xml: c2\nnot ok 2 - a.tests.xml: "
-              "c1\n# a.tests.xml:4\n# out.xml: not updated: another case expects it as "
-              "it is\n");
-    EXPECT_EQ(file("out.xml"), "<a>2</a>");
-    writeTests("a.tests.xml", "copy.xsl", cases("1") + cases("2"));
-    EXPECT_EQ(tool("test a.tests.xml --update").status, 1);
-    EXPECT_EQ(file("out.xml"), "<a>1</a>") << "of the first one";
+    for (const auto& [first, second, result] :
+         {std::tuple("1", "2", "not ok 1 - a.tests.xml: c1"),
+          std::tuple("2", "1", "not ok 2 - sub/b.tests.xml: c2")}) {
+        write(first, second);
+        const Outcome outcome = tool("test . --update");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.output.find(result), std::string::npos) << outcome.output;
+        EXPECT_NE(outcome.output.find("not updated, as several cases expect it\n"),
+                  std::string::npos)
+            << outcome.output;
+        EXPECT_EQ(file("out.xml"), "<a>2</a>");
+    }
+    write("1", "1");
+    shell("rm out.xml");
+    EXPECT_EQ(tool("test . --update").status, 0) << "written for the first one";
+    EXPECT_EQ(file("out.xml"), "<a>1</a>");
 }
 
 TEST_F(TestRunTest, UpdatesKeepTheBytesOfTheResult) {
@@ -158,6 +174,13 @@ TEST_F(TestRunTest, AFailedCaseUpdatesNothing) {
     EXPECT_EQ(report("text.xsl", "<a>x</a>", "<expect file='old.xml' as='xml'/>", "--update")
                   .rfind("# file old.xml as xml: the result cannot be read as XML: line 1: ", 0),
               0U);
+    EXPECT_EQ(file("old.xml"), "old");
+    EXPECT_EQ(report("text.xsl", "<a>x</a>", "<expect file='new.xml' as='xml'/>", "--update")
+                  .rfind("# file new.xml as xml: the result cannot be read as XML: line 1: ", 0),
+              0U);
+    EXPECT_EQ(report("copy.xsl", "<a/>", "<expect file='old.xml'/><expect xpath='b'/>", "--update"),
+              "# xpath b: it is an empty node-set\n"
+              "# file old.xml: the result differs; not updated, as the case failed\n");
     EXPECT_EQ(file("old.xml"), "old");
     EXPECT_EQ(report("copy.xsl", "<a/>", "<expect file='none/a.xml'/>", "--update"),
               "# none/a.xml: cannot create: No such file or directory\n");
