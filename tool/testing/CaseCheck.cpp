@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 namespace {
 
@@ -40,18 +39,25 @@ std::string valueText(const vexa::Value& value) {
  * so that it is part of a comparison.
  */
 std::string declarationsOf(const std::string& text) {
-    static const std::regex REFERENCE("&([A-Za-z_:][A-Za-z0-9_.:-]*);");
+    constexpr const char* LETTERS = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_";
+    constexpr const char* OTHERS = "0123456789.-";
+    static const std::string IN_NAMES = std::string(LETTERS) + OTHERS;
     std::set<std::string> names;
-    for (std::sregex_iterator found(text.begin(), text.end(), REFERENCE), end; found != end;
-         ++found) {
-        names.insert((*found)[1]);
+    for (std::size_t begin = 0; (begin = text.find('&', begin)) != std::string::npos;) {
+        ++begin;
+        const std::size_t end = text.find_first_not_of(IN_NAMES, begin);
+        if (end != std::string::npos && text[end] == ';' &&
+            text.find_first_of(LETTERS, begin) == begin) {
+            names.insert(text.substr(begin, end - begin));
+        }
     }
     for (const char* name : {"lt", "gt", "amp", "apos", "quot"}) {
         names.erase(name);
     }
     std::string declarations;
     for (const std::string& name : names) {
-        declarations += "<!ENTITY " + name + " \"&#38;#38;" + name + ";\">";
+        declarations.append("<!ENTITY ").append(name).append(" \"&#38;#38;").append(name);
+        declarations += ";\">";
     }
     return declarations;
 }

@@ -70,6 +70,11 @@ TEST_F(ExpectationTest, EntitiesOfADtdThatIsNotReadAreNotLost) {
               "# /a[1]/@b: expected '&u;', got ''\n");
     write("<a b='&lt;'>&own;&amp;<!--&x;--><![CDATA[&y;]]></a>");
     EXPECT_EQ(report("copy.xsl", "<a b='&lt;'>z&amp;<!--&x;-->&amp;y;</a>", expectation), PASSED);
+    const std::string longName(100'000, 'n');
+    write("<a>&" + longName + ";</a>");
+    EXPECT_EQ(report("copy.xsl", "<a>&amp;" + longName + ";</a>", expectation), PASSED);
+    write("<a><![CDATA[&1; &; & &#1; &a:b; &c]]></a>");
+    EXPECT_EQ(report("copy.xsl", "<a><![CDATA[&1; &; & &#1; &a:b; &c]]></a>", expectation), PASSED);
     m_folder.write("a.xml", "<!DOCTYPE a [<!ENTITY e SYSTEM 'e.xml'>]><a>&e;</a>");
     m_folder.write("e.xml", "x");
     EXPECT_EQ(report("copy.xsl", "<a/>", expectation)
